@@ -1,0 +1,48 @@
+#pragma once
+
+#include "store/result.h"
+
+#include <QDate>
+#include <QHash>
+#include <QString>
+#include <QVariantList>
+
+namespace kelva {
+
+enum class FieldType {
+    Integer,
+    Number,    ///< a numeric attribute; NULL when empty
+    Text,
+    Date,      ///< stored as "yyyy-MM-dd"; NULL when empty
+    Timestamp, ///< stored as "yyyy-MM-ddTHH:mm:ss"
+    Boolean,   ///< stored as 0 and 1
+};
+
+/// One field that a clause may name. All SQL in it is written by us, never taken from a user.
+struct ClauseField
+{
+    FieldType type = FieldType::Text;
+    QString column;       ///< qualified column, such as "c.folder"
+    QString wordTable;    ///< full-text table of the field's words, empty when there is none
+    QString trigramTable; ///< full-text table of the field's trigrams, empty when there is none
+};
+
+/// The fields that are known, by key, and the column that the row ids of their full-text tables refer to.
+struct ClauseFields
+{
+    QHash<QString, ClauseField> byKey;
+    QString rowIdColumn; ///< such as "c.id"
+};
+
+/// A condition to stand in a WHERE, in parentheses already, with one "?" for each of values.
+struct SqlCondition
+{
+    QString sql;
+    QVariantList values;
+};
+
+/// One where clause as SQL. Date macros are taken relative to today. A clause outside the dialect, or one that
+/// names an unknown field or compares what cannot be compared, is a BadInput whose text says where.
+Result<SqlCondition> translateClause(const QString &clause, const ClauseFields &fields, const QDate &today);
+
+} // namespace kelva
