@@ -44,6 +44,7 @@ public:
     QModelIndexList selectedIndexes() const override;
     QItemSelection getSelection() const;
     void setSelection(const QItemSelection &selection);
+    using QTableView::hideColumn;
     using QTableView::setSelection;
 
     /// Folder oid of the first selected row, or an empty text.
@@ -70,6 +71,7 @@ public:
     void restoreHeader();
 
 public slots:
+    /// The column menu of the header.
     void hideColumn();
     void resizeColumnToContentsFlag(bool automatic);
     /// Shows all columns.
