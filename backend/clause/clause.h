@@ -22,19 +22,21 @@ enum class FieldType {
 struct ClauseField
 {
     FieldType type = FieldType::Text;
-    QString column;       ///< qualified column, such as "c.folder"
-    QString wordTable;    ///< full-text table of the field's words, empty when there is none
-    QString trigramTable; ///< full-text table of the field's trigrams, empty when there is none
+    QString column;       ///< qualified column, such as "c.folder", or another expression in parentheses
+    QString wordTable;    ///< FTS5 table of the field's words (unicode61 remove_diacritics 0), or empty
+    QString trigramTable; ///< FTS5 table of the field's trigrams (trigram), or empty
 };
 
-/// The fields that are known, by key, and the column that the row ids of their full-text tables refer to.
+/// The fields that are known, by key in any case, and the column that the row ids of their full-text tables refer to.
 struct ClauseFields
 {
     QHash<QString, ClauseField> byKey;
     QString rowIdColumn; ///< such as "c.id"
 };
 
-/// A condition to stand in a WHERE, in parentheses already, with one "?" for each of values.
+/// A condition to stand in a WHERE, in parentheses already, with one "?" for each of values. It is true for the
+/// records that fulfil the clause, and false or NULL for all others, so it must not be negated. It calls the
+/// functions of store/sqlfunctions.h.
 struct SqlCondition
 {
     QString sql;

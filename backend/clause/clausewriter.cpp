@@ -1,0 +1,510 @@
+#include "clause/clausewriter.h"
+
+#include "clause/clausemacros.h"
+#include "clause/clauseparser.h"
+#include "clause/clausevalues.h"
+#include "store/textmatch.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <algorithm>
+
+namespace kelva {
+
+namespace {
+
+constexpr int mostValues = 30000;   ///< the database takes 32766 in one statement
+constexpr int shortList = 8;        ///< longer lists are bound as one value
+constexpr size_t longestChain = 50; ///< the database refuses expressions deeper than 1000
+
+Comparator negation(Comparator comparator)
+{
+    switch (comparator) {
+    case Comparator::Equal:
+        return Comparator::NotEqual;
+    case Comparator::NotEqual:
+        return Comparator::Equal;
+    case Comparator::Less:
+        return Comparator::GreaterOrEqual;
+    case Comparator::LessOrEqual:
+        return Comparator::Greater;
+    case Comparator::Greater:
+        return Comparator::LessOrEqual;
+    case Comparator::GreaterOrEqual:
+        return Comparator::Less;
+    }
+    return comparator;
+}
+
+QString sign(Comparator comparator)
+{
+    switch (comparator) {
+    case Comparator::Equal:
+        return QStringLiteral(" = ");
+    case Comparator::NotEqual:
+        return QStringLiteral(" <> ");
+    case Comparator::Less:
+        return QStringLiteral(" < ");
+    case Comparator::LessOrEqual:
+        return QStringLiteral(" <= ");
+    case Comparator::Greater:
+        return QStringLiteral(" > ");
+    case Comparator::GreaterOrEqual:
+        break;
+    }
+    return QStringLiteral(" >= ");
+}
+
+bool holds(Comparator comparator, int order)
+{
+    switch (comparator) {
+    case Comparator::Equal:
+        return order == 0;
+    case Comparator::NotEqual:
+        return order != 0;
+    case Comparator::Less:
+        return order < 0;
+    case Comparator::LessOrEqual:
+        return order <= 0;
+    case Comparator::Greater:
+        return order > 0;
+    case Comparator::GreaterOrEqual:
+        break;
+    }
+    return order >= 0;
+}
+
+} // namespace
+
+ClauseWriter::ClauseWriter(const ClauseFields &fields, const QDate &today)
+    : m_rowIdColumn(fields.rowIdColumn),
+      m_today(today)
+{
+    for (auto field = fields.byKey.begin(); field != fields.byKey.end(); ++field)
+        m_fields.insert(field.key().toLower(), field.value());
+}
+
+Result<SqlCondition> ClauseWriter::write(const ClauseNode &root)
+{
+    const std::optional<Part> part = writeNode(root, false);
+    if (!part)
+        return m_error;
+    if (part->condition.values.size() > mostValues)
+        return clauseError(1, QStringLiteral("it holds more than %1 values").arg(mostValues));
+    return SqlCondition{QLatin1Char('(') + part->condition.sql + QLatin1Char(')'), part->condition.values};
+}
+
+ClauseWriter::Part ClauseWriter::constant(bool value)
+{
+    return {{value ? QStringLiteral("1") : QStringLiteral("0"), {}}, value, 0};
+}
+
+ClauseWriter::Part ClauseWriter::sql(const QString &text, const QVariantList &values)
+{
+    return {{text, values}, std::nullopt, 0};
+}
+
+std::optional<ClauseWriter::Part> ClauseWriter::writeNode(const ClauseNode &node, bool negated)
+{
+    const bool inverted = negated != node.negated;
+    switch (node.kind) {
+    case ClauseNode::Kind::And:
+    case ClauseNode::Kind::Or:
+        return writeJoin(node, negated);
+    case ClauseNode::Kind::Not:
+        return writeNode(node.children.front(), !negated);
+    case ClauseNode::Kind::Compare:
+        return writeCompare(node, inverted);
+    case ClauseNode::Kind::Like:
+        return writeLike(node, inverted);
+    case ClauseNode::Kind::IsNull:
+        return writeIsNull(node, inverted);
+    case ClauseNode::Kind::In:
+        return writeIn(node, inverted);
+    case ClauseNode::Kind::WordMatch:
+        return writeWordMatch(node, inverted);
+    }
+    return std::nullopt;
+}
+
+std::optional<ClauseWriter::Part> ClauseWriter::writeJoin(const ClauseNode &node, bool negated)
+{
+    const bool conjunction = (node.kind == ClauseNode::Kind::And) != negated;
+    std::vector<Part> parts;
+    bool decided = false;
+    for (const ClauseNode &child : node.children) {
+        std::optional<Part> part = writeNode(child, negated);
+        if (!part)
+            return std::nullopt;
+        if (!part->constant)
+            parts.push_back(std::move(*part));
+        else if (*part->constant != conjunction)
+            decided = true;
+    }
+    if (decided || parts.empty())
+        return constant(decided != conjunction);
+    return join(std::move(parts), conjunction);
+}
+
+/// Joins by AND or OR. What nests deepest comes first, where an opening parenthesis costs the database's
+/// parser least; its stack holds a hundred entries.
+ClauseWriter::Part ClauseWriter::join(std::vector<Part> parts, bool conjunction)
+{
+    if (parts.size() == 1)
+        return std::move(parts.front());
+    std::stable_sort(parts.begin(), parts.end(),
+                     [](const Part &a, const Part &b) { return a.stack > b.stack; });
+    if (parts.size() > longestChain) {
+        std::vector<Part> groups;
+        for (size_t from = 0; from < parts.size(); from += longestChain) {
+            const auto end = parts.begin() + std::min(from + longestChain, parts.size());
+            groups.push_back(join(
+                {std::make_move_iterator(parts.begin() + from), std::make_move_iterator(end)}, conjunction));
+        }
+        return join(std::move(groups), conjunction);
+    }
+    Part whole;
+    for (const Part &part : parts) {
+        if (!whole.condition.sql.isEmpty())
+            whole.condition.sql += conjunction ? QLatin1String(" AND ") : QLatin1String(" OR ");
+        whole.condition.sql += QLatin1Char('(') + part.condition.sql + QLatin1Char(')');
+        whole.condition.values += part.condition.values;
+    }
+    whole.stack = parts[0].stack + 1;
+    if (parts[1].stack + 3 > whole.stack)
+        whole.stack = parts[1].stack + 3;
+    return whole;
+}
+
+std::optional<ClauseWriter::Part> ClauseWriter::writeCompare(const ClauseNode &node, bool negated)
+{
+    const std::optional<Side> left = resolve(node.left);
+    const std::optional<Side> right = left ? resolve(node.right) : std::nullopt;
+    if (!right)
+        return std::nullopt;
+    return writeComparison(*left, *right, negated ? negation(node.comparator) : node.comparator);
+}
+
+std::optional<ClauseWriter::Part> ClauseWriter::writeComparison(const Side &left, const Side &right,
+                                                                Comparator comparator)
+{
+    const std::optional<Type> type = commonType(left, right);
+    if (!type)
+        return std::nullopt;
+    if (*type == Type::Null)
+        return constant(false);
+    QString text;
+    QVariantList values;
+    for (const Side *side : {&left, &right}) {
+        if (!text.isEmpty())
+            text += sign(comparator);
+        if (side->field) {
+            text += column(*side, *type);
+            continue;
+        }
+        const std::optional<QVariant> value = literal(*side, *type);
+        if (!value)
+            return std::nullopt;
+        text += QLatin1Char('?');
+        values << *value;
+    }
+    if (values.size() == 2)
+        return constant(holds(comparator, compareValues(values.first(), values.last())));
+    return sql(text, values);
+}
+
+std::optional<ClauseWriter::Part> ClauseWriter::writeIsNull(const ClauseNode &node, bool negated)
+{
+    const std::optional<Side> side = resolve(node.left);
+    if (!side)
+        return std::nullopt;
+    if (!side->field)
+        return constant((side->type == Type::Null) != negated);
+    return sql(side->field->column + (negated ? QLatin1String(" IS NOT NULL") : QLatin1String(" IS NULL")));
+}
+
+std::optional<ClauseWriter::Part> ClauseWriter::writeIn(const ClauseNode &node, bool negated)
+{
+    const std::optional<Side> left = resolve(node.left);
+    if (!left)
+        return std::nullopt;
+    std::vector<Side> list;
+    bool holdsNull = false;
+    for (const ClauseOperand &operand : node.list) {
+        std::optional<Side> entry = resolve(operand);
+        if (!entry)
+            return std::nullopt;
+        if (entry->type == Type::Null)
+            holdsNull = true;
+        else
+            list.push_back(std::move(*entry));
+    }
+    std::optional<Part> part = writeList(*left, list, negated);
+    // Nothing is known to differ from all entries when one of them is unknown.
+    return part && holdsNull && negated ? constant(false) : part;
+}
+
+std::optional<ClauseWriter::Part> ClauseWriter::writeList(const Side &left, const std::vector<Side> &list,
+                                                          bool negated)
+{
+    if (!left.field) {
+        bool found = false;
+        for (const Side &entry : list) {
+            const std::optional<Part> part = writeComparison(left, entry, Comparator::Equal);
+            if (!part)
+                return std::nullopt;
+            found = found || *part->constant;
+        }
+        return constant(left.type != Type::Null && found != negated);
+    }
+    Type type = Type::Null;
+    QVariantList values;
+    bool oneValue = list.size() > shortList;
+    for (const Side &entry : list) {
+        const std::optional<Type> common = commonType(left, entry);
+        const std::optional<QVariant> value = common ? literal(entry, *common) : std::nullopt;
+        if (!value)
+            return std::nullopt;
+        type = *common;
+        values << *value;
+        oneValue = oneValue && value->type() != QVariant::Double;
+    }
+    if (values.isEmpty())
+        return constant(false);
+    const QString operation =
+        column(left, type) + (negated ? QLatin1String(" NOT IN (") : QLatin1String(" IN ("));
+    if (!oneValue)
+        return sql(operation + QStringLiteral("?, ").repeated(values.size() - 1) + QLatin1String("?)"),
+                   values);
+    // JSON keeps whole numbers in a double, so it is written here.
+    QByteArray json;
+    for (const QVariant &value : qAsConst(values)) {
+        json += json.isEmpty() ? '[' : ',';
+        if (value.type() == QVariant::String)
+            json +=
+                QJsonDocument(QJsonArray{value.toString()}).toJson(QJsonDocument::Compact).mid(1).chopped(1);
+        else
+            json += QByteArray::number(value.toLongLong());
+    }
+    return sql(operation + QLatin1String("SELECT value FROM json_each(?))"), {QString::fromUtf8(json + ']')});
+}
+
+std::optional<ClauseWriter::Part> ClauseWriter::writeLike(const ClauseNode &node, bool negated)
+{
+    const std::optional<Side> left = resolve(node.left);
+    const std::optional<Side> right = left ? resolve(node.right) : std::nullopt;
+    if (!right)
+        return std::nullopt;
+    if (left->type == Type::Null || right->type == Type::Null)
+        return constant(false);
+    const auto sensitivity = node.ignoreCase ? Qt::CaseInsensitive : Qt::CaseSensitive;
+    if (!left->field && !right->field) {
+        const bool matches = LikePattern(literal(*right, Type::Text)->toString(), sensitivity)
+                                 .matches(literal(*left, Type::Text)->toString());
+        return constant(matches != negated);
+    }
+    if (left->field && !right->field)
+        return writePattern(*left, literal(*right, Type::Text)->toString(), node.ignoreCase, negated);
+    QVariantList values;
+    if (!left->field)
+        values << *literal(*left, Type::Text);
+    const QString function = node.ignoreCase ? QStringLiteral("kelva_ilike(") : QStringLiteral("kelva_like(");
+    return sql((negated ? QStringLiteral("NOT ") : QString()) + function + column(*right, Type::Text) +
+                   QLatin1String(", ") + (left->field ? column(*left, Type::Text) : QStringLiteral("?")) +
+                   QLatin1Char(')'),
+               values);
+}
+
+ClauseWriter::Part ClauseWriter::writePattern(const Side &left, const QString &pattern, bool ignoreCase,
+                                              bool negated) const
+{
+    const QString text = column(left, Type::Text);
+    const int wildcard = pattern.indexOf(QLatin1Char('%'));
+    const bool onlyPercent = wildcard == 0 && pattern.count(QLatin1Char('%')) == pattern.size();
+    if (onlyPercent)
+        return negated ? constant(false) : sql(left.field->column + QLatin1String(" IS NOT NULL"));
+    const bool storedAsText = text == left.field->column;
+    if (!ignoreCase && storedAsText && !pattern.contains(QLatin1Char('_'))) {
+        if (wildcard < 0)
+            return sql(text + (negated ? QLatin1String(" <> ?") : QLatin1String(" = ?")), {pattern});
+        const QString prefix = pattern.left(wildcard);
+        const QString end = endOfPrefix(prefix);
+        if (!end.isEmpty() && pattern.count(QLatin1Char('%')) == pattern.size() - wildcard)
+            return sql(text + (negated ? QLatin1String(" < ? OR ") : QLatin1String(" >= ? AND ")) + text +
+                           (negated ? QLatin1String(" >= ?") : QLatin1String(" < ?")),
+                       {prefix, end});
+    }
+    const QString match = (ignoreCase ? QLatin1String("kelva_ilike(?, ") : QLatin1String("kelva_like(?, ")) +
+                          text + QLatin1Char(')');
+    if (negated)
+        return sql(QLatin1String("NOT ") + match, {pattern});
+    const QString run = storedAsText && !left.field->trigramTable.isEmpty() ? trigramRun(pattern) : QString();
+    if (run.isEmpty())
+        return sql(match, {pattern});
+    QString phrase = run;
+    phrase.replace(QLatin1Char('"'), QLatin1String("\"\""));
+    return sql(lookUp(left.field->trigramTable) + QLatin1String(" AND ") + match,
+               {QLatin1Char('"') + phrase + QLatin1Char('"'), pattern});
+}
+
+std::optional<ClauseWriter::Part> ClauseWriter::writeWordMatch(const ClauseNode &node, bool negated)
+{
+    const std::optional<Side> left = resolve(node.left);
+    const std::optional<Side> right = left ? resolve(node.right) : std::nullopt;
+    if (!right)
+        return std::nullopt;
+    const QString query = right->operand.text;
+    const Result<WordQuery> words = WordQuery::parse(query);
+    if (!words)
+        return refuse(right->operand.position, words.error().text);
+    const QString known = left->field->column + QLatin1String(" IS NOT NULL");
+    if (words.value().matchesNothing())
+        return negated ? sql(known) : constant(false);
+    if (left->field->wordTable.isEmpty())
+        return sql((negated ? QStringLiteral("NOT ") : QString()) + QLatin1String("kelva_words(?, ") +
+                       column(*left, Type::Text) + QLatin1Char(')'),
+                   {query});
+    const QString match = lookUp(left->field->wordTable);
+    return sql(negated ? known + QLatin1String(" AND NOT ") + match : match,
+               {words.value().matchExpression()});
+}
+
+QString ClauseWriter::lookUp(const QString &table) const
+{
+    return QStringLiteral("%1 IN (SELECT rowid FROM %2 WHERE %2 MATCH ?)").arg(m_rowIdColumn, table);
+}
+
+std::optional<ClauseWriter::Side> ClauseWriter::resolve(const ClauseOperand &operand)
+{
+    Side side{operand, nullptr, Type::Text};
+    switch (operand.kind) {
+    case ClauseOperand::Kind::Null:
+        side.type = Type::Null;
+        return side;
+    case ClauseOperand::Kind::Text: {
+        const std::optional<QString> text = withDateMacros(operand.text, m_today);
+        if (!text)
+            return refuse(operand.position, QStringLiteral("the date macro leads out of the calendar"));
+        side.operand.text = *text;
+        side.type = Type::Untyped;
+        break;
+    }
+    case ClauseOperand::Kind::Number:
+        side.type = Type::Number;
+        break;
+    case ClauseOperand::Kind::Boolean:
+        side.type = Type::Boolean;
+        break;
+    case ClauseOperand::Kind::Field: {
+        const auto field = m_fields.constFind(operand.text.toLower());
+        if (field == m_fields.constEnd())
+            return refuse(operand.position,
+                          QStringLiteral("the field \"%1\" is not known").arg(operand.text.left(60)));
+        side.field = &field.value();
+        switch (field->type) {
+        case FieldType::Integer:
+        case FieldType::Number:
+            side.type = Type::Number;
+            break;
+        case FieldType::Text:
+            side.type = Type::Text;
+            break;
+        case FieldType::Date:
+            side.type = Type::Date;
+            break;
+        case FieldType::Timestamp:
+            side.type = Type::Timestamp;
+            break;
+        case FieldType::Boolean:
+            side.type = Type::Boolean;
+            break;
+        }
+        break;
+    }
+    }
+    if (operand.asText)
+        side.type = Type::Text;
+    return side;
+}
+
+std::optional<ClauseWriter::Type> ClauseWriter::commonType(const Side &left, const Side &right)
+{
+    const auto one = [&](Type type) { return left.type == type || right.type == type; };
+    if (one(Type::Null))
+        return Type::Null;
+    if (left.type == right.type)
+        return left.type == Type::Untyped ? Type::Text : left.type;
+    if (one(Type::Untyped))
+        return left.type == Type::Untyped ? right.type : left.type;
+    if (one(Type::Text))
+        return Type::Text;
+    if (one(Type::Date) && one(Type::Timestamp))
+        return Type::Timestamp;
+    return refuse(left.operand.position,
+                  QStringLiteral("%1 cannot be compared with %2").arg(nameOf(left), nameOf(right)));
+}
+
+std::optional<QVariant> ClauseWriter::literal(const Side &side, Type type)
+{
+    const QString &text = side.operand.text;
+    switch (type) {
+    case Type::Number:
+        if (const std::optional<QVariant> number = numberValue(text))
+            return number;
+        return refuse(side.operand.position, QStringLiteral("%1 is no number").arg(nameOf(side)));
+    case Type::Boolean:
+        if (const std::optional<bool> value = booleanValue(text))
+            return int(*value);
+        return refuse(side.operand.position,
+                      QStringLiteral("%1 is neither true nor false").arg(nameOf(side)));
+    case Type::Date:
+        return dateValue(text);
+    case Type::Timestamp:
+        return timestampValue(text);
+    case Type::Text:
+    case Type::Untyped:
+    case Type::Null:
+        break;
+    }
+    return side.operand.kind == ClauseOperand::Kind::Number ? plainNumber(text) : text;
+}
+
+QString ClauseWriter::column(const Side &side, Type type)
+{
+    const QString &name = side.field->column;
+    if (type == Type::Timestamp && side.field->type == FieldType::Date)
+        return name + QLatin1String(" || 'T00:00:00'");
+    if (type != Type::Text)
+        return name;
+    switch (side.field->type) {
+    case FieldType::Integer:
+        return QStringLiteral("CAST(%1 AS TEXT)").arg(name);
+    case FieldType::Number:
+        return QStringLiteral("kelva_number_text(%1)").arg(name);
+    case FieldType::Boolean:
+        return QStringLiteral("CASE %1 WHEN 0 THEN 'false' WHEN 1 THEN 'true' END").arg(name);
+    case FieldType::Text:
+    case FieldType::Date:
+    case FieldType::Timestamp:
+        break;
+    }
+    return name;
+}
+
+QString ClauseWriter::nameOf(const Side &side)
+{
+    constexpr int longestName = 60;
+    const QString &text = side.operand.text;
+    const QString shown = text.size() > longestName ? text.left(longestName) + QLatin1String("...") : text;
+    return side.operand.kind == ClauseOperand::Kind::Text ? QLatin1Char('\'') + shown + QLatin1Char('\'')
+                                                          : shown;
+}
+
+std::nullopt_t ClauseWriter::refuse(int position, const QString &reason)
+{
+    m_error = clauseError(position, reason);
+    return std::nullopt;
+}
+
+} // namespace kelva

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "clause/clause.h"
+#include "clause/clausetree.h"
+
+#include <optional>
+
+namespace kelva {
+
+/// Writes a tree as SQL for SQLite. NOT is moved inwards to the predicates, so of a predicate, plain or
+/// negated, it matters only for which records it is true; that a comparison with NULL is neither true nor
+/// false comes out by itself.
+class ClauseWriter
+{
+public:
+    ClauseWriter(const ClauseFields &fields, const QDate &today);
+
+    Result<SqlCondition> write(const ClauseNode &root);
+
+private:
+    enum class Type { Null, Untyped, Text, Number, Date, Timestamp, Boolean };
+
+    /// A condition with what is needed to join it to others.
+    struct Part
+    {
+        SqlCondition condition;
+        std::optional<bool> constant; ///< true for every record, or for none
+        int stack = 0;                ///< what the database's parser must keep of it
+    };
+
+    /// An operand with its field looked up and its macros replaced.
+    struct Side
+    {
+        ClauseOperand operand;
+        const ClauseField *field = nullptr;
+        Type type = Type::Null;
+    };
+
+    static Part constant(bool value);
+    static Part sql(const QString &text, const QVariantList &values = {});
+
+    std::optional<Part> writeNode(const ClauseNode &node, bool negated);
+    std::optional<Part> writeJoin(const ClauseNode &node, bool negated);
+    std::optional<Part> writeCompare(const ClauseNode &node, bool negated);
+    std::optional<Part> writeComparison(const Side &left, const Side &right, Comparator comparator);
+    std::optional<Part> writeLike(const ClauseNode &node, bool negated);
+    std::optional<Part> writeIsNull(const ClauseNode &node, bool negated);
+    std::optional<Part> writeIn(const ClauseNode &node, bool negated);
+    std::optional<Part> writeList(const Side &left, const std::vector<Side> &list, bool negated);
+    std::optional<Part> writeWordMatch(const ClauseNode &node, bool negated);
+    Part writePattern(const Side &left, const QString &pattern, bool ignoreCase, bool negated) const;
+    static Part join(std::vector<Part> parts, bool conjunction);
+
+    std::optional<Side> resolve(const ClauseOperand &operand);
+    std::optional<Type> commonType(const Side &left, const Side &right);
+    /// The operand as a value of that type; only for literals, and never NULL.
+    std::optional<QVariant> literal(const Side &side, Type type);
+    static QString column(const Side &side, Type type);
+    QString lookUp(const QString &table) const;
+    static QString nameOf(const Side &side);
+    std::nullopt_t refuse(int position, const QString &reason);
+
+    QHash<QString, ClauseField> m_fields;
+    QString m_rowIdColumn;
+    QDate m_today;
+    Error m_error;
+};
+
+} // namespace kelva

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "store/result.h"
+
+#include <QString>
+#include <QVarLengthArray>
+
+#include <vector>
+
+namespace kelva {
+
+/// Unicode code points of a text; what one "_" of a pattern stands for is one of them.
+using CodePoints = QVarLengthArray<uint, 256>;
+
+CodePoints codePoints(const QString &text);
+
+/// Malformed bytes become U+FFFD, one for each byte.
+CodePoints codePointsOfUtf8(const char *bytes, int size);
+
+/// Simple case folding: one code point for one, independent of any locale.
+uint foldedCase(uint codePoint);
+
+/// A pattern of LIKE: "%" is any run of characters, "_" exactly one. There is no escape character.
+/// The time of a match is bounded by the product of both lengths.
+class LikePattern
+{
+public:
+    LikePattern(const QString &pattern, Qt::CaseSensitivity sensitivity);
+
+    bool matches(CodePoints text) const;
+    bool matches(const QString &text) const { return matches(codePoints(text)); }
+
+private:
+    using Segment = std::vector<uint>;
+
+    static bool matchesAt(const Segment &segment, const uint *text);
+
+    std::vector<Segment> m_segments; ///< what stands between the percent signs
+    int m_leastLength = 0;
+    bool m_folds = false;
+};
+
+/// The longest run of characters without wildcards in a pattern that an index of trigrams can look up
+/// whatever their case. Empty when it has fewer than three characters.
+QString trigramRun(const QString &pattern);
+
+/// The words of a text, case folded: runs of letters and digits, as the full-text tables split them.
+std::vector<QString> wordsOf(const QString &text);
+
+/// A query for words: words joined by "&", each with ":*" behind it when it is a prefix. A word that holds
+/// punctuation becomes words in sequence; words with only blanks between them must all occur.
+class WordQuery
+{
+public:
+    /// A side of an "&" that holds nothing is an error.
+    static Result<WordQuery> parse(const QString &query);
+
+    /// Without a letter or digit in it, a query matches no text at all.
+    bool matchesNothing() const { return m_phrases.empty(); }
+    bool matches(const QString &text) const;
+
+    /// The query for MATCH of a full-text table. Not to be asked when matchesNothing().
+    QString matchExpression() const;
+
+private:
+    struct Phrase
+    {
+        std::vector<QString> words;
+        bool prefix = false; ///< of the last word
+    };
+
+    static bool occurs(const Phrase &phrase, const std::vector<QString> &words);
+
+    std::vector<Phrase> m_phrases;
+};
+
+/// A number as text: no exponent, no zeros at the end of a fraction, no sign for zero.
+QString numberText(double number);
+
+} // namespace kelva

@@ -1,0 +1,236 @@
+#include "app/kelvaclientmain.h"
+
+#include "app/kelvaabout.h"
+#include "app/programversion.h"
+#include "app/proxysettings.h"
+#include "app/startoptions.h"
+#include "documents/kelvacheckboxdelegate.h"
+#include "documents/kelvalinedelegate.h"
+#include "documents/kelvatrashbutton.h"
+#include "documents/qinfoviewmodel.h"
+#include "extensions/qttoolbarmanager.h"
+#include "folders/kelvadoctree.h"
+#include "search/kelvastatusbarext.h"
+#include "server/classifyinterface.h"
+#include "server/kelvaarchiveclientinterface.h"
+#include "server/kelvaarchiveworker.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QDebug>
+#include <QDesktopServices>
+#include <QDir>
+#include <QEventLoopLocker>
+#include <QHeaderView>
+#include <QHostInfo>
+#include <QMenu>
+#include <QMessageBox>
+#include <QNetworkProxyFactory>
+#include <QPluginLoader>
+#include <QSettings>
+#include <QUrl>
+
+namespace {
+
+const char helpAddress[] =
+    "https://www.kelva.example/index.php/de/downloads/produktinformationen-handbuecher";
+
+/// The plug-in's instance; null with a trace line when it cannot be loaded. The loader may go: the plug-in
+/// stays loaded.
+QObject *loadPlugin(const QString &fileName)
+{
+    const QString path = QCoreApplication::applicationDirPath() + QDir::separator() + fileName;
+    QPluginLoader loader;
+    loader.setFileName(path);
+    if (!loader.load()) {
+        qDebug() << "Unable to load " << path << loader.errorString();
+        return nullptr;
+    }
+    return loader.instance();
+}
+
+} // namespace
+
+KelvaClientMain::KelvaClientMain(QWidget *parent)
+    : QMainWindow(parent),
+      docTree(new KelvaDocTree(tr("Folders"), true, QString(), QString(), nullptr)),
+      statusBarExt(new kelvastatusbarext),
+      archiveWorker(new KelvaArchiveWorker),
+      toolBarManager(new QtToolBarManager(this))
+{
+    toolBarManager->setMainWindow(this);
+    m_trashButton = statusBarExt->getTrashButton();
+    archiveWorker->setParentWidget(this);
+    setupUi(this);
+    setupPanels();
+    connectPanels();
+    clientIdent = QStringLiteral("Kelva Client#%1#%2#").arg(programversion::text, QHostInfo::localHostName());
+}
+
+void KelvaClientMain::setupPanels()
+{
+    m_SearchString->resize(200, 40);
+    m_SearchString->setColumnCount(1);
+    m_SearchString->setRowCount(1);
+    m_SearchString->setItem(0, 0, new QTableWidgetItem);
+    m_SearchString->setRowHeight(0, 22);
+    m_SearchString->horizontalHeader()->setStretchLastSection(true);
+    m_SearchString->horizontalHeader()->hide();
+    m_SearchString->verticalHeader()->hide();
+
+    m_tWOrdner->setSaveState(true, "kelvaMainFolderView");
+    setDockNestingEnabled(true);
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    m_infoView->horizontalHeader()->setSectionsMovable(true);
+    m_infoView->horizontalHeader()->setContextMenuPolicy(Qt::ActionsContextMenu);
+    m_infoView->verticalHeader()->hide();
+
+    auto *linkMenu = new QMenu(this);
+    linkMenu->addActions({action_Link_Email, action_Link_Clip});
+    action_Link->setMenu(linkMenu);
+    action_MoveToArchive->setMenu(new QMenu(this));
+
+    groupBox_Search->setStyleSheet(
+        "QGroupBox::title { subcontrol-position: top center; subcontrol-origin: margin; "
+        "padding-top: 0px;padding-left:1px;padding-right:1px;} QGroupBox { border: 1px "
+        "solid gray;border-radius: 5px;margin-top: 1ex;}");
+    centralWidget()->hide();
+    // Set by the form as well, but this is the one way to give the bar its place.
+    statusBar()->insertPermanentWidget(0, statusBarExt, 0);
+}
+
+void KelvaClientMain::connectPanels()
+{
+    connect(m_currentSubArchiv, SIGNAL(currentIndexChanged(int)), this, SLOT(subArchiveChanged(int)));
+    connect(m_infoView->selectionModel(), SIGNAL(selectionChanged(QItemSelection, QItemSelection)), this,
+            SLOT(docSelChanged(QItemSelection)));
+    connect(m_infoView, SIGNAL(redrawMain()), this, SLOT(repaint()));
+    connect(m_bSuchen, SIGNAL(clicked()), this, SLOT(doSearch()));
+    connect(m_bClearSuchen, SIGNAL(clicked()), this, SLOT(doClearSearch()));
+    connect(m_bClearSuchen2, SIGNAL(clicked()), this, SLOT(doClearSearch()));
+    connect(m_bFilterBearbeiten, SIGNAL(clicked()), this, SLOT(notAvailableYet()));
+    connect(action_About, SIGNAL(triggered(bool)), this, SLOT(showAbout()));
+    connect(action_Hilfe, SIGNAL(triggered(bool)), this, SLOT(showHelp()));
+}
+
+KelvaClientMain::~KelvaClientMain()
+{
+    saveScreenSettings();
+    if (classifyClient) {
+        classifyClient->disconnectClient();
+        classifyClient->deleteLater();
+    }
+    delete archiveWorker;
+    docTree->deleteLater();
+    if (m_folderColumnTree)
+        m_folderColumnTree->deleteLater();
+    for (KelvaLineDelegate *delegate : qAsConst(m_lineDelegates))
+        delegate->deleteLater();
+    m_lineDelegates.clear();
+    for (KelvaCheckBoxDelegate *delegate : qAsConst(m_checkDelegates))
+        delegate->deleteLater();
+    m_checkDelegates.clear();
+    releaseFixedDelegates();
+    toolBarManager->deleteLater();
+    statusBarExt->deleteLater();
+    delete archiveInterface; // the last one: every client that it made is gone
+    QCoreApplication::quit();
+}
+
+bool KelvaClientMain::init()
+{
+    // The window is still hidden: without the lock the first box or chooser that closes would end the
+    // program.
+    const QEventLoopLocker locker;
+    writeApplicationInfo(programversion::application, QString("%1").arg(programversion::text),
+                         QString("%1").arg(programversion::build));
+    initProxy();
+    if (!loadClassificationPlugin() || !loadArchivePlugin()) {
+        QMessageBox::critical(this, tr("Error"), tr("Cannot load classify plugin!")); // the same for both
+        QCoreApplication::quit();
+        return false;
+    }
+    if (!doLogin()) {
+        QCoreApplication::quit();
+        return false;
+    }
+    show();
+    return true;
+}
+
+void KelvaClientMain::show()
+{
+    QWidget::show();
+}
+
+void KelvaClientMain::writeApplicationInfo(const QString &name, const QString &version, const QString &build)
+{
+    QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
+    settings.beginGroup("Software" + name); // one flat group, no separator in between
+    settings.setValue("Name", name);
+    settings.setValue("Version", version);
+    settings.setValue("Build", build);
+    settings.endGroup();
+}
+
+void KelvaClientMain::initProxy()
+{
+    const ProxySettings settings =
+        readProxySettings(QSettings("Norbant GmbH", QCoreApplication::applicationName()));
+    if (settings.useSystem)
+        QNetworkProxyFactory::setUseSystemConfiguration(true);
+    else
+        QNetworkProxy::setApplicationProxy(settings.proxy);
+}
+
+bool KelvaClientMain::loadClassificationPlugin()
+{
+    QObject *instance = loadPlugin("libclassifyclient.so");
+    if (!instance)
+        return false;
+    // The plug-in has a meta object of its own for the interface, so only the identifier finds it.
+    classifyClient = static_cast<ClassifyInterface *>(instance->qt_metacast(CLASSIFY_INTERFACE_IID));
+    if (!classifyClient)
+        return false;
+    classifyClient = classifyClient->createClient(QString());
+    if (!classifyClient)
+        return false;
+    offlineMode = classifyClient->getConnectionMode().startsWith("Offline");
+    if (offlineMode) {
+        qDebug("Client in offline mode...");
+        disconnect(statusBarExt->getShowUnReadCheckBox(), SIGNAL(clicked()), this, SLOT(doUpdateDocuments()));
+        statusBarExt->getShowUnReadCheckBox()->hide();
+        return true;
+    }
+    connect(classifyClient, SIGNAL(clientDisconnect()), this, SLOT(clientDisconnected()));
+    connect(classifyClient, SIGNAL(serverRequest(QString)), this, SLOT(handleServerRequest(QString)));
+    return true;
+}
+
+bool KelvaClientMain::loadArchivePlugin()
+{
+    QObject *instance = loadPlugin("libkelvaarchiveclient.so");
+    if (!instance)
+        return false;
+    archiveInterface =
+        static_cast<kelvaArchiveClientInterface *>(instance->qt_metacast(KELVA_ARCHIVE_CLIENT_INTERFACE_IID));
+    return archiveInterface != nullptr;
+}
+
+void KelvaClientMain::showAbout()
+{
+    KelvaAbout about(this);
+    about.setInformation(profile.displayLine1, profile.displayLine2, classifyClient->getServerVersion());
+    about.exec();
+}
+
+void KelvaClientMain::showHelp()
+{
+    QDesktopServices::openUrl(QUrl(QUrl::fromPercentEncoding(helpAddress)));
+}
+
+void KelvaClientMain::closeEvent(QCloseEvent *event)
+{
+    QMainWindow::closeEvent(event);
+    emit closed();
+}

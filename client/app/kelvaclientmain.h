@@ -1,0 +1,230 @@
+#pragma once
+
+#include "documents/documentquery.h"
+#include "server/kelvaprofiledata.h"
+#include "ui_kelvaclientmain.h"
+
+#include <QItemSelection>
+#include <QMainWindow>
+#include <QMap>
+#include <QMutex>
+#include <QPersistentModelIndex>
+
+#include <memory>
+
+class ClassifyInterface;
+class KelvaArchiveWorker;
+class KelvaCheckBoxDelegate;
+class KelvaComboDelegate;
+class KelvaDelegate;
+class KelvaDocLogin;
+class KelvaDocTree;
+class KelvaLineDelegate;
+class KelvaTrashButton;
+class KelvaViewDelegate;
+class QTimer;
+class QToolBar;
+class QtToolBarManager;
+class kelvaArchiveClientInterface;
+class kelvastatusbarext;
+struct WorkbenchData;
+
+/// The main window. It owns the session and what hangs on it and lends both to panels and dialogs. Rules
+/// stand beside it, as functions of their inputs; here they are wired. The groups below name the file they
+/// are in.
+class KelvaClientMain : public QMainWindow, private Ui_KelvaClientMain
+{
+    Q_OBJECT
+
+public:
+    explicit KelvaClientMain(QWidget *parent = nullptr);
+    ~KelvaClientMain() override;
+
+public slots:
+    // app/kelvaclientmain.cpp
+    /// Loads the service plug-ins, logs in and shows the window; quits the program on failure.
+    bool init();
+    void show();
+    void showAbout();
+    void showHelp();
+
+    // app/kelvaclientmain_login.cpp
+    void changePassword();
+    /// Reloads the session's vocabulary. False when the window had to be closed.
+    bool updateAll(bool updateDocs = true);
+    void clientDisconnected();
+    void handleServerRequest(QString request);
+    void blinkReload();
+
+    // app/kelvaclientmain_workbench.cpp
+    void loadSettings();
+    void saveWorkbench();
+    void loadWorkbench();
+    void resetSettings();
+    void notAvailableYet();
+
+    // documents/kelvaclientmain_list.cpp
+    /// The refresh of the document list. docIds: classification ids to select instead of the present ones.
+    void updateDocuments(QStringList docIds = {}, bool resetPlugins = false);
+    void updateDocumentsClearPlugins();
+    void doUpdateDocuments();
+    void selChanged();
+    void timerSelChanged();
+    void docSelChanged(const QItemSelection &selection);
+    void changeDocView();
+    void updateTrash();
+
+    // documents/kelvaclientmain_search.cpp
+    void doSearch(bool special = false);
+    void doClearSearch(bool update = true);
+    void searchComboChanged(int index, bool focus);
+    void searchComboChanged(int index);
+    void searchTextChanged();
+    void doCheckSearch();
+
+    // folders/kelvaclientmain_folders.cpp
+    void subArchiveChanged(int index, bool reload = true);
+    void moveToFolder();
+
+    // search/kelvaclientmain_filters.cpp
+    void resetFilters(bool reload = true, bool resetFolder = true);
+
+signals:
+    void closed();
+    void updatePluginData();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+
+private:
+    // app/kelvaclientmain.cpp
+    void setupPanels();
+    void connectPanels();
+    void writeApplicationInfo(const QString &name, const QString &version, const QString &build);
+    void initProxy();
+    bool loadClassificationPlugin();
+    bool loadArchivePlugin();
+
+    // app/kelvaclientmain_login.cpp
+    bool doLogin();
+    bool chooseProfile();
+    bool takeProfile();
+    bool enterOfflineArchive();
+    bool isArchiveKnown();
+    bool doLoginWithoutDialog();
+    bool connectToClassification();
+    bool reportFailedConnection();
+    bool changeExpiredPass(const QString &host, const QString &user, int port);
+    void setLoginText(const QString &text);
+    void startReloadBlink();
+    void stopReloadBlink();
+    bool mayDo(const char *right) const { return userRights.contains(right); }
+
+    // app/kelvaclientmain_workbench.cpp
+    void loadToolBar();
+    void applyRights();
+    void applyOfflineMode();
+    void fillContextMenus();
+    void connectActions();
+    void setShortcuts();
+    void registerToolBars();
+    void loadScreenSettings();
+    void saveScreenSettings();
+
+    // documents/kelvaclientmain_list.cpp
+    DocumentQuery currentQuery() const;
+    void refreshTable(const QStringList &docIds, bool resetPlugins, bool senderIsModel);
+    bool loadRows();
+    void showCount();
+    void updateFolderColumn();
+    void restoreSelection(const QStringList &ids, const QString &currentId, int currentColumn);
+    void disableDocumentActions();
+    QStringList getCurrentDocIds(bool onlyWritable, bool notDeleted) const;
+    QStringList getCurrentRealDocIds(bool onlyWritable) const;
+    void showDocView();
+
+    // documents/kelvaclientmain_search.cpp
+    void setSearchActive(bool active);
+    void searchFullText(const QString &words);
+
+    // folders/kelvaclientmain_folders.cpp
+    bool initFolders();
+    void makeFixedDelegates(const WorkbenchData &workbench);
+    void makeAttributeDelegates(const WorkbenchData &workbench);
+    void showFolderTree(const WorkbenchData &workbench);
+    void makeFolderColumn(const WorkbenchData &workbench);
+    void enterSubArchive(const QString &archive);
+    void fillSubArchives(const QStringList &names);
+    void fillMoveMenu();
+    QString getArchiveString() const;
+    void setColumnDelegate(int column, KelvaDelegate *&member, KelvaDelegate *delegate);
+    KelvaDelegate *getDelegateForColumn(int column) const;
+    int getColumnIndex(const QString &name) const { return m_columnNames.indexOf(name); }
+    void blockDelegateSignals(bool block);
+    void releaseFixedDelegates();
+
+    // search/kelvaclientmain_filters.cpp
+    void initStatus();
+    void loadFilters();
+
+    bool offlineMode = false;
+    kelvaProfileData profile;
+    ClassifyInterface *classifyClient = nullptr;
+    kelvaArchiveClientInterface *archiveInterface = nullptr; ///< a factory
+    QString loginName;
+    QString loginPassword;
+    KelvaDocTree *docTree;
+    kelvastatusbarext *statusBarExt;
+    KelvaTrashButton *m_trashButton = nullptr; ///< the status bar's
+    KelvaArchiveWorker *archiveWorker;
+    QtToolBarManager *toolBarManager;
+    bool firstConnect = true;
+    bool initialized = false;
+    QString clientIdent; ///< composed for the service; nothing here reads it
+
+    // Session
+    QString serverHost;
+    int serverPort = 0;
+    QString archiveHost;
+    int archivePort = 0;
+    QString profileIdentifier;
+    QStringList userRights;
+    KelvaDocLogin *loginSplash = nullptr;
+    QTimer *reloadBlinkTimer = nullptr;
+    bool uiReady = false;
+    bool reloadPending = false;
+
+    // Settings and bars
+    QToolBar *m_settingsBar = nullptr;
+    QAction *m_contextLink = nullptr;
+    bool useHttpLinks = false;
+    QString emailCommand;
+    int DockFolderWidth = 0;
+
+    // Query
+    QString m_selectionOption;
+    QString m_fullTextOption;
+    QStringList m_queryFragments;
+    QString m_searchWhere = QStringLiteral("1=1");
+    QStringList m_extraFragments; ///< stays empty; its place in the order is part of the contract
+    QString m_mineOption;
+    QMap<QString, QString> m_retentionByDocType;
+    QStringList m_columnNames; ///< field keys in the order of the table's columns
+    QMutex m_updateMutex;
+    QMutex m_timerMutex;
+    bool m_refreshMissed = false; ///< a refresh was asked for while one was running
+    int selectTimerId = -1;
+
+    // Vocabulary
+    QStringList m_searchColumns;
+    KelvaDocTree *m_folderColumnTree = nullptr;
+    KelvaDelegate *m_mainFolderDelegate = nullptr;
+    KelvaDelegate *m_descriptionDelegate = nullptr;
+    KelvaDelegate *m_statusDelegate = nullptr;
+    KelvaDelegate *m_folderDelegate = nullptr;
+    KelvaDelegate *m_typeDelegate = nullptr;
+    KelvaDelegate *m_changeTimeDelegate = nullptr;
+    QMap<int, KelvaLineDelegate *> m_lineDelegates;
+    QMap<int, KelvaCheckBoxDelegate *> m_checkDelegates;
+};

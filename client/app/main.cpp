@@ -1,0 +1,45 @@
+#include "app/kelvaclientmain.h"
+#include "app/programversion.h"
+#include "app/qmyapplication.h"
+
+#include <QPalette>
+#include <QTextCodec>
+#include <QTimer>
+#include <QTranslator>
+
+namespace {
+
+const char applicationSheet[] =
+    "QDockWidget::title {background: rgb(233, 239, 255);padding-left: 2px; padding-top: 4px;} QDockWidget "
+    "{margin:0px;padding:0px;} QStatusBar {border: 1px outset rgb(180, 215, 255) ; background-color: "
+    "rgb(180, 215, "
+    "255);} QMainWindow {padding: 0px;margin: 0px;} QAbstractItemView {alternate-background-color: rgb(233, "
+    "239, "
+    "255);} QMainWindow::separator {border: 1px outset rgb(180, 215, 255); height: 1px; width: 1px;} "
+    "QMainWindow::separator:hover {border: 2px solid rgb(180, 215, 255); height: 1px; width: 1px;}";
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QMyApplication application(argc, argv);
+    QCoreApplication::setApplicationName(programversion::application);
+    QCoreApplication::setOrganizationName(programversion::organisation);
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    QPalette palette = QGuiApplication::palette();
+    palette.setColor(QPalette::All, QPalette::Window, QColor(243, 249, 255));
+    palette.setColor(QPalette::All, QPalette::Button, QColor(241, 239, 255));
+    QApplication::setPalette(palette);
+    application.setStyleSheet(applicationSheet);
+
+    // The one catalogue beside the program decides the language, not the locale; without it the texts stay
+    // English.
+    QTranslator translator;
+    translator.load("language", QCoreApplication::applicationDirPath(), QString(), QString());
+    QCoreApplication::installTranslator(&translator);
+    QGuiApplication::setQuitOnLastWindowClosed(true);
+
+    KelvaClientMain window;
+    QTimer::singleShot(100, &window, SLOT(init()));
+    return QApplication::exec();
+}

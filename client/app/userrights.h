@@ -1,0 +1,11 @@
+#pragma once
+
+/// Names of the rights in a user's role list.
+namespace userright {
+
+constexpr char administrate[] = "kelvaADMIN";
+constexpr char classify[] = "kelvaCLASSIFY";
+constexpr char history[] = "kelvaHISTORY";
+constexpr char createFolder[] = "kelvaCREATEFOLDER";
+
+} // namespace userright

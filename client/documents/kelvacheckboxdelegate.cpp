@@ -1,0 +1,53 @@
+#include "documents/kelvacheckboxdelegate.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QWidget>
+
+KelvaCheckBoxDelegate::KelvaCheckBoxDelegate(bool, QObject *parent) : KelvaDelegate(parent) {}
+
+KelvaDelegate *KelvaCheckBoxDelegate::clone(QWidget *parent) const
+{
+    auto *copy = new KelvaCheckBoxDelegate(false, parent);
+    copy->setDelegateColumn(delegateColumn);
+    return copy;
+}
+
+QRect KelvaCheckBoxDelegate::CheckBoxRect(const QStyleOptionViewItem &option)
+{
+    QStyleOptionButton box;
+    const QStyle *style = option.widget ? option.widget->style() : QApplication::style();
+    const QSize size = style->subElementRect(QStyle::SE_CheckBoxIndicator, &box, option.widget).size();
+    return QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size, option.rect);
+}
+
+QWidget *KelvaCheckBoxDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                                             const QModelIndex &index) const
+{
+    return serves(index) ? nullptr : KelvaDelegate::createEditor(parent, option, index);
+}
+
+void KelvaCheckBoxDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                                  const QModelIndex &index) const
+{
+    QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
+    cell.text.clear();
+    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
+    style->drawPrimitive(QStyle::PE_PanelItemViewItem, &cell, painter, cell.widget);
+
+    QStyleOptionButton box;
+    box.rect = CheckBoxRect(option);
+    box.palette = cell.palette;
+    box.state = index.data(Qt::DisplayRole).toBool() ? QStyle::State_On : QStyle::State_Off;
+    if (index.flags() & Qt::ItemIsEnabled)
+        box.state |= QStyle::State_Enabled;
+    style->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, painter, cell.widget);
+
+    if (option.state & QStyle::State_HasFocus) {
+        QStyleOptionFocusRect focus;
+        focus.QStyleOption::operator=(cell);
+        focus.backgroundColor = cell.palette.color(QPalette::Base);
+        style->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter, cell.widget);
+    }
+}

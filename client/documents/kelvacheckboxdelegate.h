@@ -1,0 +1,22 @@
+#pragma once
+
+#include "documents/kelvadelegate.h"
+
+/// A box in the middle of the cell: "2" when ticked, "0" when not.
+class KelvaCheckBoxDelegate final : public KelvaDelegate
+{
+    Q_OBJECT
+
+public:
+    /// The bool is reserved.
+    KelvaCheckBoxDelegate(bool reserved, QObject *parent);
+
+    KelvaDelegate *clone(QWidget *parent) const override;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override;
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+
+    /// Place of the box within a cell.
+    static QRect CheckBoxRect(const QStyleOptionViewItem &option);
+};

@@ -1,0 +1,340 @@
+#include "app/kelvaclientmain.h"
+
+#include "app/userrights.h"
+#include "documents/documentactionstate.h"
+#include "documents/documentcolumns.h"
+#include "documents/itemroles.h"
+#include "documents/kelvacombodelegate.h"
+#include "documents/kelvatrashbutton.h"
+#include "documents/mysortfilterproxymodel.h"
+#include "documents/qinfoviewmodel.h"
+#include "folders/kelvadocitem.h"
+#include "folders/kelvadoctree.h"
+#include "search/kelvastatusbarext.h"
+#include "server/classifyinterface.h"
+#include "server/folderoid.h"
+#include "server/kelvaarchiveworker.h"
+#include "server/recordformat.h"
+
+#include <QCheckBox>
+#include <QDebug>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QSpinBox>
+#include <QStandardItem>
+#include <QTimerEvent>
+#include <QtConcurrent>
+
+namespace {
+
+constexpr int selectionDelayMs = 250;
+
+/// Wait cursor for as long as it lives.
+class WaitCursor
+{
+public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    Q_DISABLE_COPY(WaitCursor)
+};
+
+} // namespace
+
+void KelvaClientMain::timerSelChanged()
+{
+    if (selectTimerId != -1)
+        killTimer(selectTimerId);
+    selectTimerId = startTimer(selectionDelayMs, Qt::CoarseTimer);
+}
+
+void KelvaClientMain::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() != selectTimerId || !m_timerMutex.tryLock()) {
+        QMainWindow::timerEvent(event);
+        return;
+    }
+    killTimer(selectTimerId);
+    selectTimerId = -1;
+    selChanged();
+    m_timerMutex.unlock();
+}
+
+void KelvaClientMain::selChanged()
+{
+    const WaitCursor cursor;
+    m_queryFragments = selectionFragments(m_tWOrdner->currentOid(), m_twStatus->currentStatus());
+    doUpdateDocuments();
+}
+
+void KelvaClientMain::doUpdateDocuments()
+{
+    // A spin box that is refreshed under the fingers would lose its focus and its text.
+    QSpinBox *count = statusBarExt->getMaxSearchBox();
+    const bool focused = count->hasFocus();
+    if (focused)
+        count->setEnabled(false);
+    updateDocuments({});
+    if (focused) {
+        count->setEnabled(true);
+        count->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+void KelvaClientMain::updateDocumentsClearPlugins()
+{
+    updateDocuments({}, true);
+}
+
+DocumentQuery KelvaClientMain::currentQuery() const
+{
+    DocumentQuery query;
+    query.selectionOption = m_selectionOption;
+    query.fullTextOption = m_fullTextOption;
+    query.fragments = m_queryFragments;
+    query.searchWhere = m_searchWhere;
+    query.extraFragments = m_extraFragments;
+    query.dateFilter = statusBarExt->getCurrentDateFilter();
+    query.mineOption = m_mineOption;
+    query.trash = m_trashButton->isChecked();
+    query.openStatus = m_twStatus->currentStatus() == QLatin1String(documentstatus::open);
+    query.limit = statusBarExt->getMaxSearchBox()->value();
+    return query;
+}
+
+void KelvaClientMain::updateDocuments(QStringList docIds, bool resetPlugins)
+{
+    // The service may run events while it works. A refresh from there cannot wait for this one on the same
+    // thread, so it runs afterwards.
+    if (!m_updateMutex.tryLock()) {
+        m_refreshMissed = true;
+        return;
+    }
+    qDebug() << "UPDATE DOCS" << m_infoView->selectedIndexes().size();
+    if (!uiReady) {
+        qDebug("INITUPDATE");
+        m_updateMutex.unlock();
+        return;
+    }
+    {
+        const WaitCursor cursor;
+        refreshTable(docIds, resetPlugins, sender() == m_infoView->getModel());
+    }
+    qDebug("UPDATE DOCS END");
+    m_updateMutex.unlock();
+    if (m_refreshMissed) {
+        m_refreshMissed = false;
+        QMetaObject::invokeMethod(this, "doUpdateDocuments", Qt::QueuedConnection);
+    }
+}
+
+void KelvaClientMain::refreshTable(const QStringList &docIds, bool resetPlugins, bool senderIsModel)
+{
+    Q_UNUSED(resetPlugins)
+    const bool windowBlocked = blockSignals(true);
+    const bool tableBlocked = m_infoView->blockSignals(true);
+    const bool selectionBlocked = m_infoView->selectionModel()->blockSignals(true);
+    m_infoView->setUpdatesEnabled(false);
+
+    const int scrolled = m_infoView->verticalScrollBar()->value();
+    const bool hadSelection = m_infoView->selectionModel()->hasSelection();
+    QStringList ids = getCurrentDocIds(false, false);
+    const QModelIndex current = m_infoView->currentIndex();
+    const QString currentId =
+        current.siblingAtColumn(documentcolumn::id).data(itemrole::classificationId).toString();
+    const int currentColumn = current.isValid() ? current.column() : int(documentcolumn::none);
+
+    if (classifyClient && !loadRows())
+        return; // the reload has failed and closed the window
+
+    if (hadSelection)
+        m_infoView->verticalScrollBar()->setValue(scrolled);
+    m_infoView->clearSelection();
+    if (!docIds.isEmpty())
+        ids = docIds;
+    restoreSelection(ids, currentId, currentColumn);
+    m_infoView->getModel()->updateLayout();
+
+    m_infoView->selectionModel()->blockSignals(selectionBlocked);
+    m_infoView->blockSignals(tableBlocked);
+    blockSignals(windowBlocked);
+    if (senderIsModel)
+        m_infoView->setFocus(Qt::OtherFocusReason);
+    docSelChanged(m_infoView->getSelection());
+    m_infoView->doResizeColumnsToContents();
+    m_infoView->setUpdatesEnabled(true);
+}
+
+/// Steps between query and filled table. False when a pending reload has failed.
+bool KelvaClientMain::loadRows()
+{
+    const QStringList docs = classifyClient->getDocuments(documentFilters(currentQuery()));
+    if (reloadPending) {
+        reloadPending = false;
+        if (!updateAll(false))
+            return false;
+    }
+    QStringList archiveIds;
+    for (int row = 1; row < docs.size(); ++row)
+        archiveIds << docs.at(row).section(recordformat::documentIdSeparator, 0, 0);
+    QStringList infos;
+    if (!archiveIds.isEmpty())
+        archiveWorker->getDocumentInfo(archiveIds, infos);
+
+    QStringList opened;
+    bool openedKnown = false;
+    if (!offlineMode && statusBarExt->getShowUnReadCheckBox()->isChecked() && !archiveIds.isEmpty()) {
+        QStringList actions;
+        openedKnown = archiveWorker->getDocumentActions(archiveIds, actions, 0, loginName);
+        for (const QString &action : qAsConst(actions))
+            opened << action.section(recordformat::fieldSeparator, 0, 0);
+    }
+    m_infoView->loadDocuments(docs, infos, m_trashButton->isChecked(), m_retentionByDocType,
+                              openedKnown ? &opened : nullptr);
+    disableDocumentActions();
+    showCount();
+    updateFolderColumn();
+    return true;
+}
+
+void KelvaClientMain::showCount()
+{
+    const int limit = statusBarExt->getMaxSearchBox()->value();
+    const int rows = m_infoView->rowCount();
+    // A list exactly as long as the limit counts as cut off, too.
+    statusBar()->showMessage(
+        rows == limit ? tr("More than %1 documents found. Limit your search using filters!").arg(limit)
+                      : tr("%1 documents").arg(rows));
+}
+
+void KelvaClientMain::updateFolderColumn()
+{
+    QInfoViewModel *model = m_infoView->getModel();
+    {
+        // Thousands of single changes would each make the proxy sort; the layout signal below does it once.
+        const QSignalBlocker blocker(model);
+        const QMap<int, KelvaComboDelegate *> combos{
+            {documentcolumn::mainFolder, qobject_cast<KelvaComboDelegate *>(m_mainFolderDelegate)},
+            {documentcolumn::status, qobject_cast<KelvaComboDelegate *>(m_statusDelegate)},
+            {documentcolumn::type, qobject_cast<KelvaComboDelegate *>(m_typeDelegate)}};
+        const QIcon unknownFolder(":/icons/folder.png");
+        for (int row = 0; row < model->rowCount(); ++row) {
+            for (auto combo = combos.cbegin(); combo != combos.cend(); ++combo) {
+                QStandardItem *cell = model->item(row, combo.key());
+                if (!cell || !combo.value())
+                    continue;
+                const QString key = cell->text();
+                cell->setIcon(combo.value()->getIcon(key));
+                cell->setText(combo.value()->getData(key));
+            }
+            QStandardItem *cell = model->item(row, documentcolumn::folder);
+            if (!cell || cell->text() == QLatin1String(folderoid::all))
+                continue;
+            const KelvaDocItem *folder = docTree->findItem(cell->text());
+            cell->setText(folder ? folder->getName() : tr("not assigned"));
+            cell->setIcon(folder ? folder->icon() : unknownFolder);
+        }
+    }
+    model->updateLayout();
+}
+
+void KelvaClientMain::restoreSelection(const QStringList &ids, const QString &currentId, int currentColumn)
+{
+    const QAbstractItemView::SelectionMode mode = m_infoView->selectionMode();
+    m_infoView->setSelectionMode(QAbstractItemView::MultiSelection);
+    const QAbstractItemModel *proxy = m_infoView->getProxyModel();
+    const int lastColumn = proxy->columnCount() - 1;
+    proxy->rowCount(); // makes the proxy's mapping, which the tasks only read
+
+    QList<QFuture<QList<int>>> futures;
+    QFutureSynchronizer<QList<int>> lookUps;
+    for (const QString &id : ids) {
+        futures << QtConcurrent::run(m_infoView, &KelvaInfoView::getItemRows, id);
+        lookUps.addFuture(futures.last());
+    }
+    lookUps.waitForFinished();
+
+    QItemSelection merged;
+    for (int i = 0; i < futures.size(); ++i) {
+        const QList<int> rows = futures.at(i).result();
+        if (rows.isEmpty())
+            continue;
+        const int row = rows.first(); // a document in several rows has its first one selected
+        if (ids.at(i) == currentId && currentColumn >= 0)
+            m_infoView->selectionModel()->setCurrentIndex(proxy->index(row, currentColumn),
+                                                          QItemSelectionModel::NoUpdate);
+        merged.merge(QItemSelection(proxy->index(row, 0), proxy->index(row, lastColumn)),
+                     QItemSelectionModel::Select);
+    }
+    m_infoView->setSelection(merged);
+    m_infoView->setSelectionMode(mode);
+}
+
+void KelvaClientMain::disableDocumentActions()
+{
+    for (QAction *action :
+         {action_Exportieren, action_Trash, action_Versenden, action_Link, action_Link_Email,
+          action_Link_Clip, action_Anzeigen, action_Loeschen, action_MoveToArchive, action_Print,
+          action_moveToFolder, action_Zurueckstellen, action_History})
+        action->setEnabled(false);
+}
+
+void KelvaClientMain::docSelChanged(const QItemSelection &)
+{
+    SelectionFacts facts;
+    facts.hasLiveDocuments = !getCurrentDocIds(false, true).isEmpty();
+    facts.hasDocuments = !getCurrentDocIds(false, false).isEmpty();
+    facts.trash = m_trashButton->isChecked();
+    facts.offline = offlineMode;
+    facts.mayClassify = mayDo(userright::classify);
+    const DocumentActionState state = documentActionState(facts);
+
+    // Enabling a hidden action has no effect, so what a right has hidden stays off.
+    action_Zurueckstellen->setEnabled(state.resubmit);
+    if (state.hideResubmit)
+        action_Zurueckstellen->setVisible(false);
+    action_Trash->setEnabled(state.trash);
+    action_MoveToArchive->setEnabled(state.moveToArchive);
+    action_Exportieren->setEnabled(state.exportAndMail);
+    action_Versenden->setEnabled(state.exportAndMail);
+    for (QAction *action : {action_Link, action_Link_Email, action_Link_Clip})
+        action->setEnabled(state.link);
+    if (m_contextLink)
+        m_contextLink->setEnabled(state.link);
+    action_Anzeigen->setEnabled(state.show);
+    action_Print->setEnabled(state.print);
+    action_moveToFolder->setEnabled(state.moveToFolder);
+    action_History->setEnabled(state.history);
+    if (!state.eraseUnchanged)
+        action_Loeschen->setEnabled(state.erase);
+}
+
+QStringList KelvaClientMain::getCurrentDocIds(bool onlyWritable, bool notDeleted) const
+{
+    return m_infoView->getCurrentDocIds(onlyWritable, notDeleted);
+}
+
+QStringList KelvaClientMain::getCurrentRealDocIds(bool onlyWritable) const
+{
+    return m_infoView->getCurrentRealDocIds(onlyWritable);
+}
+
+void KelvaClientMain::changeDocView()
+{
+    m_mineOption = action_docView->isChecked() ? QStringLiteral("OPT:MINE") : QString();
+    showDocView();
+    updateDocuments({});
+}
+
+void KelvaClientMain::showDocView()
+{
+    // The text names what the next click will do.
+    const QString text =
+        action_docView->isChecked() ? tr("Show all documents") : tr("Show personal documents");
+    action_docView->setText(text);
+    action_docView->setToolTip(text);
+}
+
+void KelvaClientMain::updateTrash()
+{
+    updateDocuments({});
+}

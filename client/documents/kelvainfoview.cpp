@@ -1,0 +1,233 @@
+#include "documents/kelvainfoview.h"
+
+#include "documents/documentcolumns.h"
+#include "documents/itemroles.h"
+#include "documents/mysortfilterproxymodel.h"
+#include "documents/qinfoviewmodel.h"
+
+#include <QAction>
+#include <QDebug>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QStandardItem>
+
+namespace {
+
+/// Keys that begin an edit of the current cell.
+bool startsEditing(const QKeyEvent &event)
+{
+    if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter)
+        return true;
+    const QString text = event.text();
+    if (text.isEmpty())
+        return false;
+    const QChar first = text.at(0);
+    if (first.unicode() > 127)
+        return first.isLetterOrNumber();
+    return (first >= 'A' && first <= 'Z') || (first >= 'a' && first <= 'z') || (first >= '0' && first <= '9');
+}
+
+} // namespace
+
+KelvaInfoView::KelvaInfoView(QWidget *parent)
+    : QTableView(parent),
+      m_model(new QInfoViewModel(this)),
+      m_proxy(new MySortFilterProxyModel(this))
+{
+    m_proxy->setDynamicSortFilter(true);
+    m_proxy->setSourceModel(m_model);
+    setModel(m_proxy);
+
+    setAcceptDrops(true);
+    setDropIndicatorShown(true);
+    setDragDropMode(QAbstractItemView::DragDrop);
+    setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setAlternatingRowColors(true);
+    setWordWrap(false);
+    verticalHeader()->setDefaultSectionSize(verticalHeader()->fontMetrics().height() + 8);
+    horizontalHeader()->setSectionsMovable(true);
+    horizontalHeader()->setHighlightSections(false);
+    setSortingEnabled(true);
+
+    QHeaderView *header = horizontalHeader();
+    connect(header, SIGNAL(sectionCountChanged(int, int)), this, SLOT(saveHeaderState()));
+    connect(header, SIGNAL(sectionMoved(int, int, int)), this, SLOT(saveHeaderState()));
+    connect(header, SIGNAL(sectionResized(int, int, int)), this, SLOT(saveHeaderState()));
+    connect(header, SIGNAL(sortIndicatorChanged(int, Qt::SortOrder)), this, SLOT(saveHeaderState()));
+    loadActionMenu();
+}
+
+KelvaInfoView::~KelvaInfoView() = default;
+
+void KelvaInfoView::setArchiveClient(KelvaArchiveWorker *worker, ClassifyInterface *client)
+{
+    archiveClient = worker;
+    classifyClient = client;
+}
+
+int KelvaInfoView::rowCount() const
+{
+    return m_model->rowCount();
+}
+
+QStandardItem *KelvaInfoView::item(int proxyRow, int column) const
+{
+    return m_model->itemFromIndex(m_proxy->mapToSource(m_proxy->index(proxyRow, column)));
+}
+
+QStandardItem *KelvaInfoView::itemFromSource(int row, int column) const
+{
+    return m_model->item(row, column);
+}
+
+QModelIndex KelvaInfoView::currentIndex() const
+{
+    return m_proxy->mapToSource(QTableView::currentIndex());
+}
+
+QModelIndexList KelvaInfoView::selectedIndexes() const
+{
+    QModelIndexList indexes = QTableView::selectedIndexes();
+    for (QModelIndex &index : indexes)
+        index = m_proxy->mapToSource(index);
+    return indexes;
+}
+
+QItemSelection KelvaInfoView::getSelection() const
+{
+    return selectionModel()->selection();
+}
+
+void KelvaInfoView::setSelection(const QItemSelection &selection)
+{
+    selectionModel()->select(selection, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+}
+
+QString KelvaInfoView::getCurrentFolder() const
+{
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    return rows.isEmpty()
+               ? QString()
+               : rows.first().siblingAtColumn(documentcolumn::folder).data(itemrole::rawValue).toString();
+}
+
+QStringList KelvaInfoView::getCurrentDocIds(bool onlyWritable, bool notDeleted) const
+{
+    QStringList ids;
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    for (const QModelIndex &row : rows) {
+        if (onlyWritable && row.data(itemrole::readOnly).toInt() == 1)
+            continue;
+        if (notDeleted && row.siblingAtColumn(documentcolumn::status).data(itemrole::rawValue).toInt() < 0)
+            continue;
+        ids << row.data(itemrole::classificationId).toString();
+    }
+    return ids;
+}
+
+QStringList KelvaInfoView::getCurrentRealDocIds(bool onlyWritable) const
+{
+    QStringList ids;
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    for (const QModelIndex &row : rows)
+        if (!onlyWritable || row.data(itemrole::readOnly).toInt() != 1)
+            ids << row.data(Qt::DisplayRole).toString();
+    return ids;
+}
+
+QStringList KelvaInfoView::getCurrentBemerkungen() const
+{
+    QStringList descriptions;
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    for (const QModelIndex &row : rows)
+        descriptions << row.siblingAtColumn(documentcolumn::description).data(Qt::DisplayRole).toString();
+    return descriptions;
+}
+
+QList<QStandardItem *> KelvaInfoView::findItemsByData(const QString &value, int role, Qt::MatchFlags flags,
+                                                      int column) const
+{
+    QList<QStandardItem *> items;
+    const QModelIndexList hits = m_model->match(m_model->index(0, column), role, value, -1, flags);
+    for (const QModelIndex &hit : hits)
+        items << m_model->itemFromIndex(hit);
+    return items;
+}
+
+bool KelvaInfoView::isReadOnly(const QString &docId) const
+{
+    const QList<QStandardItem *> items =
+        findItemsByData(docId, itemrole::classificationId, Qt::MatchExactly, documentcolumn::id);
+    for (const QStandardItem *item : items)
+        if (item->data(itemrole::readOnly).toInt() == 1)
+            return true;
+    return false;
+}
+
+QString KelvaInfoView::getVersion(const QString &docId) const
+{
+    const QList<QStandardItem *> items =
+        findItemsByData(docId, itemrole::classificationId, Qt::MatchExactly, documentcolumn::id);
+    const QStandardItem *version =
+        items.isEmpty() ? nullptr : m_model->item(items.first()->row(), documentcolumn::version);
+    return version ? version->text() : QString();
+}
+
+QList<int> KelvaInfoView::getItemRows(const QString &docId) const
+{
+    QList<int> rows;
+    const QList<QStandardItem *> items =
+        findItemsByData(docId, itemrole::classificationId, Qt::MatchExactly, documentcolumn::id);
+    for (const QStandardItem *item : items)
+        rows << m_proxy->mapFromSource(item->index()).row();
+    return rows;
+}
+
+void KelvaInfoView::keyPressEvent(QKeyEvent *event)
+{
+    const QModelIndex current = currentIndex();
+    const bool mayEdit = editTriggers() != QAbstractItemView::NoEditTriggers;
+    const bool plain =
+        mayEdit && !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    if (plain && (current.flags() & Qt::ItemIsEditable) && startsEditing(*event)) {
+        event->ignore();
+        edit(QTableView::currentIndex());
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void KelvaInfoView::mousePressEvent(QMouseEvent *event)
+{
+    qDebug("MOUSE PRESS");
+    if (event->button() == Qt::RightButton && (event->modifiers() & Qt::ControlModifier)) {
+        event->ignore();
+        return;
+    }
+    QTableView::mousePressEvent(event);
+}
+
+void KelvaInfoView::mouseReleaseEvent(QMouseEvent *event)
+{
+    qDebug("MOUSE RELEASE");
+    QTableView::mouseReleaseEvent(event);
+}
+
+void KelvaInfoView::dragEnterEvent(QDragEnterEvent *event)
+{
+    emit gotDragEnterEvent(event);
+}
+
+void KelvaInfoView::dragMoveEvent(QDragMoveEvent *event)
+{
+    emit gotDragMoveEvent(event);
+}
+
+void KelvaInfoView::dropEvent(QDropEvent *event)
+{
+    emit gotDropEvent(event);
+}

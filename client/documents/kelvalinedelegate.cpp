@@ -1,0 +1,81 @@
+#include "documents/kelvalinedelegate.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStandardItemModel>
+#include <QUrl>
+#include <QWidget>
+
+KelvaLineDelegate::KelvaLineDelegate(const QStringList &completions, QObject *parent, int maxLength,
+                                     bool numeric)
+    : KelvaDelegate(parent),
+      m_completions(new QStandardItemModel(this)),
+      m_maxLength(maxLength),
+      m_numeric(numeric)
+{
+    setCompletor(completions);
+}
+
+KelvaDelegate *KelvaLineDelegate::clone(QWidget *parent) const
+{
+    QStringList completions;
+    for (int row = 0; row < m_completions->rowCount(); ++row)
+        completions << m_completions->item(row)->text();
+    auto *copy = new KelvaLineDelegate(completions, parent, m_maxLength, m_numeric);
+    copy->setDelegateColumn(delegateColumn);
+    return copy;
+}
+
+void KelvaLineDelegate::setCompletor(const QStringList &completions)
+{
+    m_completions->clear();
+    for (const QString &completion : completions)
+        m_completions->appendRow(new QStandardItem(completion));
+}
+
+bool KelvaLineDelegate::isURL(const QString &text)
+{
+    return text.contains("://") && QUrl(text).isValid();
+}
+
+void KelvaLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const
+{
+    const QString text = index.data(Qt::DisplayRole).toString();
+    if (!isURL(text)) {
+        KelvaDelegate::paint(painter, option, index);
+        return;
+    }
+    QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
+    cell.text.clear();
+    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+    const QRect place = style->subElementRect(QStyle::SE_ItemViewItemText, &cell, cell.widget);
+    painter->save();
+    QFont font = cell.font;
+    font.setUnderline(true);
+    painter->setFont(font);
+    const bool selected = cell.state & QStyle::State_Selected;
+    painter->setPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Link));
+    painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
+                      cell.fontMetrics.elidedText(text, cell.textElideMode, place.width()));
+    painter->restore();
+}
+
+bool KelvaLineDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,
+                                    const QStyleOptionViewItem &option, const QModelIndex &index)
+{
+    const QString text = index.data(Qt::DisplayRole).toString();
+    const bool mouse = event->type() == QEvent::MouseButtonPress ||
+                       event->type() == QEvent::MouseButtonRelease ||
+                       event->type() == QEvent::MouseButtonDblClick;
+    if (mouse && (static_cast<QMouseEvent *>(event)->modifiers() & Qt::ControlModifier) && isURL(text)) {
+        if (event->type() == QEvent::MouseButtonDblClick)
+            QDesktopServices::openUrl(QUrl::fromUserInput(text));
+        return true;
+    }
+    return KelvaDelegate::editorEvent(event, model, option, index);
+}

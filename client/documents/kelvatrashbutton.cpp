@@ -1,0 +1,6 @@
+#include "documents/kelvatrashbutton.h"
+
+KelvaTrashButton::KelvaTrashButton(QWidget *parent) : QPushButton(parent)
+{
+    setCheckable(true);
+}

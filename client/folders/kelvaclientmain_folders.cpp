@@ -1,0 +1,244 @@
+#include "app/kelvaclientmain.h"
+
+#include "app/kelvaclientsettings.h"
+#include "documents/documentcolumns.h"
+#include "documents/kelvacheckboxdelegate.h"
+#include "documents/kelvacombodelegate.h"
+#include "documents/kelvalinedelegate.h"
+#include "folders/kelvadocitem.h"
+#include "folders/kelvadoctree.h"
+#include "folders/kelvaviewdelegate.h"
+#include "folders/workbenchdata.h"
+#include "server/classifyinterface.h"
+#include "server/folderoid.h"
+#include "server/kelvaarchiveworker.h"
+#include "server/recordformat.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QMenu>
+#include <QMessageBox>
+#include <QSignalBlocker>
+
+namespace {
+
+constexpr int longestText = 254;
+const char numericMark[] = "type:Numeric";
+
+} // namespace
+
+bool KelvaClientMain::initFolders()
+{
+    m_searchColumns.clear();
+    WorkbenchData workbench;
+    const QString key = workbenchKey(classifyClient->getLoginName(), classifyClient->getServerHost(),
+                                     classifyClient->getServerPort(), classifyClient->getProfileId());
+    if (!readWorkbenchData(key, workbench)) {
+        QMessageBox::critical(
+            this, tr("Error"),
+            tr("The connection to the Connection Manager could not be established, please restart Kelva!"));
+        return false;
+    }
+    m_searchColumns = workbench.searchColumns;
+    disconnect(docTree, SIGNAL(updateDocuments()), this, SLOT(updateDocuments()));
+    disconnect(m_tWOrdner, SIGNAL(curSelChanged()), this, SLOT(timerSelChanged()));
+    makeAttributeDelegates(workbench);
+    makeFixedDelegates(workbench);
+    showFolderTree(workbench);
+    makeFolderColumn(workbench);
+    if (!m_tWOrdner->currentIndex().isValid()) {
+        m_tWOrdner->setCurrentIndex(docTree->index(0, 0));
+        m_tWOrdner->scrollToTop();
+    }
+    connect(m_tWOrdner, SIGNAL(curSelChanged()), this, SLOT(timerSelChanged()), Qt::DirectConnection);
+    connect(docTree, SIGNAL(updateDocuments()), this, SLOT(updateDocuments()), Qt::DirectConnection);
+    m_retentionByDocType = workbench.retentionByType();
+    return true;
+}
+
+void KelvaClientMain::setColumnDelegate(int column, KelvaDelegate *&member, KelvaDelegate *delegate)
+{
+    member = delegate;
+    m_infoView->setItemDelegateForColumn(column, delegate);
+}
+
+void KelvaClientMain::releaseFixedDelegates()
+{
+    for (KelvaDelegate **delegate : {&m_mainFolderDelegate, &m_descriptionDelegate, &m_statusDelegate,
+                                     &m_typeDelegate, &m_changeTimeDelegate}) {
+        if (*delegate)
+            (*delegate)->deleteLater();
+        *delegate = nullptr;
+    }
+}
+
+void KelvaClientMain::makeFixedDelegates(const WorkbenchData &workbench)
+{
+    const auto combo = [this](const QStringList &rows, const QList<QByteArray> &pictures,
+                              const QIcon &fallback) {
+        return new KelvaComboDelegate(rows, pictures, m_infoView, false, fallback, true, true);
+    };
+    setColumnDelegate(
+        documentcolumn::mainFolder, m_mainFolderDelegate,
+        combo(workbench.mainFolders, workbench.mainFolderPictures, QIcon(":/icons/folder.png")));
+    setColumnDelegate(documentcolumn::status, m_statusDelegate,
+                      combo(workbench.status, workbench.statusPictures, QIcon()));
+    setColumnDelegate(documentcolumn::type, m_typeDelegate,
+                      combo(workbench.types, workbench.typePictures, QIcon()));
+    setColumnDelegate(documentcolumn::changeTime, m_changeTimeDelegate,
+                      new KelvaLineDelegate({}, m_infoView, longestText, false));
+    setColumnDelegate(
+        documentcolumn::description, m_descriptionDelegate,
+        new KelvaLineDelegate(classifyClient->getDescriptionCompletions(), m_infoView, longestText, false));
+}
+
+void KelvaClientMain::makeAttributeDelegates(const WorkbenchData &workbench)
+{
+    const QList<int> known = m_lineDelegates.keys();
+    for (const int column : known) {
+        if (workbench.lineColumns.contains(column))
+            continue;
+        m_infoView->setItemDelegateForColumn(column, nullptr);
+        m_lineDelegates.take(column)->deleteLater();
+    }
+    for (auto line = workbench.lineColumns.cbegin(); line != workbench.lineColumns.cend(); ++line) {
+        const QStringList values = line.value().split(recordformat::listSeparator, Qt::KeepEmptyParts);
+        qDebug() << "DELEGATEVALS: " << line.key() << values;
+        KelvaLineDelegate *&delegate = m_lineDelegates[line.key()];
+        if (delegate) {
+            delegate->setCompletor(values); // numeric or not stays as it was when the column came
+            continue;
+        }
+        delegate = new KelvaLineDelegate(values, m_infoView, longestText, values.contains(numericMark));
+        m_infoView->setItemDelegateForColumn(line.key(), delegate);
+    }
+    for (auto check = m_checkDelegates.cbegin(); check != m_checkDelegates.cend(); ++check) {
+        m_infoView->setItemDelegateForColumn(check.key(), nullptr);
+        check.value()->deleteLater();
+    }
+    m_checkDelegates.clear();
+    for (auto check = workbench.checkColumns.cbegin(); check != workbench.checkColumns.cend(); ++check) {
+        qDebug() << "DELEGATEVALS: " << check.key() << check.value();
+        auto *delegate = new KelvaCheckBoxDelegate(false, m_infoView);
+        m_checkDelegates.insert(check.key(), delegate);
+        m_infoView->setItemDelegateForColumn(check.key(), delegate);
+    }
+}
+
+void KelvaClientMain::showFolderTree(const WorkbenchData &workbench)
+{
+    auto *tree = new KelvaDocTree(tr("Folders"), true, QString(), QString(), m_tWOrdner);
+    tree->loadFromStringList(workbench.folders, workbench.folderPictures, false);
+    KelvaDocTree *old = docTree;
+    docTree = tree;
+    m_tWOrdner->setUpdatesEnabled(false);
+    m_tWOrdner->setModel(docTree);
+    const QList<KelvaDocItem *> hidden = docTree->getHiddenRows();
+    for (const KelvaDocItem *folder : hidden)
+        m_tWOrdner->setRowHidden(docTree->indexFromItem(folder), true);
+    m_tWOrdner->setUpdatesEnabled(true);
+    old->deleteLater();
+}
+
+void KelvaClientMain::makeFolderColumn(const WorkbenchData &workbench)
+{
+    KelvaDelegate *oldDelegate = m_folderDelegate;
+    KelvaDocTree *oldTree = m_folderColumnTree;
+    m_folderColumnTree =
+        new KelvaDocTree(tr("Folders"), true, tr("not assigned"), folderoid::notAssigned, nullptr);
+    m_folderColumnTree->loadFromStringList(workbench.folders, workbench.folderPictures, false);
+    setColumnDelegate(documentcolumn::folder, m_folderDelegate,
+                      new KelvaViewDelegate(m_folderColumnTree, m_infoView));
+    if (oldDelegate)
+        oldDelegate->deleteLater();
+    if (oldTree)
+        oldTree->deleteLater();
+}
+
+KelvaDelegate *KelvaClientMain::getDelegateForColumn(int column) const
+{
+    return column < 0 ? nullptr : qobject_cast<KelvaDelegate *>(m_infoView->itemDelegateForColumn(column));
+}
+
+void KelvaClientMain::blockDelegateSignals(bool block)
+{
+    for (KelvaDelegate *delegate :
+         {m_mainFolderDelegate, m_folderDelegate, m_statusDelegate, m_typeDelegate, m_descriptionDelegate})
+        if (delegate)
+            delegate->blockSignals(block);
+}
+
+QString KelvaClientMain::getArchiveString() const
+{
+    return m_currentSubArchiv->currentData().toString();
+}
+
+void KelvaClientMain::enterSubArchive(const QString &archive)
+{
+    KelvaClientSettings().setCurrentSubArchive(archive);
+    archiveWorker->selectArchive(archive);
+}
+
+void KelvaClientMain::fillSubArchives(const QStringList &names)
+{
+    m_currentSubArchiv->clear();
+    for (const QString &name : names) {
+        const QStringList fields = name.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
+        m_currentSubArchiv->addItem(fields.value(0), fields.value(1));
+    }
+}
+
+void KelvaClientMain::subArchiveChanged(int, bool reload)
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    action_MoveToArchive->menu()->clear();
+    QString archive = getArchiveString();
+    if (!archive.isEmpty()) {
+        archiveWorker->setConnectionSettings(archiveHost, archivePort, loginName, loginPassword);
+        m_infoView->setArchiveClient(archiveWorker, classifyClient);
+        enterSubArchive(archive);
+        QStringList names;
+        archiveWorker->getArchiveNames(names);
+        if (!names.isEmpty()) {
+            const QSignalBlocker blocker(m_currentSubArchiv);
+            fillSubArchives(names);
+            int entry = m_currentSubArchiv->findData(archive, Qt::UserRole,
+                                                     Qt::MatchExactly | Qt::MatchCaseSensitive);
+            if (entry < 0) {
+                entry = 0;
+                archive = m_currentSubArchiv->itemData(0).toString();
+                enterSubArchive(archive);
+            }
+            m_currentSubArchiv->setCurrentIndex(entry);
+        }
+        if (classifyClient)
+            classifyClient->setCurrentArchive(getArchiveString());
+        if (reload)
+            updateDocuments({}, false);
+        fillMoveMenu();
+    }
+    if (m_currentSubArchiv->count() == 0)
+        action_MoveToArchive->setVisible(false);
+    m_tWOrdner->setConnectionData(classifyClient->getServerHost(),
+                                  QString::number(classifyClient->getServerPort()), getArchiveString());
+    QApplication::restoreOverrideCursor();
+}
+
+void KelvaClientMain::fillMoveMenu()
+{
+    for (int i = 0; i < m_currentSubArchiv->count(); ++i) {
+        if (m_currentSubArchiv->itemText(i) == m_currentSubArchiv->currentText())
+            continue;
+        QAction *target = action_MoveToArchive->menu()->addAction(m_currentSubArchiv->itemText(i));
+        target->setData(m_currentSubArchiv->itemData(i));
+        connect(target, SIGNAL(triggered()), this, SLOT(notAvailableYet()));
+    }
+}
+
+void KelvaClientMain::moveToFolder()
+{
+    const QString oid = m_infoView->getCurrentFolder();
+    const KelvaDocItem *folder = oid.isEmpty() ? nullptr : docTree->findItem(oid);
+    if (folder)
+        m_tWOrdner->setCurrentIndex(docTree->indexFromItem(folder));
+}

@@ -1,0 +1,161 @@
+#include "folders/kelvafolderview.h"
+
+#include "documents/mysortfilterproxymodel.h"
+#include "folders/kelvadocitem.h"
+#include "folders/kelvadoctree.h"
+
+#include <QCoreApplication>
+#include <QHeaderView>
+#include <QScopedValueRollback>
+#include <QSettings>
+#include <QSignalBlocker>
+
+KelvaFolderView::KelvaFolderView(QWidget *parent)
+    : QTreeView(parent),
+      m_proxy(new MySortFilterProxyModel(this))
+{
+    m_proxy->setSortLocaleAware(true);
+    m_proxy->setDynamicSortFilter(true);
+    setSortingEnabled(true);
+    setAlternatingRowColors(true);
+    setUniformRowHeights(true);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    connect(header(), SIGNAL(sectionMoved(int, int, int)), this, SLOT(doSaveState()));
+    connect(header(), SIGNAL(sectionResized(int, int, int)), this, SLOT(doSaveState()));
+    connect(header(), SIGNAL(sortIndicatorChanged(int, Qt::SortOrder)), this, SLOT(doSaveState()));
+    connect(this, SIGNAL(expanded(QModelIndex)), this, SLOT(itemExpanded(QModelIndex)));
+    connect(this, SIGNAL(collapsed(QModelIndex)), this, SLOT(itemCollapsed(QModelIndex)));
+}
+
+KelvaFolderView::~KelvaFolderView() = default;
+
+void KelvaFolderView::setModel(QAbstractItemModel *tree)
+{
+    if (selectionModel())
+        disconnect(selectionModel(), SIGNAL(currentChanged(QModelIndex, QModelIndex)), this,
+                   SLOT(emitCurrentIndexChanged()));
+    QTreeView::setModel(nullptr);
+    m_tree = qobject_cast<KelvaDocTree *>(tree);
+    m_proxy->setSourceModel(m_tree);
+    QTreeView::setModel(m_proxy);
+    update();
+    connect(selectionModel(), SIGNAL(currentChanged(QModelIndex, QModelIndex)), this,
+            SLOT(emitCurrentIndexChanged()));
+}
+
+KelvaDocTree *KelvaFolderView::model() const
+{
+    return m_tree;
+}
+
+QModelIndex KelvaFolderView::currentIndex() const
+{
+    return m_proxy->mapToSource(QTreeView::currentIndex());
+}
+
+void KelvaFolderView::setCurrentIndex(const QModelIndex &index)
+{
+    const QModelIndex mapped = m_proxy->mapFromSource(index);
+    if (mapped.isValid())
+        QTreeView::setCurrentIndex(mapped);
+}
+
+KelvaDocItem *KelvaFolderView::item(const QModelIndex &index) const
+{
+    return m_tree ? m_tree->item(index) : nullptr;
+}
+
+KelvaDocItem *KelvaFolderView::currentItem() const
+{
+    return item(currentIndex());
+}
+
+QString KelvaFolderView::currentOid() const
+{
+    const KelvaDocItem *current = currentItem();
+    return current ? current->getOid() : QString();
+}
+
+void KelvaFolderView::setRowHidden(const QModelIndex &index, bool hide)
+{
+    const QModelIndex mapped = m_proxy->mapFromSource(index);
+    if (mapped.isValid())
+        QTreeView::setRowHidden(mapped.row(), mapped.parent(), hide);
+}
+
+void KelvaFolderView::setSaveState(bool save, const QString &key)
+{
+    m_saveState = save;
+    m_settingsKey = key;
+}
+
+void KelvaFolderView::setConnectionData(const QString &host, const QString &port, const QString &archive)
+{
+    m_host = host;
+    m_port = port;
+    m_archive = archive;
+}
+
+QString KelvaFolderView::settingsApplication() const
+{
+    return QCoreApplication::applicationName() + '_' + m_settingsKey;
+}
+
+void KelvaFolderView::doSaveState()
+{
+    // A header without sections, or one that is just being restored, would overwrite the good state.
+    if (!m_saveState || m_restoring || !m_tree || header()->count() == 0)
+        return;
+    QSettings settings("Norbant GmbH", settingsApplication());
+    settings.setValue("TreeSortOrder", header()->saveState());
+    settings.setValue("TreeExpandedItems", m_expandedOids);
+    settings.sync();
+}
+
+void KelvaFolderView::itemExpanded(const QModelIndex &index)
+{
+    const KelvaDocItem *node = item(m_proxy->mapToSource(index));
+    if (!node)
+        return;
+    m_expandedOids.removeAll(node->getOid());
+    m_expandedOids.append(node->getOid());
+    doSaveState();
+}
+
+void KelvaFolderView::itemCollapsed(const QModelIndex &index)
+{
+    if (const KelvaDocItem *node = item(m_proxy->mapToSource(index)))
+        m_expandedOids.removeAll(node->getOid());
+    doSaveState();
+}
+
+void KelvaFolderView::update()
+{
+    if (m_saveState && m_tree) {
+        const QScopedValueRollback<bool> restoring(m_restoring, true);
+        const QSettings settings("Norbant GmbH", settingsApplication());
+        {
+            const QSignalBlocker headerBlocker(header());
+            const QSignalBlocker viewBlocker(this);
+            m_expandedOids = settings.value("TreeExpandedItems").toStringList();
+            collapseAll();
+            for (const QString &oid : qAsConst(m_expandedOids))
+                if (const KelvaDocItem *node = m_tree->findItem(oid))
+                    expand(m_proxy->mapFromSource(m_tree->indexFromItem(node)));
+        }
+        if (settings.contains("TreeSortOrder"))
+            header()->restoreState(settings.value("TreeSortOrder").toByteArray());
+    }
+    viewport()->update();
+}
+
+void KelvaFolderView::emitCurrentIndexChanged()
+{
+    if (!m_tree)
+        return;
+    m_tree->resetPrevItem();
+    if (KelvaDocItem *current = currentItem())
+        m_tree->setPrevItem(current);
+    viewport()->update();
+    emit curSelChanged();
+}

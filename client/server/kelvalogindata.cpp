@@ -1,0 +1,165 @@
+#include "server/kelvalogindata.h"
+
+#include "server/kelvalogindialog.h"
+
+#include <QCoreApplication>
+#include <QDataStream>
+#include <QLocalSocket>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int connectTimeoutMs = 50000;
+constexpr int attemptMs = 100;
+constexpr int listAttempts = 501;
+constexpr int listAttemptsById = 101; // shorter than for the chooser, and meant to be
+constexpr qint64 largestList = 64 * 1024 * 1024;
+constexpr int streamVersion = QDataStream::Qt_4_4;
+
+QString loadFailure()
+{
+    return QCoreApplication::translate(
+        "kelvaLoginData",
+        "The profile information could not be loaded. Please start the Connection Manager!");
+}
+
+void send(QLocalSocket &socket, const QString &request)
+{
+    socket.write(request.toUtf8() + "\r\n");
+    socket.flush();
+}
+
+bool waitForBytes(QLocalSocket &socket, qint64 bytes, int attempts)
+{
+    for (int i = 0; i < attempts; ++i) {
+        if (socket.bytesAvailable() >= bytes)
+            return true;
+        // A closed socket sends no more: waiting on would only hold up the message.
+        if (socket.state() != QLocalSocket::ConnectedState)
+            return false;
+        QCoreApplication::processEvents();
+        socket.waitForReadyRead(attemptMs);
+    }
+    return socket.bytesAvailable() >= bytes;
+}
+
+bool connectToManager(QLocalSocket &socket)
+{
+    socket.connectToServer(kelvaLoginData::socketName(), QIODevice::ReadWrite);
+    return socket.waitForConnected(connectTimeoutMs);
+}
+
+} // namespace
+
+kelvaLoginData::kelvaLoginData(QObject *parent) : QObject(parent) {}
+
+QString kelvaLoginData::socketName()
+{
+    return QStringLiteral("Kelva-") + QString::number(getuid(), 16);
+}
+
+bool kelvaLoginData::readProfiles(QLocalSocket &socket, int sizeAttempts, QList<kelvaProfileData> &profiles)
+{
+    if (!connectToManager(socket))
+        return false;
+    send(socket, QStringLiteral("GETPROFILES"));
+    if (!waitForBytes(socket, qint64(sizeof(qint64)), sizeAttempts))
+        return false;
+    QDataStream stream(&socket);
+    stream.setVersion(streamVersion);
+    qint64 size = 0;
+    stream >> size;
+    if (size <= 0 || size > largestList || !waitForBytes(socket, size, listAttempts))
+        return false;
+    QString header;
+    stream >> header;
+    while (!stream.atEnd()) {
+        kelvaProfileData profile;
+        stream >> profile;
+        // Half a record is no profile, and what follows it cannot be told apart any more.
+        if (stream.status() != QDataStream::Ok)
+            return false;
+        profiles.append(profile);
+    }
+    return stream.status() == QDataStream::Ok;
+}
+
+bool kelvaLoginData::getProfile(kelvaProfileData &profile, QString &message, QWidget *parent,
+                                bool saveGeometry)
+{
+    isUserCanceled = false;
+    QLocalSocket socket;
+    QList<kelvaProfileData> profiles;
+    if (!readProfiles(socket, listAttempts, profiles)) {
+        socket.close();
+        message = loadFailure();
+        return false;
+    }
+    if (profiles.isEmpty()) {
+        message =
+            tr("You are not connected to any profile. Please connect using the Connection Manager Kelva!");
+        socket.close();
+        return false;
+    }
+    // The trailing "#" tells the Connection Manager that there was nothing to choose.
+    QString request = QStringLiteral("USEPROFILE#%1#%2#%3#");
+    if (profiles.size() == 1) {
+        profile = profiles.first();
+    } else {
+        if (!chooseProfile(profiles, parent, saveGeometry, profile))
+            return false;
+        request.chop(1);
+    }
+    send(socket, request.arg(QString::number(QCoreApplication::applicationPid()), QString::number(profile.id),
+                             QCoreApplication::applicationFilePath()));
+    socket.waitForBytesWritten(10000);
+    socket.readLine();
+    socket.close();
+    return true;
+}
+
+bool kelvaLoginData::chooseProfile(const QList<kelvaProfileData> &profiles, QWidget *parent,
+                                   bool saveGeometry, kelvaProfileData &profile)
+{
+    QStringList names;
+    for (const kelvaProfileData &candidate : profiles)
+        names << candidate.name;
+    kelvaLoginDialog dialog(parent, saveGeometry);
+    dialog.setProfiles(names);
+    const int index = dialog.exec() == QDialog::Accepted ? dialog.getProfileIndex() : -1;
+    if (index < 0 || index >= profiles.size()) {
+        isUserCanceled = true;
+        return false;
+    }
+    profile = profiles.at(index);
+    return true;
+}
+
+bool kelvaLoginData::getProfileById(kelvaProfileData &profile, QString &message, int id)
+{
+    QLocalSocket socket;
+    QList<kelvaProfileData> profiles;
+    if (!readProfiles(socket, listAttemptsById, profiles)) {
+        socket.close();
+        message = loadFailure();
+        return false;
+    }
+    socket.close();
+    for (const kelvaProfileData &candidate : qAsConst(profiles))
+        if (candidate.id == id) // of equal ids the last one wins
+            profile = candidate;
+    return profile.id == id;
+}
+
+int kelvaLoginData::reloadProfile(qint64 id)
+{
+    QLocalSocket socket;
+    if (connectToManager(socket)) {
+        send(socket, QStringLiteral("RELOADPROFILE#%1").arg(id));
+        waitForBytes(socket, 1, listAttempts);
+        socket.readLine();
+    }
+    socket.close();
+    return 0;
+}
