@@ -11,7 +11,7 @@ namespace kelva {
 
 enum class FieldType {
     Integer,
-    Number, ///< a numeric attribute; NULL when empty
+    Number,    ///< a numeric attribute; NULL when empty
     Text,
     Date,      ///< stored as "yyyy-MM-dd"; NULL when empty
     Timestamp, ///< stored as "yyyy-MM-ddTHH:mm:ss"
@@ -43,8 +43,8 @@ struct SqlCondition
     QVariantList values;
 };
 
-/// One where clause as SQL. Date macros are taken relative to today. A clause outside the dialect, or one
-/// that names an unknown field or compares what cannot be compared, is a BadInput whose text says where.
+/// One where clause as SQL. Date macros are taken relative to today. A clause outside the dialect, or one that
+/// names an unknown field or compares what cannot be compared, is a BadInput whose text says where.
 Result<SqlCondition> translateClause(const QString &clause, const ClauseFields &fields, const QDate &today);
 
 } // namespace kelva

@@ -5,6 +5,7 @@
 #include <QSqlQuery>
 #include <QString>
 #include <QVariantList>
+#include <QVector>
 
 #include <memory>
 #include <optional>
@@ -62,7 +63,8 @@ public:
         ReadOnly,  ///< an existing archive on any medium; nothing is written, not even beside it
     };
 
-    static Result<std::unique_ptr<Database>> open(const QString &path, Mode mode);
+    /// busyTimeoutMs: how long a statement waits for another program's transaction.
+    static Result<std::unique_ptr<Database>> open(const QString &path, Mode mode, int busyTimeoutMs = 5000);
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
@@ -76,9 +78,14 @@ public:
     /// First column of the first row; an invalid value when there is no row.
     QVariant value(const QString &sql, const QVariantList &values = {});
     QStringList texts(const QString &sql, const QVariantList &values = {});
+    /// First column of every row; for many numbers, without the cost of a row object each.
+    QVector<qint64> numbers(const QString &sql, const QVariantList &values = {});
     qint64 lastInsertId() const { return m_lastInsertId; }
     /// Rows that the last run() inserted, changed or deleted.
     int affected() const { return m_affected; }
+
+    /// Grows whenever written rows were taken back, in temporary tables too.
+    int rollbacks() const { return m_rollbacks; }
 
     bool failed() const { return m_error.has_value(); }
     /// Makes the transaction fail for a reason of the caller's; the first error wins.
@@ -104,15 +111,17 @@ private:
     friend class Statement;
     friend class Transaction;
     Database(QString path, QString connection);
-    Result<void> connect(Mode mode);
-    Result<void> checkIdentity(bool fresh);
+    Result<void> connect(Mode mode, int busyTimeoutMs);
+    Result<void> bringUpToDate(Mode mode);
     void noteFailure(const QSqlQuery &query);
+    void noteFailure();
     QSqlDatabase connection() const;
 
     QString m_path;
     QString m_connection;
     bool m_readOnly = false;
     int m_depth = 0; ///< transactions open; an inner one takes part in the outer one
+    int m_rollbacks = 0;
     qint64 m_lastInsertId = 0;
     int m_affected = 0;
     std::optional<Error> m_error;
@@ -135,8 +144,10 @@ public:
 
 private:
     Database &m_database;
+    Kind m_kind;
     bool m_open = false;
     bool m_outer = false;
+    bool m_done = false;
 };
 
 } // namespace kelva
