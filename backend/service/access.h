@@ -26,7 +26,7 @@ public:
 
     Access() = default;
     /// Reads folders and their roles, and prepares the connection for visibleCondition().
-    Access(Database &database, Scope scope, const QStringList &roles);
+    Access(Database &database, Scope scope, const QStringList &userRoles);
 
     bool has(const QString &right) const;
     bool isAdmin() const { return has(QStringLiteral("kelvaADMIN")); }
@@ -39,15 +39,12 @@ public:
 
     /// Condition on the column of a folder oid; "1" when everything is seen.
     QString visibleCondition(const QString &column) const;
-    /// Cheap for a statement to be driven by: few folders are seen out of many.
-    bool isNarrow() const { return m_narrow; }
 
 private:
     Scope m_scope = Scope::Roles;
     QSet<QString> m_roles;
     QSet<QString> m_visible;
     bool m_seesEverything = false;
-    bool m_narrow = false;
 };
 
 } // namespace kelva

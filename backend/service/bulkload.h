@@ -18,7 +18,7 @@ struct BulkDocument
 {
     qint64 subArchive = 1;
     QString fileName;
-    QByteArray content; ///< empty for a record without a file
+    QByteArray content; ///< null for a record without a file
     QString creator;
     QString created; ///< "yyyy-MM-ddTHH:mm:ss", also the time of the last change
     QString description;
@@ -48,6 +48,7 @@ public:
 
 private:
     struct Statements;
+    Result<void> begin();
     Result<void> flush();
 
     Session &m_session;

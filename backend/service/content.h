@@ -38,7 +38,7 @@ public:
     /// Stores a file in the session's sub-archive and returns its archive id. With newDocument false a
     /// document of the same file name there gets a new version and keeps its id.
     Result<qint64> store(const QString &localFile, bool newDocument, const Progress &progress);
-    /// Writes the file into a fresh directory of mode 0700 and returns its path; records action.
+    /// Writes the file to a fresh temporary file of the caller's and returns its path; records action.
     Result<QString> fetch(qint64 archiveId, Action action, const Progress &progress);
     Result<qint64> size(qint64 archiveId);
 
@@ -50,7 +50,8 @@ public:
     /// Removes the file for good; administrators only, and only when all records of it are in the trash and
     /// no retention is in force.
     Result<void> remove(const QString &archiveId, const QString &comment);
-    Result<void> moveToSubArchive(qint64 archiveId, qint64 subArchive);
+    /// Documents whose file or description holds the words: entries of id and id.
+    Result<QStringList> search(const QString &text);
 
 private:
     Session &m_session;

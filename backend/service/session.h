@@ -34,7 +34,7 @@ public:
     Database &database() { return *m_database; }
     const QString &login() const { return m_login; }
     qint64 userId() const { return m_userId; }
-    bool isOffline() const { return m_offline; }
+    bool isOffline() const { return m_scope == Access::Scope::ReadOnly; }
 
     /// What this session may do; brought up to date when somebody changed rights or folders.
     const Access &access();
@@ -42,6 +42,8 @@ public:
     const QStringList &roles() const { return m_roles; }
     /// Reads the user's roles anew.
     Result<void> refresh();
+    /// What others changed so far is known from now on. roles() stay as they are.
+    Result<void> acknowledgeVocabulary();
 
     /// Restricts lists to one sub-archive; 0 for all.
     void setSubArchive(qint64 id) { m_subArchive = id; }
@@ -53,6 +55,16 @@ public:
     /// rights).
     void noteVocabularyChange();
 
+    /// The attributes behind the fields of the last record handed out. A record that comes back is read by
+    /// it, whatever columns were added or taken away in between.
+    const QVector<qint64> &recordLayout() const { return m_recordLayout; }
+    void setRecordLayout(const QVector<qint64> &attributeIds)
+    {
+        m_recordLayout = attributeIds;
+        m_hasRecordLayout = true;
+    }
+    bool hasRecordLayout() const { return m_hasRecordLayout; }
+
     QDate today() const { return m_now().date(); }
     /// "yyyy-MM-ddTHH:mm:ss"
     QString timestamp() const;
@@ -60,18 +72,19 @@ public:
 
 private:
     explicit Session(std::unique_ptr<Database> database);
-    void loadRoles();
 
     std::unique_ptr<Database> m_database;
     QString m_login;
     qint64 m_userId = 0;
-    bool m_offline = false;
-    bool m_owner = false;
+    Access::Scope m_scope = Access::Scope::Roles;
     QStringList m_roles;
     qint64 m_subArchive = 0;
     qint64 m_knownVocabulary = 0;
     Access m_access;
     qint64 m_accessAsOf = -1;
+    int m_accessRollbacks = 0;
+    QVector<qint64> m_recordLayout;
+    bool m_hasRecordLayout = false;
     std::function<QDateTime()> m_now = [] { return QDateTime::currentDateTime(); };
 };
 
