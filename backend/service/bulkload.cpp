@@ -1,0 +1,153 @@
+#include "service/bulkload.h"
+
+#include "service/blobs.h"
+#include "service/documentcolumns.h"
+#include "service/folders.h"
+#include "service/recordvalues.h"
+#include "service/rights.h"
+#include "service/session.h"
+
+namespace kelva {
+namespace {
+
+constexpr int documentsPerTransaction = 5000;
+
+QString insertRecord(const QVector<AttributeColumn> &attributes)
+{
+    QString columns =
+        QStringLiteral("document, subarchive, trashed, folder, status, docart, cdate, defdate, creator,"
+                       " changeid, ctimestamp, mandant, bemerkung");
+    QString places = QStringLiteral("?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?");
+    for (const AttributeColumn &attribute : attributes) {
+        columns += QStringLiteral(", ") + attribute.column;
+        places += QStringLiteral(", ?");
+    }
+    return QStringLiteral("INSERT INTO classification(%1) VALUES(%2)").arg(columns, places);
+}
+
+} // namespace
+
+struct BulkLoad::Statements
+{
+    Statements(Database &database, QVector<AttributeColumn> all)
+        : attributes(std::move(all)),
+          document(database,
+                   QStringLiteral("INSERT INTO document(subarchive, file_name, creator, created, version)"
+                                  " VALUES(?, ?, ?, ?, ?)")),
+          version(database,
+                  QStringLiteral("INSERT INTO file_version(document, version, blob, creator, created)"
+                                 " VALUES(?, 1, ?, ?, ?)")),
+          text(database, QStringLiteral("INSERT INTO file_text(document) VALUES(?)")),
+          record(database, insertRecord(attributes)),
+          note(database,
+               QStringLiteral("INSERT INTO note(classification, author, created, text) VALUES(?, ?, ?, ?)")),
+          event(database,
+                QStringLiteral("INSERT INTO event(document, action, time, login) VALUES(?, ?, ?, ?)"))
+    {
+    }
+
+    QVector<AttributeColumn> attributes;
+    Statement document;
+    Statement version;
+    Statement text;
+    Statement record;
+    Statement note;
+    Statement event;
+};
+
+BulkLoad::BulkLoad(Session &session) : m_session(session) {}
+
+BulkLoad::~BulkLoad() = default;
+
+Result<void> BulkLoad::begin()
+{
+    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+        return allowed;
+    if (!m_transaction)
+        m_transaction = std::make_unique<Transaction>(m_session.database(), Transaction::Kind::Write);
+    if (!m_statements)
+        m_statements = std::make_unique<Statements>(m_session.database(),
+                                                    DocumentColumns::allAttributes(m_session.database()));
+    return m_session.database().result(0).ok() ? Result<void>() : m_session.database().result(0).error();
+}
+
+Result<qint64> BulkLoad::add(const BulkDocument &document)
+{
+    if (!m_transaction)
+        if (const Result<void> begun = begin(); !begun)
+            return begun.error();
+    Database &database = m_session.database();
+    const bool hasFile = !document.content.isNull();
+    m_statements->document.run({document.subArchive, storedText(document.fileName), document.creator,
+                                document.created, hasFile ? 1 : 0});
+    const qint64 id = m_statements->document.lastInsertId();
+    if (hasFile) {
+        m_statements->version.run(
+            {id, insertBlob(database, document.content), document.creator, document.created});
+        m_statements->text.run({id});
+    }
+    QVariantList values{id,
+                        document.subArchive,
+                        document.trashed ? 1 : 0,
+                        document.folder,
+                        document.status,
+                        document.type,
+                        document.date.isEmpty() ? QVariant() : document.date,
+                        document.resubmission.isEmpty() ? QVariant() : document.resubmission,
+                        document.creator,
+                        document.creator,
+                        document.created,
+                        mainFolderOf(document.folder),
+                        storedText(document.description, 254)};
+    for (const AttributeColumn &attribute : qAsConst(m_statements->attributes)) {
+        const Result<QVariant> value =
+            storedAttribute(attribute, document.attributes.value(attribute.id).toString());
+        if (!value)
+            return value.error();
+        values << value.value();
+    }
+    m_statements->record.run(values);
+    const qint64 record = m_statements->record.lastInsertId();
+    if (!document.note.isEmpty())
+        m_statements->note.run({record, document.creator, document.created, storedText(document.note)});
+    if (database.failed())
+        return database.result(0).error();
+    if (++m_pending >= documentsPerTransaction)
+        if (const Result<void> written = flush(); !written)
+            return written.error();
+    return id;
+}
+
+Result<void> BulkLoad::addEvent(qint64 archiveId, int action, const QString &time, const QString &user)
+{
+    if (!m_transaction)
+        if (const Result<void> begun = begin(); !begun)
+            return begun;
+    m_statements->event.run({archiveId, action, time, user});
+    if (m_session.database().failed())
+        return m_session.database().result(0).error();
+    return {};
+}
+
+Result<void> BulkLoad::flush()
+{
+    m_pending = 0;
+    if (!m_transaction)
+        return {};
+    const Result<void> written = m_transaction->commit();
+    m_transaction.reset();
+    return written;
+}
+
+Result<void> BulkLoad::finish()
+{
+    if (const Result<void> written = flush(); !written)
+        return written;
+    m_statements.reset();
+    m_session.database().analyze();
+    Transaction writing(m_session.database(), Transaction::Kind::Write);
+    m_session.noteVocabularyChange();
+    return writing.commit();
+}
+
+} // namespace kelva

@@ -1,0 +1,304 @@
+#include "service/content.h"
+
+#include "server/recordformat.h"
+#include "service/blobs.h"
+#include "service/documentfilter.h"
+#include "service/records.h"
+#include "service/recordvalues.h"
+#include "service/retention.h"
+#include "service/rights.h"
+#include "service/session.h"
+#include "service/temporaryfiles.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace kelva {
+namespace {
+
+constexpr int maximumFileName = 254;
+
+Error noDocument()
+{
+    return {ErrorCode::NotFound, QStringLiteral("The document does not exist.")};
+}
+
+/// Whether the session may have the file: it sees a record of it, or it stored a file that has no record yet.
+bool maySeeDocument(Session &session, qint64 archiveId)
+{
+    const Access &access = session.access();
+    Database &database = session.database();
+    bool hasRecord = false;
+    for (const QString &folder : database.texts(
+             QStringLiteral("SELECT folder FROM classification WHERE document = ?"), {archiveId})) {
+        hasRecord = true;
+        if (access.maySee(folder))
+            return true;
+    }
+    if (hasRecord)
+        return false;
+    const QVariant creator =
+        database.value(QStringLiteral("SELECT creator FROM document WHERE id = ?"), {archiveId});
+    return creator.isValid() && (access.seesEverything() || creator.toString() == session.login());
+}
+
+QVector<qint64> parseIds(const QStringList &texts)
+{
+    QVector<qint64> ids;
+    for (const QString &text : texts) {
+        bool isNumber = false;
+        const qint64 id = text.toLongLong(&isNumber);
+        if (isNumber)
+            ids.append(id);
+    }
+    return ids;
+}
+
+/// Condition on a document id that only lets through what the session sees; for many documents in one
+/// statement.
+QString visibleDocuments(const Access &access, const QString &column)
+{
+    if (access.seesEverything())
+        return QStringLiteral("1");
+    return QStringLiteral("EXISTS(SELECT 1 FROM classification c WHERE c.document = %1 AND %2)")
+        .arg(column, access.visibleCondition(QStringLiteral("c.folder")));
+}
+
+void recordEvent(Session &session, qint64 archiveId, Action action,
+                 const QString &comment = QStringLiteral(""))
+{
+    session.database().run(
+        QStringLiteral("INSERT INTO event(document, action, time, login, comment) VALUES(?, ?, ?, ?, ?)"),
+        {archiveId, static_cast<int>(action), session.timestamp(), session.login(), storedText(comment)});
+}
+
+qint64 blobOf(Database &database, qint64 archiveId)
+{
+    return database
+        .value(QStringLiteral("SELECT v.blob FROM file_version v JOIN document d ON d.id = v.document"
+                              " AND d.version = v.version WHERE d.id = ? AND d.deleted = 0"),
+               {archiveId})
+        .toLongLong();
+}
+
+/// The newest document of a name in a sub-archive that the session sees; 0 when there is none.
+qint64 documentNamed(Session &session, qint64 subArchive, const QString &fileName)
+{
+    for (const qint64 id : session.database().numbers(
+             QStringLiteral("SELECT id FROM document WHERE subarchive = ? AND file_name = ? AND deleted = 0"
+                            " ORDER BY id DESC"),
+             {subArchive, fileName}))
+        if (maySeeDocument(session, id))
+            return id;
+    return 0;
+}
+
+/// Makes a finished blob the content of a new document or of a new version of an old one.
+Result<qint64> attachBlob(Session &session, qint64 blob, const QString &fileName, bool newDocument)
+{
+    Database &database = session.database();
+    qint64 subArchive = session.subArchive();
+    if (subArchive == 0)
+        subArchive = database.value(QStringLiteral("SELECT min(id) FROM subarchive")).toLongLong();
+    qint64 document = newDocument ? 0 : documentNamed(session, subArchive, fileName);
+    const bool isVersion = document != 0;
+    if (isVersion) {
+        if (const Result<void> allowed = session.access().require(rights::versioning); !allowed)
+            return allowed.error();
+        database.run(QStringLiteral("UPDATE document SET version = version + 1 WHERE id = ?"), {document});
+    } else {
+        database.run(QStringLiteral("INSERT INTO document(subarchive, file_name, creator, created, version)"
+                                    " VALUES(?, ?, ?, ?, 1)"),
+                     {subArchive, fileName, session.login(), session.timestamp()});
+        document = database.lastInsertId();
+    }
+    database.run(QStringLiteral("INSERT INTO file_version(document, version, blob, creator, created)"
+                                " SELECT id, version, ?, ?, ? FROM document WHERE id = ?"),
+                 {blob, session.login(), session.timestamp(), document});
+    database.run(QStringLiteral("INSERT INTO file_text(document) VALUES(?)"
+                                " ON CONFLICT(document) DO UPDATE SET state = 0"),
+                 {document});
+    recordEvent(session, document, isVersion ? Action::NewVersion : Action::Created);
+    return document;
+}
+
+} // namespace
+
+Result<qint64> Content::store(const QString &localFile, bool newDocument, const Progress &progress)
+{
+    if (const Result<void> allowed = m_session.access().require(rights::classify); !allowed)
+        return allowed.error();
+    QFile file(localFile);
+    if (!QFileInfo(localFile).isFile() || !file.open(QIODevice::ReadOnly))
+        return Error{ErrorCode::NotFound, QStringLiteral("The file %1 cannot be read.").arg(localFile)};
+    const QString fileName = storedText(QFileInfo(localFile).fileName(), maximumFileName).toString();
+    BlobWriter writer(m_session);
+    if (const Result<void> read = writer.readAll(file, progress); !read)
+        return read.error();
+    Transaction writing(m_session.database(), Transaction::Kind::Write);
+    const Result<qint64> blob = writer.finish();
+    if (!blob)
+        return blob.error();
+    const Result<qint64> document = attachBlob(m_session, blob.value(), fileName, newDocument);
+    if (!document)
+        return document.error();
+    if (const Result<void> done = writing.commit(); !done)
+        return done.error();
+    writer.keep();
+    return document.value();
+}
+
+Result<QString> Content::fetch(qint64 archiveId, Action action, const Progress &progress)
+{
+    Database &database = m_session.database();
+    qint64 blob = 0;
+    QString fileName;
+    {
+        Transaction reading(database, Transaction::Kind::Read);
+        if (!maySeeDocument(m_session, archiveId))
+            return database.failed() ? database.result(0).error() : noDocument();
+        blob = blobOf(database, archiveId);
+        fileName = database.value(QStringLiteral("SELECT file_name FROM document WHERE id = ?"), {archiveId})
+                       .toString();
+        if (database.failed())
+            return database.result(0).error();
+    }
+    if (blob == 0)
+        return Error{ErrorCode::NotFound,
+                     QStringLiteral("The document has no file, or it has been deleted.")};
+    const Result<QString> path = makeTemporaryFile(fileName);
+    if (!path)
+        return path;
+    if (const Result<void> copied = copyBlob(database, blob, path.value(), progress); !copied) {
+        QFile::remove(path.value());
+        return copied.error();
+    }
+    if (m_session.isOffline())
+        return path;
+    if (const Result<void> recorded = record(archiveId, action); !recorded) {
+        QFile::remove(path.value());
+        return recorded.error();
+    }
+    return path;
+}
+
+Result<qint64> Content::size(qint64 archiveId)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    if (!maySeeDocument(m_session, archiveId))
+        return noDocument();
+    return database.result(
+        database.value(QStringLiteral("SELECT size FROM blob WHERE id = ?"), {blobOf(database, archiveId)})
+            .toLongLong());
+}
+
+Result<QStringList> Content::info(const QStringList &archiveIds)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    QStringList records;
+    Query row = database.query(QStringLiteral("SELECT d.id, d.file_name FROM document d"
+                                              " WHERE d.id IN (SELECT value FROM json_each(?)) AND %1")
+                                   .arg(visibleDocuments(m_session.access(), QStringLiteral("d.id"))),
+                               {jsonList(parseIds(archiveIds))});
+    while (row.next()) {
+        const QString name = row.text(1);
+        records << QStringList{row.text(0), name, QString(), QFileInfo(name).suffix()}.join(
+            recordformat::listSeparator);
+    }
+    return database.result(records);
+}
+
+Result<QStringList> Content::actions(const QStringList &archiveIds, int action, const QString &user)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    QString sql = QStringLiteral("SELECT e.document, e.id, e.action, e.time, e.login FROM event e"
+                                 " WHERE e.document IN (SELECT value FROM json_each(?)) AND %1")
+                      .arg(visibleDocuments(m_session.access(), QStringLiteral("e.document")));
+    QVariantList values{jsonList(parseIds(archiveIds))};
+    if (action >= 0) {
+        sql += QStringLiteral(" AND e.action = ?");
+        values << action;
+    }
+    if (!user.isEmpty()) {
+        sql += QStringLiteral(" AND e.login = ?");
+        values << user;
+    }
+    QStringList records;
+    for (Query row = database.query(sql + QStringLiteral(" ORDER BY e.document, e.id"), values); row.next();)
+        records << joinFields({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4)});
+    return database.result(records);
+}
+
+Result<void> Content::record(qint64 archiveId, Action action)
+{
+    Transaction writing(m_session.database(), Transaction::Kind::Write);
+    if (m_session.isOffline())
+        return m_session.access().require(rights::classify);
+    if (!maySeeDocument(m_session, archiveId))
+        return noDocument();
+    recordEvent(m_session, archiveId, action);
+    return writing.commit();
+}
+
+Result<void> Content::remove(const QString &archiveId, const QString &comment)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+        return allowed;
+    const qint64 id = archiveId.toLongLong();
+    if (!database.value(QStringLiteral("SELECT 1 FROM document WHERE id = ? AND deleted = 0"), {id})
+             .isValid())
+        return noDocument();
+    const Retention retention = Retention::load(database);
+    for (Query row = database.query(
+             QStringLiteral("SELECT trashed, docart, cdate, folder FROM classification WHERE document = ?"),
+             {id});
+         row.next();) {
+        if (!m_session.access().maySee(row.text(3)))
+            return noDocument();
+        if (!row.flag(0))
+            return Error{ErrorCode::Refused,
+                         QStringLiteral("The document is not in the trash with all its entries.")};
+        if (retention.isInForce(row.number(1), QDate::fromString(row.text(2), Qt::ISODate),
+                                m_session.today()))
+            return Error{ErrorCode::Refused,
+                         QStringLiteral("The document cannot be deleted because of its retention period.")};
+    }
+    const QVector<qint64> blobs =
+        database.numbers(QStringLiteral("SELECT blob FROM file_version WHERE document = ?"), {id});
+    database.run(QStringLiteral("DELETE FROM file_version WHERE document = ?"), {id});
+    for (const qint64 blob : blobs)
+        database.run(QStringLiteral("DELETE FROM blob WHERE id = ?"), {blob});
+    database.run(QStringLiteral("DELETE FROM file_text WHERE document = ?"), {id});
+    database.run(QStringLiteral("UPDATE document SET deleted = 1 WHERE id = ?"), {id});
+    recordEvent(m_session, id, Action::Deleted, comment);
+    return writing.commit();
+}
+
+Result<QStringList> Content::search(const QString &text)
+{
+    const QString expression = fullTextExpression(text);
+    if (expression.isEmpty())
+        return Error{ErrorCode::BadInput, QStringLiteral("There is nothing to look for.")};
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    const QVector<qint64> ids = database.numbers(
+        QStringLiteral(
+            "SELECT d.document FROM (SELECT rowid AS document FROM words_text WHERE words_text MATCH ?"
+            " UNION SELECT document FROM classification WHERE id IN"
+            " (SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?)) d WHERE %1 ORDER BY 1")
+            .arg(visibleDocuments(m_session.access(), QStringLiteral("d.document"))),
+        {expression, expression});
+    QStringList records;
+    for (const qint64 id : ids)
+        records << joinFields({QString::number(id), QString::number(id)});
+    return database.result(records);
+}
+
+} // namespace kelva

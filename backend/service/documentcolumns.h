@@ -1,0 +1,58 @@
+#pragma once
+
+#include "clause/clause.h"
+
+#include <QDate>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+namespace kelva {
+
+class Database;
+
+enum class AttributeKind { String, ComboBox, CheckBox, Date, Numeric };
+
+QString attributeKindName(AttributeKind kind);
+std::optional<AttributeKind> attributeKind(const QString &name);
+
+struct AttributeColumn
+{
+    qint64 id = 0;
+    QString name;
+    AttributeKind kind = AttributeKind::String;
+    QString column; ///< in the table of records; also the key in clauses
+};
+
+/// The columns of lists, records and histories, which are also the keys of clauses: eleven fixed ones, then
+/// the active attributes by id. Tables carry the alias "c" in all SQL from here.
+class DocumentColumns
+{
+public:
+    static constexpr int fixedCount = 11;
+
+    /// Every attribute, active or not.
+    static QVector<AttributeColumn> allAttributes(Database &database);
+    static DocumentColumns load(Database &database);
+
+    /// One title and one key per column; the rights letters have neither.
+    QStringList titles() const;
+    QStringList keys() const;
+    const QVector<AttributeColumn> &attributes() const { return m_attributes; }
+
+    /// SQL text of one row's columns as a record; takes rowFormat() as its one bound value.
+    QString rowExpression() const;
+    QString rowFormat() const;
+    /// With resubmissionDue, records whose resubmission date has come by then count as status 1.
+    ClauseFields clauseFields(const QDate &resubmissionDue = QDate()) const;
+
+private:
+    QVector<AttributeColumn> m_attributes;
+};
+
+/// SQL for a numeric attribute as text: no trailing zeros, empty for none.
+QString numberAsText(const QString &column);
+
+} // namespace kelva

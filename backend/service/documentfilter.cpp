@@ -1,0 +1,188 @@
+#include "service/documentfilter.h"
+
+#include "server/recordformat.h"
+#include "service/documentcolumns.h"
+#include "service/session.h"
+
+#include <algorithm>
+
+namespace kelva {
+namespace {
+
+Error badToken(const QString &token)
+{
+    return {ErrorCode::BadInput, QStringLiteral("The filter \"%1\" is not understood.").arg(token.left(80))};
+}
+
+bool isTrivial(const QString &clause)
+{
+    QString bare = clause;
+    return bare.remove(QLatin1Char(' ')) == QLatin1String("1=1");
+}
+
+/// "OPT:NAME;argument" or "OPT:NAME"
+bool splitToken(const QString &token, QLatin1String name, QString *argument)
+{
+    if (!token.startsWith(name))
+        return false;
+    const QString rest = token.mid(name.size());
+    if (!rest.startsWith(QLatin1Char(';')))
+        return false;
+    *argument = rest.mid(1);
+    return true;
+}
+
+Result<QVector<qint64>> parseNumbers(const QString &token, const QString &list)
+{
+    QVector<qint64> numbers;
+    for (const QString &part : list.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        bool isNumber = false;
+        const qint64 number = part.trimmed().toLongLong(&isNumber);
+        if (!isNumber)
+            return badToken(token);
+        numbers.append(number);
+    }
+    return numbers;
+}
+
+Result<void> parseToken(const QString &token, DocumentFilter *filter)
+{
+    const QString fullText = QStringLiteral("OPT:FULLTEXT") + recordformat::fieldSeparator;
+    QString argument;
+    if (token == QLatin1String("OPT:MINE")) {
+        filter->mine = true;
+    } else if (token == QLatin1String("OPT:TRASH")) {
+        filter->trash = true;
+    } else if (token == QLatin1String("OPT:IGNORERIGHTS")) {
+        filter->ignoreRights = true;
+    } else if (token == QLatin1String("OPT:DEFDATE;2")) {
+        filter->resubmissionDue = true;
+    } else if (token.startsWith(fullText)) {
+        filter->fullText = token.mid(fullText.size());
+    } else if (splitToken(token, QLatin1String("OPT:SELECTION"), &argument)) {
+        const Result<QVector<qint64>> numbers = parseNumbers(token, argument);
+        if (!numbers)
+            return numbers.error();
+        filter->hasSelection = true;
+        filter->selection += numbers.value();
+    } else if (splitToken(token, QLatin1String("OPT:LIMIT"), &argument)) {
+        bool isNumber = false;
+        constexpr qint64 most = 100'000'000;
+        filter->limit = std::min(argument.toLongLong(&isNumber), most);
+        if (!isNumber || filter->limit < 0)
+            return badToken(token);
+    } else {
+        return badToken(token);
+    }
+    return {};
+}
+
+void add(SqlCondition *whole, const QString &sql, const QVariantList &values = {})
+{
+    whole->sql += QStringLiteral(" AND ") + sql;
+    whole->values += values;
+}
+
+void addSelection(SqlCondition *whole, const DocumentFilter &filter)
+{
+    QStringList either;
+    QVariantList values;
+    if (filter.hasSelection) {
+        either << QStringLiteral("c.document IN (SELECT value FROM json_each(?))");
+        values << jsonList(filter.selection);
+    }
+    const QString expression = fullTextExpression(filter.fullText);
+    if (!expression.isEmpty()) {
+        either << QStringLiteral("c.document IN (SELECT rowid FROM words_text WHERE words_text MATCH ?)")
+               << QStringLiteral("c.id IN (SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?)");
+        values << expression << expression;
+    }
+    if (!either.isEmpty())
+        add(whole, QStringLiteral("(%1)").arg(either.join(QStringLiteral(" OR "))), values);
+    else if (!filter.fullText.isEmpty())
+        add(whole, QStringLiteral("0"));
+}
+
+} // namespace
+
+Result<DocumentFilter> DocumentFilter::parse(const QStringList &filters)
+{
+    DocumentFilter filter;
+    for (const QString &entry : filters) {
+        if (!entry.startsWith(QLatin1String("OPT:"))) {
+            if (!isTrivial(entry))
+                filter.clauses << entry;
+        } else if (const Result<void> parsed = parseToken(entry, &filter); !parsed) {
+            return parsed.error();
+        }
+    }
+    return filter;
+}
+
+Result<SqlCondition> conditionFor(Session &session, const DocumentFilter &filter,
+                                  const DocumentColumns &columns)
+{
+    const Access &access = session.access();
+    SqlCondition whole;
+    // Written out, not bound: the planner must see it to use the index of the trash.
+    whole.sql = filter.trash ? QStringLiteral("c.trashed = 1") : QStringLiteral("c.trashed = 0");
+    if (session.subArchive() > 0)
+        add(&whole, QStringLiteral("c.subarchive = ?"), {session.subArchive()});
+    const ClauseFields fields = columns.clauseFields(filter.resubmissionDue ? session.today() : QDate());
+    for (const QString &clause : filter.clauses) {
+        const Result<SqlCondition> condition = translateClause(clause, fields, session.today());
+        if (!condition)
+            return condition.error();
+        add(&whole, condition.value().sql, condition.value().values);
+    }
+    if (filter.mine)
+        add(&whole, QStringLiteral("c.creator = ?"), {session.login()});
+    addSelection(&whole, filter);
+    if (!(filter.ignoreRights && access.isAdmin()) && !access.seesEverything())
+        add(&whole, access.visibleCondition(QStringLiteral("c.folder")));
+    return whole;
+}
+
+QString fullTextExpression(const QString &text)
+{
+    QStringList terms;
+    QString word;
+    bool quoted = false;
+    QStringList phrase;
+    const auto endWord = [&](bool prefix) {
+        if (word.isEmpty())
+            return;
+        if (quoted)
+            phrase << word;
+        else
+            terms << QStringLiteral("\"%1\"").arg(word) + (prefix ? QStringLiteral("*") : QString());
+        word.clear();
+    };
+    for (const QChar c : text) {
+        if (c.isLetterOrNumber() || c.isSurrogate() || c.isMark()) {
+            word += c;
+        } else if (c == QLatin1Char('"')) {
+            endWord(false);
+            if (!phrase.isEmpty())
+                terms << QStringLiteral("\"%1\"").arg(phrase.join(QLatin1Char(' ')));
+            phrase.clear();
+            quoted = !quoted;
+        } else {
+            endWord(c == QLatin1Char('*'));
+        }
+    }
+    endWord(false);
+    if (!phrase.isEmpty())
+        terms << QStringLiteral("\"%1\"").arg(phrase.join(QLatin1Char(' ')));
+    return terms.join(QStringLiteral(" AND "));
+}
+
+QString jsonList(const QVector<qint64> &numbers)
+{
+    QString json = QStringLiteral("[");
+    for (const qint64 number : numbers)
+        json += (json.size() > 1 ? QStringLiteral(",") : QString()) + QString::number(number);
+    return json + QLatin1Char(']');
+}
+
+} // namespace kelva

@@ -1,0 +1,439 @@
+#include "service/documents.h"
+
+#include "service/documentcolumns.h"
+#include "service/documentfilter.h"
+#include "service/folders.h"
+#include "service/records.h"
+#include "service/recordvalues.h"
+#include "service/retention.h"
+#include "service/rights.h"
+#include "service/session.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace kelva {
+
+/// What has to be known of a record before it may be touched.
+struct DocumentRecord
+{
+    qint64 id = 0;
+    qint64 document = 0;
+    qint64 revision = 0;
+    qint64 type = 0;
+    QString folder;
+    QDate date;
+    int status = 0;
+    bool trashed = false;
+    bool closed = false;
+    bool hasNote = false;
+
+    QString token() const { return QStringLiteral("1_%1").arg(revision); }
+};
+
+namespace {
+
+constexpr int maximumDescription = 254;
+constexpr int deletedStatus = -1;
+constexpr int toDeleteStatus = 0;
+/// Places in a record without its document id.
+enum Field {
+    MainFolder,
+    Description,
+    Status,
+    Token,
+    Folder,
+    Type,
+    User,
+    Date,
+    Time,
+    Resubmission,
+    FirstAttribute
+};
+
+const Error noDocument{ErrorCode::NotFound, QStringLiteral("The document does not exist.")};
+const Error readOnlyDocument{ErrorCode::Refused,
+                             QStringLiteral("You don't have the rights to change the document.")};
+
+/// Finds a record that the session may see.
+Result<DocumentRecord> findRecord(Session &session, const QString &classificationId)
+{
+    bool isNumber = false;
+    const qint64 id = classificationId.toLongLong(&isNumber);
+    if (!isNumber)
+        return noDocument;
+    Query row = session.database().query(
+        QStringLiteral("SELECT id, document, revision, docart, folder, cdate, status, trashed, closed, notes"
+                       " FROM classification WHERE id = ?"),
+        {id});
+    if (!row.next())
+        return session.database().result(DocumentRecord()).ok() ? noDocument
+                                                                : session.database().result(0).error();
+    DocumentRecord record;
+    record.id = row.number(0);
+    record.document = row.number(1);
+    record.revision = row.number(2);
+    record.type = row.number(3);
+    record.folder = row.text(4);
+    record.date = QDate::fromString(row.text(5), Qt::ISODate);
+    record.status = static_cast<int>(row.number(6));
+    record.trashed = row.flag(7);
+    record.closed = row.flag(8);
+    record.hasNote = row.number(9) > 0;
+    if (!session.access().maySee(record.folder))
+        return noDocument;
+    return record;
+}
+
+Result<DocumentRecord> findWritable(Session &session, const QString &classificationId)
+{
+    Result<DocumentRecord> record = findRecord(session, classificationId);
+    if (!record)
+        return record;
+    if (session.isOffline())
+        return session.access().require(rights::classify).error();
+    if (!session.access().mayWrite(record.value().folder))
+        return readOnlyDocument;
+    if (record.value().closed)
+        return Error{ErrorCode::Refused, QStringLiteral("The document has been deleted.")};
+    return record;
+}
+
+/// Copies the record as it stands to the earlier ones.
+void keepRevision(Database &database, qint64 id)
+{
+    QStringList attributeColumns;
+    const QVector<AttributeColumn> attributes = DocumentColumns::allAttributes(database);
+    for (const AttributeColumn &attribute : attributes)
+        attributeColumns << attribute.column;
+    QJsonObject values;
+    if (!attributes.isEmpty()) {
+        Query row = database.query(QStringLiteral("SELECT %1 FROM classification WHERE id = ?")
+                                       .arg(attributeColumns.join(QLatin1Char(','))),
+                                   {id});
+        if (row.next())
+            for (int i = 0; i < attributes.size(); ++i)
+                if (!row.value(i).isNull() && !row.text(i).isEmpty())
+                    values.insert(QString::number(attributes.at(i).id),
+                                  QJsonValue::fromVariant(row.value(i)));
+    }
+    database.run(
+        QStringLiteral("INSERT INTO revision(classification, number, mandant, bemerkung, status, folder,"
+                       " docart, changeid, cdate, ctimestamp, defdate, attributes)"
+                       " SELECT id, revision, mandant, bemerkung, status, folder, docart, changeid, cdate,"
+                       " ctimestamp, defdate, ? FROM classification WHERE id = ?"),
+        {QString::fromUtf8(QJsonDocument(values).toJson(QJsonDocument::Compact)), id});
+}
+
+/// Column assignments of an UPDATE, gathered while a record is checked.
+class Changes
+{
+public:
+    void set(const QString &column, const QVariant &value)
+    {
+        m_columns << column + QStringLiteral(" = ?");
+        m_values << value;
+    }
+    bool apply(Database &database, const DocumentRecord &record)
+    {
+        return database.run(QStringLiteral("UPDATE classification SET %1 WHERE id = ?")
+                                .arg(m_columns.join(QStringLiteral(", "))),
+                            m_values + QVariantList{record.id});
+    }
+
+private:
+    QStringList m_columns;
+    QVariantList m_values;
+};
+
+bool exists(Database &database, const QString &table, qint64 id)
+{
+    return database.value(QStringLiteral("SELECT 1 FROM %1 WHERE id = ?").arg(table), {id}).isValid();
+}
+
+Result<void> checkStatus(Session &session, const DocumentRecord &record, int status)
+{
+    if (status == record.status)
+        return {};
+    if (record.status == deletedStatus)
+        return Error{ErrorCode::Refused, QStringLiteral("The document has been deleted.")};
+    if (status == deletedStatus) {
+        if (const Result<void> allowed = session.access().require(rights::admin); !allowed)
+            return allowed;
+        if (!record.trashed)
+            return Error{ErrorCode::Refused, QStringLiteral("Only a document in the trash can be deleted.")};
+        if (Retention::load(session.database()).isInForce(record.type, record.date, session.today()))
+            return Error{ErrorCode::Refused,
+                         QStringLiteral("The document cannot be deleted because of its retention period.")};
+        return {};
+    }
+    if (status == toDeleteStatus && record.trashed)
+        return {};
+    if (status <= 0 || !exists(session.database(), QStringLiteral("status"), status))
+        return Error{ErrorCode::BadInput, QStringLiteral("The status %1 does not exist.").arg(status)};
+    return {};
+}
+
+Result<void> checkFolder(Session &session, const QString &folder)
+{
+    if (folder == QLatin1String("0"))
+        return {};
+    const Error unknown{ErrorCode::BadInput, QStringLiteral("The folder does not exist.")};
+    if (!session.database().value(QStringLiteral("SELECT 1 FROM folder WHERE oid = ?"), {folder}).isValid())
+        return unknown;
+    return session.access().mayWrite(folder) ? Result<void>() : unknown;
+}
+
+Result<void> collectFixed(Session &session, const DocumentRecord &record, const QStringList &fields,
+                          Changes *changes)
+{
+    Database &database = session.database();
+    const QString mainFolder = fields.at(MainFolder);
+    if (!mainFolder.isEmpty() && !isFolderOid(mainFolder))
+        return Error{ErrorCode::BadInput, QStringLiteral("The main folder is not valid.")};
+    changes->set(QStringLiteral("mandant"), mainFolder.isNull() ? QStringLiteral("") : mainFolder);
+    changes->set(QStringLiteral("bemerkung"), storedText(fields.at(Description), maximumDescription));
+    bool isNumber = false;
+    const int status = fields.at(Status).toInt(&isNumber);
+    if (!isNumber)
+        return Error{ErrorCode::BadInput, QStringLiteral("The status is not valid.")};
+    if (const Result<void> allowed = checkStatus(session, record, status); !allowed)
+        return allowed;
+    changes->set(QStringLiteral("status"), status);
+    if (fields.size() > Folder && fields.at(Folder) != record.folder) {
+        if (const Result<void> allowed = checkFolder(session, fields.at(Folder)); !allowed)
+            return allowed;
+        changes->set(QStringLiteral("folder"), fields.at(Folder));
+    }
+    if (fields.size() > Type) {
+        const qint64 type = fields.at(Type).toLongLong(&isNumber);
+        if (!isNumber || (type != record.type && !exists(database, QStringLiteral("document_type"), type)))
+            return Error{ErrorCode::BadInput, QStringLiteral("The document type does not exist.")};
+        changes->set(QStringLiteral("docart"), type);
+    }
+    for (const auto &[place, column] : {std::pair(Date, "cdate"), std::pair(Resubmission, "defdate")}) {
+        if (fields.size() <= place)
+            continue;
+        const Result<QVariant> date = storedDate(fields.at(place));
+        if (!date)
+            return date.error();
+        changes->set(QString::fromLatin1(column), date.value());
+    }
+    return {};
+}
+
+Result<void> collectAttributes(Session &session, const QStringList &fields, Changes *changes)
+{
+    const QVector<AttributeColumn> all = DocumentColumns::allAttributes(session.database());
+    QVector<qint64> layout = session.recordLayout();
+    if (!session.hasRecordLayout())
+        for (const AttributeColumn &attribute : DocumentColumns::load(session.database()).attributes())
+            layout.append(attribute.id);
+    for (int i = 0; i < layout.size() && FirstAttribute + i < fields.size(); ++i)
+        for (const AttributeColumn &attribute : all) {
+            if (attribute.id != layout.at(i))
+                continue;
+            const Result<QVariant> value = storedAttribute(attribute, fields.at(FirstAttribute + i));
+            if (!value)
+                return value.error();
+            changes->set(attribute.column, value.value());
+        }
+    return {};
+}
+
+} // namespace
+
+Result<QStringList> Documents::get(const QString &classificationId)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    const Result<DocumentRecord> record = findRecord(m_session, classificationId);
+    if (!record)
+        return record.error();
+    const DocumentColumns columns = DocumentColumns::load(database);
+    Query row = database.query(
+        QStringLiteral("SELECT %1 FROM classification c WHERE c.id = ?").arg(columns.rowExpression()),
+        {columns.rowFormat(), record.value().id});
+    if (!row.next())
+        return database.failed() ? database.result(0).error() : noDocument;
+    QString letters;
+    if (m_session.access().mayWrite(record.value().folder))
+        letters += QLatin1Char('W');
+    if (record.value().hasNote)
+        letters += QLatin1Char('N');
+    if (record.value().trashed &&
+        Retention::load(database).isInForce(record.value().type, record.value().date, m_session.today()))
+        letters += QLatin1Char('F');
+    QVector<qint64> layout;
+    for (const AttributeColumn &attribute : columns.attributes())
+        layout.append(attribute.id);
+    m_session.setRecordLayout(layout);
+    return splitFields(row.text(0)) << letters;
+}
+
+Result<void> Documents::save(const QString &classificationId, const QStringList &fields)
+{
+    if (fields.size() <= Token)
+        return Error{ErrorCode::BadInput, QStringLiteral("The entry is incomplete: its version is missing.")};
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    const Result<DocumentRecord> found = findWritable(m_session, classificationId);
+    if (!found)
+        return found.error();
+    const DocumentRecord &record = found.value();
+    if (fields.at(Token) != record.token())
+        return Error{ErrorCode::Conflict,
+                     QStringLiteral("The entry has been changed by another user in the meantime.")};
+    Changes changes;
+    if (const Result<void> collected = collectFixed(m_session, record, fields, &changes); !collected)
+        return collected;
+    if (const Result<void> collected = collectAttributes(m_session, fields, &changes); !collected)
+        return collected;
+    changes.set(QStringLiteral("revision"), record.revision + 1);
+    changes.set(QStringLiteral("changeid"), m_session.login());
+    changes.set(QStringLiteral("ctimestamp"), m_session.timestamp());
+    keepRevision(database, record.id);
+    changes.apply(database, record);
+    return writing.commit();
+}
+
+Result<void> Documents::classify(qint64 archiveId, const QString &fileName, const QString &folder)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (const Result<void> allowed = m_session.access().require(rights::classify); !allowed)
+        return allowed;
+    Query stored = database.query(
+        QStringLiteral("SELECT subarchive, creator FROM document WHERE id = ? AND deleted = 0"), {archiveId});
+    if (!stored.next())
+        return database.failed() ? database.result(0).error() : noDocument;
+    const qint64 subArchive = stored.number(0);
+    const QString creator = stored.text(1);
+    QSet<QString> folders;
+    bool seesRecord = false;
+    for (Query row = database.query(
+             QStringLiteral("SELECT folder FROM classification WHERE document = ? AND trashed = 0"),
+             {archiveId});
+         row.next();) {
+        folders.insert(row.text(0));
+        seesRecord = seesRecord || m_session.access().maySee(row.text(0));
+    }
+    if (creator != m_session.login() && !seesRecord && !m_session.access().isAdmin())
+        return noDocument;
+    const QString target = folder.isEmpty() ? QStringLiteral("0") : folder;
+    if (const Result<void> allowed = checkFolder(m_session, target); !allowed)
+        return allowed;
+    // A new version of a file that is filed there already keeps its record.
+    if (folders.contains(target))
+        return writing.commit();
+    database.run(
+        QStringLiteral("INSERT INTO classification(document, subarchive, folder, mandant, bemerkung, cdate,"
+                       " creator, changeid, ctimestamp) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+        {archiveId, subArchive, target, mainFolderOf(target), storedText(fileName, maximumDescription),
+         m_session.today().toString(Qt::ISODate), m_session.login(), m_session.login(),
+         m_session.timestamp()});
+    return writing.commit();
+}
+
+Result<void> Documents::setTrashed(const QStringList &classificationIds, bool trashed)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    for (const QString &id : classificationIds) {
+        const Result<DocumentRecord> record = findWritable(m_session, id);
+        if (!record)
+            return record.error();
+        if (!trashed && record.value().status == deletedStatus)
+            return Error{ErrorCode::Refused, QStringLiteral("A deleted document cannot be restored.")};
+        database.run(QStringLiteral("UPDATE classification SET trashed = ? WHERE id = ?"),
+                     {trashed ? 1 : 0, record.value().id});
+    }
+    return writing.commit();
+}
+
+Result<void> Documents::close(const QString &classificationId)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+        return allowed;
+    const Result<DocumentRecord> record = findRecord(m_session, classificationId);
+    if (!record)
+        return record.error();
+    if (record.value().status != deletedStatus)
+        return Error{ErrorCode::Refused, QStringLiteral("Only a deleted document can be closed.")};
+    database.run(QStringLiteral("UPDATE classification SET closed = 1 WHERE id = ?"), {record.value().id});
+    return writing.commit();
+}
+
+Result<qint64> Documents::count(const QString &clause)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    const Result<SqlCondition> condition =
+        translateClause(clause, DocumentColumns::load(database).clauseFields(), m_session.today());
+    if (!condition)
+        return condition.error();
+    const Access &access = m_session.access();
+    const QString visible =
+        access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));
+    const qint64 count = database
+                             .value(QStringLiteral("SELECT count(*) FROM classification c WHERE %1 AND %2")
+                                        .arg(condition.value().sql, visible),
+                                    condition.value().values)
+                             .toLongLong();
+    return database.result(count);
+}
+
+Result<qint64> Documents::countInFolder(const QString &pattern)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    const bool below = pattern.endsWith(QLatin1String(".%"));
+    const QString oid = below ? pattern.chopped(2) : pattern;
+    if (!isFolderOid(oid))
+        return Error{ErrorCode::BadInput, QStringLiteral("The folder is not valid.")};
+    const Access &access = m_session.access();
+    const QString visible =
+        access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));
+    const QString sql = QStringLiteral("SELECT count(*) FROM classification c WHERE %1 AND %2");
+    // "/" is the character after ".", so this is everything that begins with the oid and a dot.
+    const qint64 count =
+        (below ? database.value(sql.arg(QStringLiteral("c.folder > ? AND c.folder < ?"), visible),
+                                {oid + QLatin1Char('.'), oid + QLatin1Char('/')})
+               : database.value(sql.arg(QStringLiteral("c.folder = ?"), visible), {oid}))
+            .toLongLong();
+    return database.result(count);
+}
+
+Result<void> Documents::moveToSubArchive(qint64 archiveId, qint64 subArchive)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (const Result<void> allowed = m_session.access().require(rights::classify); !allowed)
+        return allowed;
+    if (!exists(database, QStringLiteral("subarchive"), subArchive))
+        return Error{ErrorCode::NotFound, QStringLiteral("The archive does not exist.")};
+    QStringList folders =
+        database.texts(QStringLiteral("SELECT folder FROM classification WHERE document = ?"), {archiveId});
+    bool any = false;
+    for (const QString &folder : qAsConst(folders))
+        any = any || m_session.access().mayWrite(folder);
+    if (!any)
+        return noDocument;
+    const qint64 before =
+        database.value(QStringLiteral("SELECT subarchive FROM document WHERE id = ?"), {archiveId})
+            .toLongLong();
+    if (before != subArchive) {
+        constexpr int archiveChanged = 8;
+        database.run(QStringLiteral("UPDATE document SET subarchive = ? WHERE id = ?"),
+                     {subArchive, archiveId});
+        database.run(QStringLiteral("UPDATE classification SET subarchive = ? WHERE document = ?"),
+                     {subArchive, archiveId});
+        database.run(QStringLiteral("INSERT INTO event(document, action, time, login) VALUES(?, ?, ?, ?)"),
+                     {archiveId, archiveChanged, m_session.timestamp(), m_session.login()});
+    }
+    return writing.commit();
+}
+
+} // namespace kelva

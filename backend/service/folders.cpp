@@ -1,0 +1,343 @@
+#include "service/folders.h"
+
+#include "service/recordvalues.h"
+#include "service/rights.h"
+#include "service/session.h"
+
+#include <QHash>
+#include <QMap>
+#include <QSet>
+
+#include <algorithm>
+
+namespace kelva {
+namespace {
+
+constexpr int maximumName = 254;
+constexpr int maximumDepth = 64;
+
+struct FolderRow
+{
+    QString oid;
+    QString name;
+    QString flag;
+    QString key;
+    QString keywords;
+    QByteArray picture;
+    bool visible = false;
+    bool occupied = false; ///< records in it or below it
+    bool leads = false;    ///< the way to a visible one
+};
+
+QString parentOf(const QString &oid)
+{
+    return oid.left(std::max(0, oid.lastIndexOf(QLatin1Char('.'))));
+}
+
+QVector<FolderRow> readFolders(Session &session)
+{
+    Database &database = session.database();
+    const Access &access = session.access();
+    QVector<FolderRow> rows;
+    Query row = database.query(
+        QStringLiteral("SELECT f.oid, f.name, f.flag, f.key, f.keywords, f.picture,"
+                       " EXISTS(SELECT 1 FROM classification c WHERE c.folder = f.oid AND c.trashed = 0)"
+                       " FROM folder f"));
+    while (row.next())
+        rows.append({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.bytes(5),
+                     access.maySee(row.text(0)), row.flag(6), false});
+    return rows;
+}
+
+/// Hands facts up the tree, and sorts it: parents first, siblings by name.
+class FolderTree
+{
+public:
+    explicit FolderTree(QVector<FolderRow> rows) : m_rows(std::move(rows))
+    {
+        for (int i = 0; i < m_rows.size(); ++i)
+            m_byOid.insert(m_rows.at(i).oid, i);
+        for (int i = 0; i < m_rows.size(); ++i)
+            m_children[nearestParent(m_rows.at(i).oid)].append(i);
+        for (const FolderRow &row : qAsConst(m_rows))
+            for (QString above = parentOf(row.oid); !above.isEmpty(); above = parentOf(above)) {
+                const int parent = m_byOid.value(above, -1);
+                if (parent < 0)
+                    continue;
+                m_rows[parent].occupied = m_rows.at(parent).occupied || row.occupied;
+                m_rows[parent].leads = m_rows.at(parent).leads || row.visible;
+            }
+    }
+
+    QVector<const FolderRow *> inOrder()
+    {
+        QVector<const FolderRow *> order;
+        append(QString(), &order);
+        return order;
+    }
+
+private:
+    QString nearestParent(const QString &oid) const
+    {
+        QString above = parentOf(oid);
+        while (!above.isEmpty() && !m_byOid.contains(above))
+            above = parentOf(above);
+        return above;
+    }
+
+    void append(const QString &parent, QVector<const FolderRow *> *order)
+    {
+        QVector<int> children = m_children.value(parent);
+        std::sort(children.begin(), children.end(), [this](int a, int b) {
+            const int byName = m_rows.at(a).name.compare(m_rows.at(b).name, Qt::CaseInsensitive);
+            return byName != 0 ? byName < 0 : m_rows.at(a).oid < m_rows.at(b).oid;
+        });
+        for (const int child : qAsConst(children)) {
+            order->append(&m_rows.at(child));
+            append(m_rows.at(child).oid, order);
+        }
+    }
+
+    QVector<FolderRow> m_rows;
+    QHash<QString, int> m_byOid;
+    QHash<QString, QVector<int>> m_children;
+};
+
+Error badFolder(const QString &oid)
+{
+    return {ErrorCode::BadInput, QStringLiteral("The folder \"%1\" is not valid.").arg(oid.left(80))};
+}
+
+Error unknownFolder()
+{
+    return {ErrorCode::NotFound, QStringLiteral("The folder does not exist.")};
+}
+
+bool isStorableOid(const QString &oid)
+{
+    return isFolderOid(oid) && oid != QLatin1String("0");
+}
+
+Result<void> removeFolder(Database &database, const QString &oid)
+{
+    if (database.value(QStringLiteral("SELECT 1 FROM classification WHERE folder = ? LIMIT 1"), {oid})
+            .isValid())
+        return Error{ErrorCode::InUse, QStringLiteral("There are documents in the folder %1.").arg(oid)};
+    database.run(QStringLiteral("DELETE FROM folder WHERE oid = ?"), {oid});
+    database.run(QStringLiteral("DELETE FROM folder_structure WHERE folder = ?"), {oid});
+    return {};
+}
+
+Result<void> saveRow(Database &database, const QStringList &fields, const QByteArray &picture)
+{
+    const QString oid = fields.at(0);
+    const QString letter = fields.at(6);
+    if (!isStorableOid(oid))
+        return badFolder(oid);
+    if (letter == QLatin1String("D"))
+        return removeFolder(database, oid);
+    const QVariantList values{storedText(fields.at(1), maximumName),
+                              storedText(fields.at(2), 16),
+                              storedText(fields.at(3), maximumName),
+                              storedText(fields.at(7)),
+                              picture,
+                              oid};
+    if (letter == QLatin1String("I")) {
+        if (database.value(QStringLiteral("SELECT 1 FROM folder WHERE oid = ?"), {oid}).isValid())
+            return Error{ErrorCode::Conflict,
+                         QStringLiteral("Another user has created a folder in the meantime. Please reload.")};
+        database.run(
+            QStringLiteral(
+                "INSERT INTO folder(name, flag, key, keywords, picture, oid) VALUES(?, ?, ?, ?, ?, ?)"),
+            values);
+        return {};
+    }
+    if (letter != QLatin1String("U"))
+        return badFolder(oid);
+    database.run(
+        QStringLiteral(
+            "UPDATE folder SET name = ?, flag = ?, key = ?, keywords = ?, picture = ? WHERE oid = ?"),
+        values);
+    return database.affected() > 0 ? Result<void>() : unknownFolder();
+}
+
+} // namespace
+
+QString mainFolderOf(const QString &oid)
+{
+    const int first = oid.indexOf(QLatin1Char('.'));
+    const int second = first < 0 ? -1 : oid.indexOf(QLatin1Char('.'), first + 1);
+    return second < 0 ? oid : oid.mid(first - 1, second - first + 1);
+}
+
+bool isFolderOid(const QString &oid)
+{
+    constexpr int maximumLength = 200;
+    if (oid.size() > maximumLength)
+        return false;
+    const QStringList parts = oid.split(QLatin1Char('.'));
+    return parts.size() <= maximumDepth && std::all_of(parts.cbegin(), parts.cend(), [](const QString &part) {
+               return !part.isEmpty() && std::all_of(part.cbegin(), part.cend(), [](QChar c) {
+                   return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+               });
+           });
+}
+
+Result<Records> Folders::list(bool all)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    FolderTree tree(readFolders(m_session));
+    if (database.failed())
+        return database.result(Records()).error();
+    Records records;
+    QSet<QString> inactive;
+    for (const FolderRow *row : tree.inOrder()) {
+        bool locked = false;
+        if (!all) {
+            // What lies below an inactive folder is out of use with it.
+            if (row->flag.contains(QLatin1Char('I')) || inactive.contains(parentOf(row->oid))) {
+                inactive.insert(row->oid);
+                continue;
+            }
+            if (!row->visible && !row->leads)
+                continue;
+            locked = !row->visible;
+        }
+        records.add({row->oid, row->name, row->flag, row->key, parentOf(row->oid), QStringLiteral("0"),
+                     locked ? QStringLiteral("L") : QString(),
+                     row->occupied ? QString() : QStringLiteral("E"), row->keywords},
+                    row->picture);
+    }
+    return records;
+}
+
+Result<void> Folders::save(const Records &records)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+        return allowed;
+    for (int i = 0; i < records.rows.size(); ++i)
+        if (const Result<void> saved = saveRow(database, records.fields(i, 8), records.pictures.value(i));
+            !saved)
+            return saved;
+    m_session.noteVocabularyChange();
+    return writing.commit();
+}
+
+Result<QString> Folders::create(const QString &parentOid, const QString &name, const QString &key,
+                                const QString &keywords)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    const bool isMain = parentOid == QLatin1String("-1");
+    const Access &access = m_session.access();
+    if (!access.isAdmin())
+        if (const Result<void> allowed = access.require(rights::createFolder); !allowed)
+            return allowed.error();
+    if (!isMain) {
+        if (!database.value(QStringLiteral("SELECT 1 FROM folder WHERE oid = ?"), {parentOid}).isValid())
+            return unknownFolder();
+        if (!access.isAdmin() && !access.maySee(parentOid))
+            return unknownFolder();
+    }
+    const QVariant cleanName = storedText(name.trimmed(), maximumName);
+    if (cleanName.toString().isEmpty())
+        return Error{ErrorCode::BadInput, QStringLiteral("The folder needs a name.")};
+    const QString prefix = isMain ? QString() : parentOid + QLatin1Char('.');
+    qint64 largest = 0;
+    // Records count too: the number of a deleted folder must not come back and inherit anything.
+    for (const char *source : {"SELECT oid FROM folder WHERE oid > ? AND oid < ?",
+                               "SELECT DISTINCT folder FROM classification WHERE folder > ? AND folder < ?"})
+        for (const QString &oid :
+             database.texts(QLatin1String(source),
+                            {prefix, isMain ? QStringLiteral(":") : parentOid + QLatin1Char('/')}))
+            largest = std::max(largest, oid.mid(prefix.size()).section(QLatin1Char('.'), 0, 0).toLongLong());
+    const QString oid = prefix + QString::number(largest + 1);
+    if (!isStorableOid(oid))
+        return badFolder(oid);
+    database.run(QStringLiteral("INSERT INTO folder(oid, name, flag, key, keywords) VALUES(?, ?, ?, ?, ?)"),
+                 {oid, cleanName, isMain ? QStringLiteral("M") : QStringLiteral("0"),
+                  storedText(key, maximumName), storedText(keywords)});
+    m_session.noteVocabularyChange();
+    if (const Result<void> done = writing.commit(); !done)
+        return done.error();
+    return oid;
+}
+
+Result<QString> Folders::nextOid()
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    qint64 largest = 0;
+    for (const QString &oid : database.texts(QStringLiteral("SELECT oid FROM folder")))
+        largest = std::max(largest, oid.section(QLatin1Char('.'), -1).toLongLong());
+    return database.result(QString::number(largest + 1));
+}
+
+Result<QStringList> Folders::roles(const QString &oid)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+        return allowed.error();
+    return database.result(
+        database.texts(QStringLiteral("SELECT role FROM folder_role WHERE folder = ? ORDER BY role"), {oid}));
+}
+
+Result<void> Folders::setRoles(const QString &oid, const QStringList &roles)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+        return allowed;
+    if (!database.value(QStringLiteral("SELECT 1 FROM folder WHERE oid = ?"), {oid}).isValid())
+        return unknownFolder();
+    database.run(QStringLiteral("DELETE FROM folder_role WHERE folder = ?"), {oid});
+    for (const QString &role : roles) {
+        if (role != rights::publicFolder &&
+            !database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
+            return Error{ErrorCode::NotFound,
+                         QStringLiteral("The role %1 does not exist.").arg(role.left(80))};
+        database.run(QStringLiteral("INSERT OR IGNORE INTO folder_role(folder, role) VALUES(?, ?)"),
+                     {oid, role});
+    }
+    m_session.noteVocabularyChange();
+    return writing.commit();
+}
+
+Result<Records> Folders::structure(const QString &oid)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    Records records;
+    for (Query row = database.query(
+             QStringLiteral(
+                 "SELECT record, picture FROM folder_structure WHERE folder = ? ORDER BY position"),
+             {oid});
+         row.next();) {
+        records.rows << row.text(0);
+        records.pictures << row.bytes(1);
+    }
+    return database.result(records);
+}
+
+Result<void> Folders::saveStructure(const QString &oid, const Records &records)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+        return allowed;
+    if (!isStorableOid(oid))
+        return badFolder(oid);
+    database.run(QStringLiteral("DELETE FROM folder_structure WHERE folder = ?"), {oid});
+    for (int i = 0; i < records.rows.size(); ++i)
+        database.run(
+            QStringLiteral(
+                "INSERT INTO folder_structure(folder, position, record, picture) VALUES(?, ?, ?, ?)"),
+            {oid, i, records.rows.at(i), records.pictures.value(i)});
+    return writing.commit();
+}
+
+} // namespace kelva

@@ -1,0 +1,150 @@
+#include "service/searches.h"
+
+#include "server/recordformat.h"
+#include "service/records.h"
+#include "service/recordvalues.h"
+#include "service/rights.h"
+#include "service/session.h"
+
+namespace kelva {
+namespace {
+
+constexpr int maximumName = 254;
+constexpr int maximumDefinition = 1 << 20;
+
+/// The definition holds separators that are its own; a record must not break at them.
+QString cleanDefinition(QString text)
+{
+    text.remove(recordformat::fieldSeparator);
+    text.remove(QChar(u'\0'));
+    text.truncate(maximumDefinition);
+    return text.isNull() ? QStringLiteral("") : text;
+}
+
+bool isPersonalOfOthers(const QStringList &roles, const QString &login)
+{
+    if (roles.isEmpty())
+        return false;
+    for (const QString &role : roles)
+        if (!role.startsWith(rights::personalPrefix) || role == rights::personalPrefix + login)
+            return false;
+    return true;
+}
+
+QStringList rolesOfSearch(Database &database, qint64 id)
+{
+    return database.texts(QStringLiteral("SELECT role FROM search_role WHERE search = ? ORDER BY role"),
+                          {id});
+}
+
+Result<void> storeRoles(Session &session, qint64 id, const QStringList &roles)
+{
+    Database &database = session.database();
+    const QString personal = rights::personalPrefix + session.login();
+    QStringList wanted = roles;
+    wanted.removeAll(QString());
+    if (wanted.isEmpty())
+        wanted << personal;
+    database.run(QStringLiteral("DELETE FROM search_role WHERE search = ?"), {id});
+    for (const QString &role : qAsConst(wanted)) {
+        // Whoever does not administer shares with roles of his own, or with everybody.
+        const bool own = role == personal || role == rights::everyUser || session.roles().contains(role);
+        if (!own && !session.access().isAdmin())
+            return Error{ErrorCode::Refused,
+                         QStringLiteral("You cannot give the search to the role %1.").arg(role.left(80))};
+        if (!database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
+            return Error{ErrorCode::NotFound,
+                         QStringLiteral("The role %1 does not exist.").arg(role.left(80))};
+        database.run(QStringLiteral("INSERT OR IGNORE INTO search_role(search, role) VALUES(?, ?)"),
+                     {id, role});
+    }
+    return {};
+}
+
+Result<void> checkMayChange(Session &session, qint64 id)
+{
+    if (session.isOffline())
+        return session.access().require(rights::admin);
+    const QVariant owner =
+        session.database().value(QStringLiteral("SELECT owner FROM search WHERE id = ?"), {id});
+    if (!owner.isValid())
+        return Error{ErrorCode::NotFound, QStringLiteral("The search does not exist.")};
+    if (owner.toString() == session.login() || session.access().isAdmin())
+        return {};
+    return Error{ErrorCode::Refused, QStringLiteral("The search belongs to another user.")};
+}
+
+} // namespace
+
+Result<QStringList> Searches::list(const QString &login)
+{
+    Database &database = m_session.database();
+    Transaction reading(database, Transaction::Kind::Read);
+    const Access &access = m_session.access();
+    // Another user's searches are the administrators' to see.
+    const QString user = login.isEmpty() || !access.isAdmin() ? m_session.login() : login;
+    QStringList roles = database.texts(QStringLiteral("SELECT role FROM account_role r JOIN account a"
+                                                      " ON a.id = r.account WHERE a.login = ?"),
+                                       {user});
+    const bool administers = roles.contains(rights::admin) || m_session.isOffline();
+    roles << rights::everyUser << rights::personalPrefix + user;
+    QStringList records;
+    for (Query row =
+             database.query(QStringLiteral("SELECT id, name, definition FROM search ORDER BY name, id"));
+         row.next();) {
+        const QStringList own = rolesOfSearch(database, row.number(0));
+        bool open = administers && !isPersonalOfOthers(own, user);
+        for (const QString &role : own)
+            open = open || roles.contains(role);
+        if (open)
+            records << joinFields(
+                {row.text(0), row.text(1), row.text(2), own.join(recordformat::listSeparator)});
+    }
+    return database.result(records);
+}
+
+Result<qint64> Searches::save(const QString &name, const QString &definition, const QStringList &roles)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (m_session.isOffline())
+        return m_session.access().require(rights::admin).error();
+    if (name.trimmed().isEmpty())
+        return Error{ErrorCode::BadInput, QStringLiteral("The search needs a name.")};
+    database.run(QStringLiteral("INSERT INTO search(name, definition, owner) VALUES(?, ?, ?)"),
+                 {storedText(name, maximumName), cleanDefinition(definition), m_session.login()});
+    const qint64 id = database.lastInsertId();
+    if (const Result<void> stored = storeRoles(m_session, id, roles); !stored)
+        return stored.error();
+    if (const Result<void> done = writing.commit(); !done)
+        return done.error();
+    return id;
+}
+
+Result<void> Searches::update(qint64 id, const QString &name, const QString &definition,
+                              const QStringList &roles)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (const Result<void> allowed = checkMayChange(m_session, id); !allowed)
+        return allowed;
+    if (name.trimmed().isEmpty())
+        return Error{ErrorCode::BadInput, QStringLiteral("The search needs a name.")};
+    database.run(QStringLiteral("UPDATE search SET name = ?, definition = ? WHERE id = ?"),
+                 {storedText(name, maximumName), cleanDefinition(definition), id});
+    if (const Result<void> stored = storeRoles(m_session, id, roles); !stored)
+        return stored;
+    return writing.commit();
+}
+
+Result<void> Searches::remove(const QString &id)
+{
+    Database &database = m_session.database();
+    Transaction writing(database, Transaction::Kind::Write);
+    if (const Result<void> allowed = checkMayChange(m_session, id.toLongLong()); !allowed)
+        return allowed;
+    database.run(QStringLiteral("DELETE FROM search WHERE id = ?"), {id.toLongLong()});
+    return writing.commit();
+}
+
+} // namespace kelva

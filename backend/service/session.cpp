@@ -1,0 +1,155 @@
+#include "service/session.h"
+
+#include "service/rights.h"
+#include "store/password.h"
+
+namespace kelva {
+namespace {
+
+qint64 vocabularyCounter(Database &database)
+{
+    return database.value(QStringLiteral("SELECT value FROM counter WHERE name = 'vocabulary'")).toLongLong();
+}
+
+} // namespace
+
+Session::Session(std::unique_ptr<Database> database) : m_database(std::move(database)) {}
+
+Result<std::unique_ptr<Session>> Session::login(const QString &path, const QString &user,
+                                                const QString &password)
+{
+    auto database = Database::open(path, Database::Mode::ReadWrite);
+    if (!database)
+        return database.error();
+    std::unique_ptr<Session> session(new Session(std::move(database.value())));
+    QString hash;
+    bool expired = false;
+    {
+        Transaction reading(session->database(), Transaction::Kind::Read);
+        Query row = session->database().query(
+            QStringLiteral("SELECT id, password, expired FROM account WHERE login = ? AND directory = 0"),
+            {user});
+        if (row.next()) {
+            session->m_userId = row.number(0);
+            hash = row.text(1);
+            expired = row.flag(2);
+        }
+        if (session->database().failed())
+            return session->database().result(std::unique_ptr<Session>()).error();
+    }
+    if (!isPassword(password, hash))
+        return Error{ErrorCode::WrongPassword, QStringLiteral("Wrong username or password!")};
+    if (expired)
+        return Error{ErrorCode::PasswordExpired,
+                     QStringLiteral("Password expired. Please choose a new one.")};
+    session->m_login = user;
+    if (const Result<void> loaded = session->refresh(); !loaded)
+        return loaded.error();
+    return {std::move(session)};
+}
+
+Result<std::unique_ptr<Session>> Session::openOffline(const QString &path)
+{
+    auto database = Database::open(path, Database::Mode::ReadOnly);
+    if (!database)
+        return database.error();
+    std::unique_ptr<Session> session(new Session(std::move(database.value())));
+    session->m_scope = Access::Scope::ReadOnly;
+    if (const Result<void> loaded = session->refresh(); !loaded)
+        return loaded.error();
+    return {std::move(session)};
+}
+
+Result<std::unique_ptr<Session>> Session::openAsOwner(const QString &path, const QString &name)
+{
+    auto database = Database::open(path, Database::Mode::ReadWrite);
+    if (!database)
+        return database.error();
+    std::unique_ptr<Session> session(new Session(std::move(database.value())));
+    session->m_scope = Access::Scope::Owner;
+    session->m_login = name;
+    if (const Result<void> loaded = session->refresh(); !loaded)
+        return loaded.error();
+    return {std::move(session)};
+}
+
+Result<std::unique_ptr<Session>> Session::openAsUser(const QString &path, const QString &user)
+{
+    auto database = Database::open(path, Database::Mode::ReadWrite);
+    if (!database)
+        return database.error();
+    std::unique_ptr<Session> session(new Session(std::move(database.value())));
+    session->m_login = user;
+    session->m_userId = session->database()
+                            .value(QStringLiteral("SELECT id FROM account WHERE login = ?"), {user})
+                            .toLongLong();
+    if (session->m_userId == 0)
+        return Error{ErrorCode::NotFound, QStringLiteral("There is no user %1.").arg(user)};
+    if (const Result<void> loaded = session->refresh(); !loaded)
+        return loaded.error();
+    return {std::move(session)};
+}
+
+Result<void> Session::refresh()
+{
+    Transaction reading(*m_database, Transaction::Kind::Read);
+    if (m_scope == Access::Scope::ReadOnly)
+        m_roles = QStringList{rights::everyUser};
+    else if (m_scope == Access::Scope::Owner)
+        m_roles = rights::assignable();
+    else
+        m_roles = m_database->texts(
+            QStringLiteral("SELECT role FROM account_role WHERE account = ? ORDER BY role"), {m_userId});
+    m_knownVocabulary = vocabularyCounter(*m_database);
+    m_accessAsOf = -1;
+    return reading.commit();
+}
+
+const Access &Session::access()
+{
+    const qint64 counter = vocabularyCounter(*m_database);
+    // Taking back a transaction takes back the folders prepared in it as well.
+    if (counter != m_accessAsOf || m_database->rollbacks() != m_accessRollbacks) {
+        // The user's own roles may be what changed; rights that were taken away must not outlive the change.
+        QStringList roles = m_roles;
+        if (m_scope == Access::Scope::Roles)
+            roles = m_database->texts(QStringLiteral("SELECT role FROM account_role WHERE account = ?"),
+                                      {m_userId});
+        m_access = Access(*m_database, m_scope, roles);
+        m_accessAsOf = counter;
+        m_accessRollbacks = m_database->rollbacks();
+    }
+    return m_access;
+}
+
+Result<void> Session::acknowledgeVocabulary()
+{
+    Transaction reading(*m_database, Transaction::Kind::Read);
+    m_knownVocabulary = vocabularyCounter(*m_database);
+    return reading.commit();
+}
+
+bool Session::takeVocabularyChange()
+{
+    const qint64 counter = vocabularyCounter(*m_database);
+    if (counter == m_knownVocabulary || m_database->failed())
+        return false;
+    m_knownVocabulary = counter;
+    return true;
+}
+
+void Session::noteVocabularyChange()
+{
+    const qint64 before = vocabularyCounter(*m_database);
+    m_database->run(QStringLiteral("UPDATE counter SET value = value + 1 WHERE name = 'vocabulary'"));
+    // Somebody else's change in between must still be noticed.
+    if (before == m_knownVocabulary)
+        m_knownVocabulary = before + 1;
+}
+
+QString Session::timestamp() const
+{
+    return m_now().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
+}
+
+} // namespace kelva

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "service/access.h"
+#include "store/database.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+
+namespace kelva {
+
+/// One user at work with one archive. The operations are classes of their own (Documents, Folders, Users,
+/// ...) that are made on the spot with the session they work for: Documents(session).get(id).
+class Session
+{
+public:
+    /// WrongPassword for an unknown user and a wrong password alike; PasswordExpired only with the right
+    /// password.
+    static Result<std::unique_ptr<Session>> login(const QString &path, const QString &user,
+                                                  const QString &password);
+    /// Reads an archive on a medium: no login, every document, no writing.
+    static Result<std::unique_ptr<Session>> openOffline(const QString &path);
+    /// Every right and no user check, for the tools of whoever owns the file. Changes are written under this
+    /// name.
+    static Result<std::unique_ptr<Session>> openAsOwner(const QString &path, const QString &name);
+    /// For the vocabulary of a profile's user without his password, for whoever owns the file. NotFound for
+    /// an unknown login.
+    static Result<std::unique_ptr<Session>> openAsUser(const QString &path, const QString &user);
+
+    Database &database() { return *m_database; }
+    const QString &login() const { return m_login; }
+    qint64 userId() const { return m_userId; }
+    bool isOffline() const { return m_scope == Access::Scope::ReadOnly; }
+
+    /// What this session may do; brought up to date when somebody changed rights or folders.
+    const Access &access();
+    /// Role names of the user as of login or the last refresh(): rights, free roles, "r_" + login.
+    const QStringList &roles() const { return m_roles; }
+    /// Reads the user's roles anew.
+    Result<void> refresh();
+    /// What others changed so far is known from now on. roles() stay as they are.
+    Result<void> acknowledgeVocabulary();
+
+    /// Restricts lists to one sub-archive; 0 for all.
+    void setSubArchive(qint64 id) { m_subArchive = id; }
+    qint64 subArchive() const { return m_subArchive; }
+
+    /// True once after somebody else has changed the vocabulary.
+    bool takeVocabularyChange();
+    /// To be called inside the transaction that changes vocabulary (folders, status, types, attributes,
+    /// rights).
+    void noteVocabularyChange();
+
+    /// The attributes behind the fields of the last record handed out. A record that comes back is read by
+    /// it, whatever columns were added or taken away in between.
+    const QVector<qint64> &recordLayout() const { return m_recordLayout; }
+    void setRecordLayout(const QVector<qint64> &attributeIds)
+    {
+        m_recordLayout = attributeIds;
+        m_hasRecordLayout = true;
+    }
+    bool hasRecordLayout() const { return m_hasRecordLayout; }
+
+    QDate today() const { return m_now().date(); }
+    /// "yyyy-MM-ddTHH:mm:ss"
+    QString timestamp() const;
+    void setClock(std::function<QDateTime()> now) { m_now = std::move(now); }
+
+private:
+    explicit Session(std::unique_ptr<Database> database);
+
+    std::unique_ptr<Database> m_database;
+    QString m_login;
+    qint64 m_userId = 0;
+    Access::Scope m_scope = Access::Scope::Roles;
+    QStringList m_roles;
+    qint64 m_subArchive = 0;
+    qint64 m_knownVocabulary = 0;
+    Access m_access;
+    qint64 m_accessAsOf = -1;
+    int m_accessRollbacks = 0;
+    QVector<qint64> m_recordLayout;
+    bool m_hasRecordLayout = false;
+    std::function<QDateTime()> m_now = [] { return QDateTime::currentDateTime(); };
+};
+
+} // namespace kelva

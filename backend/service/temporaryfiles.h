@@ -1,0 +1,13 @@
+#pragma once
+
+#include "store/result.h"
+
+#include <QString>
+
+namespace kelva {
+
+/// A new empty file (0600) in a directory that only this user can enter, named after a document: its suffix,
+/// and a base name without dots. It belongs to the caller.
+Result<QString> makeTemporaryFile(const QString &documentName);
+
+} // namespace kelva

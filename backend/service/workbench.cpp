@@ -1,0 +1,180 @@
+#include "service/workbench.h"
+
+#include "server/recordformat.h"
+#include "service/documentcolumns.h"
+#include "service/folders.h"
+#include "service/records.h"
+#include "service/session.h"
+#include "service/vocabulary.h"
+
+#include <QDataStream>
+#include <QMap>
+#include <QThread>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace kelva {
+namespace {
+
+/// Values offered in a line attribute: those of the newest records that the session sees.
+QStringList lineValues(Session &session, const AttributeColumn &attribute)
+{
+    constexpr int window = 2000;
+    return session.database().texts(
+        QStringLiteral(
+            "SELECT DISTINCT value FROM (SELECT c.%1 AS value FROM classification c NOT INDEXED"
+            " WHERE c.trashed = 0 AND %2 ORDER BY c.id DESC LIMIT %3) WHERE value <> '' ORDER BY 1")
+            .arg(attribute.column, session.access().visibleCondition(QStringLiteral("c.folder")))
+            .arg(window));
+}
+
+/// The editors of the attribute columns, as maps from column number to values.
+struct Editors
+{
+    QMap<int, QString> choices;
+    QMap<int, QString> lines;
+    QMap<int, QString> checks;
+    QMap<int, QString> dates;
+};
+
+Editors editorsOf(Session &session, const DocumentColumns &columns)
+{
+    Editors editors;
+    for (int i = 0; i < columns.attributes().size(); ++i) {
+        const AttributeColumn &attribute = columns.attributes().at(i);
+        const int column = DocumentColumns::fixedCount + i;
+        switch (attribute.kind) {
+        case AttributeKind::ComboBox:
+            editors.choices.insert(
+                column,
+                session.database()
+                    .texts(QStringLiteral(
+                               "SELECT value FROM attribute_value WHERE attribute = ? ORDER BY position"),
+                           {attribute.id})
+                    .join(recordformat::listSeparator));
+            break;
+        case AttributeKind::String:
+            editors.lines.insert(column, lineValues(session, attribute).join(recordformat::listSeparator));
+            break;
+        case AttributeKind::Numeric:
+            editors.lines.insert(column, QStringLiteral("type:Numeric"));
+            break;
+        case AttributeKind::CheckBox:
+            editors.checks.insert(column, QStringLiteral(""));
+            break;
+        case AttributeKind::Date:
+            editors.dates.insert(column, QStringLiteral(""));
+            break;
+        }
+    }
+    return editors;
+}
+
+/// Folders of the first two levels, by oid and name.
+Records mainFolders(const Records &folders)
+{
+    Records main;
+    for (int i = 0; i < folders.rows.size(); ++i) {
+        const QStringList fields = folders.fields(i, 2);
+        if (fields.at(0).count(QLatin1Char('.')) <= 1)
+            main.add({fields.at(0), fields.at(1)}, folders.pictures.at(i));
+    }
+    return main;
+}
+
+} // namespace
+
+Result<QByteArray> workbenchBlock(Session &session)
+{
+    Transaction reading(session.database(), Transaction::Kind::Read);
+    const DocumentColumns columns = DocumentColumns::load(session.database());
+    Result<Records> status = Vocabulary(session).status();
+    if (!status)
+        return status.error();
+    Result<Records> types = Vocabulary(session).types();
+    if (!types)
+        return types.error();
+    Result<Records> folders = Folders(session).list(false);
+    if (!folders)
+        return folders.error();
+    const Records main = mainFolders(folders.value());
+
+    const QStringList titles = columns.titles();
+    const QStringList keys = columns.keys();
+    QStringList searchColumns;
+    for (int i = 0; i < keys.size(); ++i)
+        searchColumns << joinFields({titles.at(i), keys.at(i)});
+    searchColumns << joinFields({QStringLiteral("Rights"), QStringLiteral("rights")});
+    const Editors editors = editorsOf(session, columns);
+    QByteArray block;
+    QDataStream stream(&block, QIODevice::WriteOnly);
+    stream << (titles + QStringList{QStringLiteral("Rights")}) << searchColumns << keys << editors.choices
+           << editors.lines << editors.checks << editors.dates
+           << QList<QStringList>{main.rows, status.value().rows, types.value().rows, folders.value().rows}
+           << QList<QList<QByteArray>>{main.pictures, status.value().pictures, types.value().pictures,
+                                       folders.value().pictures};
+    if (const Result<void> done = reading.commit(); !done)
+        return done.error();
+    return block;
+}
+
+QString workbenchKey(const QString &login, const QString &host, int port, qint64 profileId)
+{
+    return QStringLiteral("kelva_%1_%2_%3%4")
+        .arg(login, host, QString::number(port), QString::number(profileId));
+}
+
+WorkbenchSegment::WorkbenchSegment(const QString &key) : m_memory(std::make_unique<QSharedMemory>(key))
+{
+    // A segment that a killed process left behind goes with the last one to let go of it.
+    if (m_memory->attach())
+        m_memory->detach();
+}
+
+WorkbenchSegment::~WorkbenchSegment() = default;
+
+Result<void> WorkbenchSegment::publish(const QByteArray &block)
+{
+    if (const Result<void> room = makeRoom(block.size()); !room)
+        return room;
+    if (!m_memory->lock())
+        return Error{
+            ErrorCode::Busy,
+            QStringLiteral("The vocabulary could not be published: %1").arg(m_memory->errorString())};
+    std::memcpy(m_memory->data(), block.constData(), static_cast<std::size_t>(block.size()));
+    m_memory->unlock();
+    return {};
+}
+
+Result<void> WorkbenchSegment::makeRoom(int size)
+{
+    constexpr int smallest = 1 << 20;
+    constexpr int attempts = 20;
+    constexpr unsigned long retryMs = 25;
+    if (m_memory->isAttached() && m_memory->size() >= size)
+        return {};
+    if (m_memory->isAttached())
+        m_memory->detach();
+    const qint64 wanted = std::max<qint64>(smallest, 2LL * size);
+    if (wanted > std::numeric_limits<int>::max())
+        return Error{ErrorCode::Storage, QStringLiteral("The vocabulary is too large to be published.")};
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (m_memory->create(static_cast<int>(wanted)))
+            return {};
+        if (m_memory->error() != QSharedMemory::AlreadyExists)
+            break;
+        // Somebody holds it still; if it is large enough, it will do.
+        if (m_memory->attach()) {
+            if (m_memory->size() >= size)
+                return {};
+            m_memory->detach();
+        }
+        QThread::msleep(retryMs);
+    }
+    return Error{ErrorCode::Busy,
+                 QStringLiteral("The vocabulary could not be published: %1").arg(m_memory->errorString())};
+}
+
+} // namespace kelva

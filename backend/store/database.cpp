@@ -1,0 +1,451 @@
+#include "store/database.h"
+
+#include "store/schema.h"
+#include "store/sqlfunctions.h"
+
+#include <QAtomicInt>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QUrl>
+#include <QtEndian>
+
+#include <cstring>
+
+#include <fcntl.h>
+#include <sqlite3.h>
+
+#include <unistd.h>
+
+namespace kelva {
+namespace {
+
+Error sqliteError(int code, const QString &details)
+{
+    switch (code & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return {ErrorCode::Busy,
+                QStringLiteral("The archive is in use by another program. Please try again.")};
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    case SQLITE_FORMAT:
+        return {ErrorCode::NotAnArchive, QStringLiteral("The archive file is damaged or no archive.")};
+    case SQLITE_FULL:
+        return {ErrorCode::Storage, QStringLiteral("The disk is full. Nothing was saved.")};
+    case SQLITE_READONLY:
+        return {ErrorCode::Storage, QStringLiteral("The archive is read-only.")};
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+        return {ErrorCode::Storage, QStringLiteral("The archive file cannot be opened.")};
+    case SQLITE_IOERR:
+        return {ErrorCode::Storage,
+                QStringLiteral("The archive could not be read or written: %1").arg(details)};
+    case SQLITE_CONSTRAINT:
+        return {ErrorCode::BadInput, QStringLiteral("The archive refused the change: %1").arg(details)};
+    case SQLITE_TOOBIG:
+        return {ErrorCode::BadInput, QStringLiteral("A value is too long to be stored.")};
+    default:
+        return {ErrorCode::Storage, QStringLiteral("The archive reported an error: %1").arg(details)};
+    }
+}
+
+/// Looks at the file's first bytes without opening it as a database, which could leave files beside it.
+Result<void> checkHeader(const QString &path)
+{
+    const Error noArchive{ErrorCode::NotAnArchive, QStringLiteral("The file %1 is no archive.").arg(path)};
+    const QFileInfo info(path);
+    if (!info.exists())
+        return Error{ErrorCode::NotFound, QStringLiteral("There is no archive at %1.").arg(path)};
+    if (!info.isFile())
+        return noArchive;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Error{ErrorCode::Storage,
+                     QStringLiteral("The archive %1 cannot be opened: %2").arg(path, file.errorString())};
+    const QByteArray header = file.read(100);
+    constexpr int idOffset = 68;
+    if (header.size() < 100 || !header.startsWith(QByteArray("SQLite format 3\0", 16)) ||
+        qFromBigEndian<qint32>(header.constData() + idOffset) != schema::applicationId)
+        return noArchive;
+    return {};
+}
+
+Result<void> createEmptyFile(const QString &path)
+{
+    const QDir directory = QFileInfo(path).absoluteDir();
+    if (!directory.exists()) {
+        if (!directory.mkpath(QStringLiteral(".")))
+            return Error{ErrorCode::Storage,
+                         QStringLiteral("The directory %1 cannot be made.").arg(directory.path())};
+        QFile::setPermissions(directory.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    const int file = ::open(QFile::encodeName(path).constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
+    if (file < 0)
+        return Error{ErrorCode::Storage, errno == EEXIST
+                                             ? QStringLiteral("There is a file %1 already.").arg(path)
+                                             : QStringLiteral("The file %1 cannot be made: %2")
+                                                   .arg(path, QString::fromLocal8Bit(std::strerror(errno)))};
+    ::close(file);
+    return {};
+}
+
+void bindValue(sqlite3_stmt *statement, int place, const QVariant &value)
+{
+    switch (static_cast<QMetaType::Type>(value.userType())) {
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+        sqlite3_bind_int64(statement, place, value.toLongLong());
+        break;
+    case QMetaType::Double:
+        sqlite3_bind_double(statement, place, value.toDouble());
+        break;
+    case QMetaType::QByteArray: {
+        const QByteArray bytes = value.toByteArray();
+        sqlite3_bind_blob(statement, place, bytes.constData(), bytes.size(), SQLITE_TRANSIENT);
+        break;
+    }
+    case QMetaType::UnknownType:
+        sqlite3_bind_null(statement, place);
+        break;
+    default: {
+        const QByteArray text = value.toString().toUtf8();
+        sqlite3_bind_text(statement, place, text.constData(), text.size(), SQLITE_TRANSIENT);
+    }
+    }
+}
+
+} // namespace
+
+bool Query::next()
+{
+    if (m_query.next())
+        return true;
+    if (m_query.lastError().isValid())
+        m_database.noteFailure(m_query);
+    return false;
+}
+
+Statement::Statement(Database &database, const QString &sql)
+    : m_database(database),
+      m_query(database.connection())
+{
+    m_query.setForwardOnly(true);
+    m_prepared = m_query.prepare(sql);
+    if (!m_prepared)
+        m_database.noteFailure(m_query);
+}
+
+bool Statement::run(const QVariantList &values)
+{
+    if (!m_prepared)
+        return false;
+    for (int i = 0; i < values.size(); ++i)
+        m_query.bindValue(i, values.at(i));
+    if (m_query.exec())
+        return true;
+    m_database.noteFailure(m_query);
+    return false;
+}
+
+Database::Database(QString path, QString connection)
+    : m_path(std::move(path)),
+      m_connection(std::move(connection))
+{
+}
+
+Database::~Database()
+{
+    {
+        QSqlDatabase own = connection();
+        if (own.isOpen()) {
+            if (!m_readOnly) {
+                QSqlQuery optimize(own);
+                optimize.exec(QStringLiteral("PRAGMA analysis_limit = 400"));
+                optimize.exec(QStringLiteral("PRAGMA optimize"));
+            }
+            own.close();
+        }
+    }
+    QSqlDatabase::removeDatabase(m_connection);
+}
+
+QSqlDatabase Database::connection() const
+{
+    return QSqlDatabase::database(m_connection, false);
+}
+
+sqlite3 *Database::handle() const
+{
+    const QVariant handle = connection().driver()->handle();
+    return *static_cast<sqlite3 *const *>(handle.constData());
+}
+
+Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode, int busyTimeoutMs)
+{
+    if (mode == Mode::Create) {
+        if (const Result<void> made = createEmptyFile(path); !made)
+            return made.error();
+    } else if (const Result<void> header = checkHeader(path); !header) {
+        return header.error();
+    }
+    static QAtomicInt counter;
+    const QString name = QStringLiteral("kelva-%1").arg(counter.fetchAndAddRelaxed(1));
+    QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+    std::unique_ptr<Database> database(new Database(path, name));
+    if (const Result<void> connected = database->connect(mode, busyTimeoutMs); !connected)
+        return connected.error();
+    return {std::move(database)};
+}
+
+Result<void> Database::connect(Mode mode, int busyTimeoutMs)
+{
+    m_readOnly = mode == Mode::ReadOnly;
+    {
+        QSqlDatabase own = connection();
+        QString options = QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=%1").arg(busyTimeoutMs);
+        QUrl file = QUrl::fromLocalFile(QFileInfo(m_path).absoluteFilePath());
+        if (m_readOnly) {
+            options += QStringLiteral(";QSQLITE_OPEN_READONLY");
+            file.setQuery(QStringLiteral("immutable=1"));
+        }
+        own.setConnectOptions(options);
+        own.setDatabaseName(QString::fromLatin1(file.toEncoded()));
+        if (!own.open())
+            return sqliteError(own.lastError().nativeErrorCode().toInt(), own.lastError().databaseText());
+    }
+    sqlite3_extended_result_codes(handle(), 1);
+    registerSqlFunctions(handle());
+    sqlite3_db_config(handle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    // A medium may come from anybody. One's own archives need trust: their triggers write full-text tables.
+    if (m_readOnly)
+        run(QStringLiteral("PRAGMA trusted_schema = OFF"));
+    run(QStringLiteral("PRAGMA foreign_keys = ON"));
+    run(QStringLiteral("PRAGMA temp_store = MEMORY"));
+    run(QStringLiteral("PRAGMA cache_size = -65536"));
+    if (mode == Mode::Create) {
+        // In the file itself before the first write-ahead log, so that a glance at its head tells what it is.
+        run(QStringLiteral("PRAGMA application_id = %1").arg(schema::applicationId));
+    }
+    if (!m_readOnly) {
+        if (value(QStringLiteral("PRAGMA journal_mode = WAL")).toString() != QLatin1String("wal"))
+            return m_error ? *m_error : sqliteError(SQLITE_READONLY, QString());
+        run(QStringLiteral("PRAGMA synchronous = FULL"));
+    }
+    return bringUpToDate(mode);
+}
+
+Result<void> Database::bringUpToDate(Mode mode)
+{
+    const int version = value(QStringLiteral("PRAGMA user_version")).toInt();
+    if (m_error)
+        return *m_error;
+    if (version > schema::currentVersion())
+        return Error{ErrorCode::WrongVersion,
+                     QStringLiteral("The archive %1 was written by a newer version of Kelva.").arg(m_path)};
+    if (version == schema::currentVersion())
+        return {};
+    if (m_readOnly)
+        return Error{
+            ErrorCode::WrongVersion,
+            QStringLiteral("The archive %1 was written by an older version of Kelva and must be opened once "
+                           "where it can be written.")
+                .arg(m_path)};
+    if (version == 0 && mode != Mode::Create)
+        return Error{ErrorCode::NotAnArchive,
+                     QStringLiteral("The archive %1 was never completed.").arg(m_path)};
+    return schema::upgrade(*this, version, schema::currentVersion());
+}
+
+bool Database::run(const QString &sql, const QVariantList &values)
+{
+    if (m_depth == 0)
+        m_error.reset();
+    QSqlQuery statement(connection());
+    statement.setForwardOnly(true);
+    bool done = statement.prepare(sql);
+    if (done) {
+        for (int i = 0; i < values.size(); ++i)
+            statement.bindValue(i, values.at(i));
+        done = statement.exec();
+    }
+    if (!done) {
+        noteFailure(statement);
+        return false;
+    }
+    m_lastInsertId = sqlite3_last_insert_rowid(handle());
+    m_affected = sqlite3_changes(handle());
+    return true;
+}
+
+Query Database::query(const QString &sql, const QVariantList &values)
+{
+    if (m_depth == 0)
+        m_error.reset();
+    QSqlQuery statement(connection());
+    statement.setForwardOnly(true);
+    bool done = statement.prepare(sql);
+    if (done) {
+        for (int i = 0; i < values.size(); ++i)
+            statement.bindValue(i, values.at(i));
+        done = statement.exec();
+    }
+    if (!done)
+        noteFailure(statement);
+    return Query(std::move(statement), *this);
+}
+
+QVariant Database::value(const QString &sql, const QVariantList &values)
+{
+    Query row = query(sql, values);
+    return row.next() ? row.value(0) : QVariant();
+}
+
+QStringList Database::texts(const QString &sql, const QVariantList &values)
+{
+    QStringList list;
+    for (Query row = query(sql, values); row.next();)
+        list << row.text(0);
+    return list;
+}
+
+QVector<qint64> Database::numbers(const QString &sql, const QVariantList &values)
+{
+    if (m_depth == 0)
+        m_error.reset();
+    sqlite3_stmt *prepared = nullptr;
+    const QByteArray text = sql.toUtf8();
+    sqlite3_prepare_v2(handle(), text.constData(), text.size(), &prepared, nullptr);
+    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(prepared, &sqlite3_finalize);
+    QVector<qint64> list;
+    if (statement) {
+        for (int i = 0; i < values.size(); ++i)
+            bindValue(statement.get(), i + 1, values.at(i));
+        int code = sqlite3_step(statement.get());
+        for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
+            list.append(sqlite3_column_int64(statement.get(), 0));
+        if (code == SQLITE_DONE)
+            return list;
+    }
+    noteFailure();
+    return {};
+}
+
+void Database::noteFailure()
+{
+    fail(sqliteError(sqlite3_errcode(handle()), QString::fromUtf8(sqlite3_errmsg(handle()))));
+}
+
+void Database::fail(Error error)
+{
+    if (!m_error)
+        m_error = std::move(error);
+}
+
+void Database::noteFailure(const QSqlQuery &query)
+{
+    const QSqlError error = query.lastError();
+    fail(sqliteError(error.nativeErrorCode().toInt(), error.databaseText()));
+}
+
+Result<void> Database::backupTo(const QString &target)
+{
+    if (QFileInfo::exists(target))
+        return Error{ErrorCode::Storage, QStringLiteral("There is a file %1 already.").arg(target)};
+    const QString unfinished = target + QStringLiteral(".unfinished");
+    QFile::remove(unfinished);
+    if (const Result<void> made = createEmptyFile(unfinished); !made)
+        return made;
+    if (!run(QStringLiteral("VACUUM INTO ?"), {unfinished})) {
+        QFile::remove(unfinished);
+        return *m_error;
+    }
+    // The copy counts as a backup only once it is on the medium.
+    const int file = ::open(QFile::encodeName(unfinished).constData(), O_RDWR | O_CLOEXEC);
+    const bool synced = file >= 0 && ::fsync(file) == 0;
+    if (file >= 0)
+        ::close(file);
+    if (!synced || !QFile::rename(unfinished, target)) {
+        QFile::remove(unfinished);
+        return Error{ErrorCode::Storage, QStringLiteral("The backup %1 could not be written.").arg(target)};
+    }
+    return {};
+}
+
+QStringList Database::integrityFaults()
+{
+    QStringList faults = texts(QStringLiteral("PRAGMA integrity_check(50)"));
+    faults.removeAll(QStringLiteral("ok"));
+    for (Query row = query(QStringLiteral("PRAGMA foreign_key_check")); row.next();)
+        faults << QStringLiteral("A row of %1 refers to a row of %2 that does not exist.")
+                      .arg(row.text(0), row.text(2));
+    if (m_readOnly)
+        return faults;
+    const QStringList indexes = texts(QStringLiteral(
+        "SELECT name FROM sqlite_schema WHERE type = 'table' AND sql LIKE 'CREATE VIRTUAL TABLE%fts5%'"));
+    for (const QString &index : indexes)
+        if (!run(QStringLiteral("INSERT INTO %1(%1, rank) VALUES('integrity-check', 1)").arg(index)))
+            faults << QStringLiteral("The full-text index %1 does not match the texts.").arg(index);
+    return faults;
+}
+
+void Database::analyze()
+{
+    run(QStringLiteral("PRAGMA analysis_limit = 1000"));
+    run(QStringLiteral("ANALYZE"));
+}
+
+Transaction::Transaction(Database &database, Kind kind) : m_database(database), m_kind(kind)
+{
+    m_outer = m_database.m_depth == 0;
+    if (!m_outer) {
+        ++m_database.m_depth;
+        m_open = true;
+        return;
+    }
+    m_database.m_error.reset();
+    m_open =
+        m_database.run(kind == Kind::Write ? QStringLiteral("BEGIN IMMEDIATE") : QStringLiteral("BEGIN"));
+    m_database.m_depth = 1;
+}
+
+Transaction::~Transaction()
+{
+    if (m_done)
+        return;
+    if (--m_database.m_depth > 0) {
+        m_database.fail({ErrorCode::BadInput, QStringLiteral("The operation was broken off.")});
+        return;
+    }
+    if (!m_open)
+        return;
+    // Keeps the error of the statements: the caller may still ask for it.
+    const std::optional<Error> error = m_database.m_error;
+    if (m_kind == Kind::Write) {
+        m_database.run(QStringLiteral("ROLLBACK"));
+        ++m_database.m_rollbacks;
+    } else {
+        // Nothing was written but temporary tables, and those are still good.
+        m_database.run(QStringLiteral("COMMIT"));
+    }
+    m_database.m_error = error;
+}
+
+Result<void> Transaction::commit()
+{
+    if (m_database.m_error)
+        return *m_database.m_error;
+    if (m_outer && !m_database.run(QStringLiteral("COMMIT")))
+        return *m_database.m_error;
+    --m_database.m_depth;
+    m_done = true;
+    return {};
+}
+
+} // namespace kelva

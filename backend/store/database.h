@@ -1,0 +1,153 @@
+#pragma once
+
+#include "store/result.h"
+
+#include <QSqlQuery>
+#include <QString>
+#include <QVariantList>
+#include <QVector>
+
+#include <memory>
+#include <optional>
+
+struct sqlite3;
+class QSqlDatabase;
+
+namespace kelva {
+
+/// Rows of one statement, read forward. A failed statement yields no row and its error stays with the
+/// database.
+class Query
+{
+public:
+    bool next();
+    QVariant value(int column) const { return m_query.value(column); }
+    QString text(int column) const { return m_query.value(column).toString(); }
+    qint64 number(int column) const { return m_query.value(column).toLongLong(); }
+    bool flag(int column) const { return m_query.value(column).toLongLong() != 0; }
+    QByteArray bytes(int column) const { return m_query.value(column).toByteArray(); }
+
+private:
+    friend class Database;
+    Query(QSqlQuery query, class Database &database) : m_query(std::move(query)), m_database(database) {}
+
+    QSqlQuery m_query;
+    class Database &m_database;
+};
+
+/// A statement that is prepared once and run many times with other values.
+class Statement
+{
+public:
+    Statement(class Database &database, const QString &sql);
+    bool run(const QVariantList &values);
+    qint64 lastInsertId() const { return m_query.lastInsertId().toLongLong(); }
+
+private:
+    class Database &m_database;
+    QSqlQuery m_query;
+    bool m_prepared = false;
+};
+
+/// One open archive file and its connection. Not for use by two threads.
+///
+/// Statements do not return their errors one by one: the first one that fails since the transaction began is
+/// kept, and commit() or result() hands it on. So an operation is a Transaction, its statements, and one
+/// check at the end.
+class Database
+{
+public:
+    enum class Mode {
+        ReadWrite, ///< an existing archive; an older schema is upgraded
+        Create,    ///< makes the file (0600) and its directory (0700); an existing file is refused
+        ReadOnly,  ///< an existing archive on any medium; nothing is written, not even beside it
+    };
+
+    /// busyTimeoutMs: how long a statement waits for another program's transaction.
+    static Result<std::unique_ptr<Database>> open(const QString &path, Mode mode, int busyTimeoutMs = 5000);
+    ~Database();
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
+
+    const QString &path() const { return m_path; }
+    bool isReadOnly() const { return m_readOnly; }
+    sqlite3 *handle() const;
+
+    bool run(const QString &sql, const QVariantList &values = {});
+    Query query(const QString &sql, const QVariantList &values = {});
+    /// First column of the first row; an invalid value when there is no row.
+    QVariant value(const QString &sql, const QVariantList &values = {});
+    QStringList texts(const QString &sql, const QVariantList &values = {});
+    /// First column of every row; for many numbers, without the cost of a row object each.
+    QVector<qint64> numbers(const QString &sql, const QVariantList &values = {});
+    qint64 lastInsertId() const { return m_lastInsertId; }
+    /// Rows that the last run() inserted, changed or deleted.
+    int affected() const { return m_affected; }
+
+    /// Grows whenever written rows were taken back, in temporary tables too.
+    int rollbacks() const { return m_rollbacks; }
+
+    bool failed() const { return m_error.has_value(); }
+    /// Makes the transaction fail for a reason of the caller's; the first error wins.
+    void fail(Error error);
+    /// The value, or the first error since the transaction began.
+    template<typename T>
+    Result<T> result(T value) const
+    {
+        if (m_error)
+            return *m_error;
+        return value;
+    }
+
+    /// Copies the archive as it stands, while others work with it. The target must not exist.
+    Result<void> backupTo(const QString &target);
+    /// Faults found by reading everything, one sentence each; empty for a sound archive.
+    QStringList integrityFaults();
+    /// Gathers what the query planner wants to know; for use after bulk insertions.
+    void analyze();
+
+private:
+    friend class Query;
+    friend class Statement;
+    friend class Transaction;
+    Database(QString path, QString connection);
+    Result<void> connect(Mode mode, int busyTimeoutMs);
+    Result<void> bringUpToDate(Mode mode);
+    void noteFailure(const QSqlQuery &query);
+    void noteFailure();
+    QSqlDatabase connection() const;
+
+    QString m_path;
+    QString m_connection;
+    bool m_readOnly = false;
+    int m_depth = 0; ///< transactions open; an inner one takes part in the outer one
+    int m_rollbacks = 0;
+    qint64 m_lastInsertId = 0;
+    int m_affected = 0;
+    std::optional<Error> m_error;
+};
+
+/// Rolls back unless commit() succeeded. Write locks the archive at once, so that what is read stays true
+/// until it is written; Read gives all statements the same state of the archive.
+class Transaction
+{
+public:
+    enum class Kind { Read, Write };
+
+    Transaction(Database &database, Kind kind);
+    ~Transaction();
+    Transaction(const Transaction &) = delete;
+    Transaction &operator=(const Transaction &) = delete;
+
+    /// Fails with the first error of the statements since the transaction began; nothing is written then.
+    Result<void> commit();
+
+private:
+    Database &m_database;
+    Kind m_kind;
+    bool m_open = false;
+    bool m_outer = false;
+    bool m_done = false;
+};
+
+} // namespace kelva
