@@ -260,16 +260,18 @@ bool ClauseScanner::conditionFollows(int index) const
     }
 }
 
+/// Only doubled quotes are taken to be inside such an operand, as nothing that a user types stands there.
 bool ClauseScanner::quotedOperandFollows(int index) const
 {
     for (int run = 0; run < farthestQuotes; ++run) {
-        index = m_clause.indexOf(quote, index + 1);
-        if (index < 0)
+        const int first = m_clause.indexOf(quote, index + 1);
+        if (first < 0)
             return false;
-        while (at(index + 1) == quote)
+        for (index = first; at(index + 1) == quote;)
             ++index;
-        if (blanksEnd(index + 1) < m_clause.size() && valueEndsBefore(index + 1, Place::LeftOperand, 0))
-            return true;
+        if ((index - first) % 2 == 0)
+            return blanksEnd(index + 1) < m_clause.size() &&
+                   valueEndsBefore(index + 1, Place::LeftOperand, 0);
     }
     return false;
 }

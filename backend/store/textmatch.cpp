@@ -17,8 +17,8 @@ constexpr int longestTrigramRun = 64;
 bool isKnownToTables(uint codePoint)
 {
     const QChar::UnicodeVersion version = QChar::unicodeVersion(codePoint);
-    return version != QChar::Unicode_Unassigned && version <= QChar::Unicode_6_1
-           && QChar::category(codePoint) != QChar::Other_NotAssigned;
+    return version != QChar::Unicode_Unassigned && version <= QChar::Unicode_6_1 &&
+           QChar::category(codePoint) != QChar::Other_NotAssigned;
 }
 
 bool isWordStart(uint codePoint)
@@ -48,11 +48,6 @@ bool isWordAccent(uint codePoint)
     constexpr uint last = 0x331;
     constexpr quint64 accents = 0x361f808029fdf;
     return codePoint >= first && codePoint <= last && (accents >> (codePoint - first) & 1) != 0;
-}
-
-bool isInTrigramTable(uint codePoint)
-{
-    return codePoint != 0xfffe && codePoint != 0xffff;
 }
 
 QString toText(const CodePoints &text, int from, int length)
@@ -159,9 +154,7 @@ QString trigramRun(const QString &pattern)
     int bestLength = 0;
     int from = 0;
     for (int i = 0; i <= characters.size(); ++i) {
-        const bool goesOn = i < characters.size() && characters[i] != '%' && characters[i] != '_' &&
-                            isInTrigramTable(characters[i]);
-        if (goesOn)
+        if (i < characters.size() && characters[i] != '%' && characters[i] != '_')
             continue;
         if (i - from > bestLength) {
             bestFrom = from;

@@ -17,8 +17,8 @@ CodePoints codePoints(const QString &text);
 /// Malformed bytes become U+FFFD, one for each byte.
 CodePoints codePointsOfUtf8(const char *bytes, int size);
 
-/// Simple case folding: one code point for one, independent of any locale. Letters that came after Unicode 6.1
-/// are left alone, as the full-text tables do not fold them either.
+/// Simple case folding: one code point for one, independent of any locale. Letters that came after
+/// Unicode 6.1 are left alone, as the full-text tables do not fold them either.
 uint foldedCase(uint codePoint);
 
 /// A pattern of LIKE: "%" is any run of characters, "_" exactly one. There is no escape character.

@@ -169,7 +169,7 @@ QString ClauseGenerator::number()
 
 QString ClauseGenerator::text(const ClauseNode &node)
 {
-    const QString left = text(node.left);
+    const QString left = text(node.left, true);
     const QString negation = node.negated ? word("NOT") + gap() : QString();
     switch (node.kind) {
     case ClauseNode::Kind::And:
@@ -209,11 +209,11 @@ QString ClauseGenerator::text(const ClauseNode &node)
     return {};
 }
 
-QString ClauseGenerator::text(const ClauseOperand &operand)
+QString ClauseGenerator::text(const ClauseOperand &operand, bool isLeft)
 {
     QString result = operand.text;
     if (operand.kind == ClauseOperand::Kind::Text)
-        result = quoted(operand.text);
+        result = quoted(operand.text, isLeft);
     else if (operand.kind == ClauseOperand::Kind::Null)
         result = word("NULL");
     else if (operand.kind != ClauseOperand::Kind::Number)
@@ -221,10 +221,10 @@ QString ClauseGenerator::text(const ClauseOperand &operand)
     return operand.asText ? result + "::" + word("varchar") : result;
 }
 
-QString ClauseGenerator::quoted(const QString &value)
+QString ClauseGenerator::quoted(const QString &value, bool isLeft)
 {
     QString inside = value;
-    if (value.contains("''") || below(2) == 0)
+    if (isLeft || value.contains("''") || below(2) == 0)
         inside.replace("'", "''");
     return "'" + inside + "'";
 }

@@ -36,8 +36,8 @@ private:
     kelva::ClauseOperand operand();
     QString value();
     QString number();
-    QString text(const kelva::ClauseOperand &operand);
-    QString quoted(const QString &value);
+    QString text(const kelva::ClauseOperand &operand, bool isLeft = false);
+    QString quoted(const QString &value, bool isLeft);
     QString word(const QString &keyword);
     QString blank() { return oneOf<QString>({"", "", " ", "  ", "\n"}); }
     QString gap() { return oneOf<QString>({" ", " ", "\t", "  "}); }
