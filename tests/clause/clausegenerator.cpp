@@ -94,70 +94,16 @@ ClauseOperand ClauseGenerator::operand()
 
 QString ClauseGenerator::value()
 {
-    static const QList<QString> values{
-        "",
-        "Miete",
-        "miete",
-        "MIETE Januar",
-        "O'Brien",
-        "O'",
-        "'",
-        "''",
-        "it's",
-        "a' b",
-        "100%",
-        "%",
-        "_",
-        "a_b",
-        "\\",
-        "\"",
-        "\"a\" OR",
-        "Größe",
-        "GRÖßE",
-        "straße",
-        "ö",
-        "Ö",
-        "inv-2015",
-        "2015",
-        "in",
-        "2014",
-        "2014-08-11",
-        "2014-8-1",
-        "2014-02-30",
-        "[HEUTE+7]",
-        "[MONAT-1]",
-        "[JAHR+1]",
-        "[HEUTE+]",
-        "[HEUTE-9999999]",
-        "x[HEUTE+0]",
-        "3.1",
-        "3.1.%",
-        "3.10",
-        "true",
-        "f",
-        "2",
-        "2.0",
-        "1e2",
-        "inf",
-        "nan",
-        "0x10",
-        "1,5",
-        " 12 ",
-        "12.5",
-        "-3",
-        "meier",
-        "MEIER",
-        "a & b",
-        "a && b",
-        "NEAR(a b)",
-        "*",
-        "\U0001F600é",
-        "é",
-        "日本語文書",
-        "2014-08-11 12:30",
-        "2014-08-11T12:30:00",
-        "x' y' z",
-    };
+    static const QStringList values =
+        QString::fromUtf8("|Miete|miete|MIETE Januar|O'Brien|O'|'|''|it's|a' b|x' y' z|"
+                          "100%|%|_|a_b|\\|\"|\"a\" "
+                          "OR|Größe|GRÖßE|straße|ö|Ö|é|日本語文書|\U0001F600é|inv-2015|2015|in|a & b|a && b|"
+                          "NEAR(a b)|*|2014|2014-08-11|2014-8-1|2014-02-30|2014-08-11 "
+                          "12:30|2014-08-11T12:30:00|[HEUTE+7]|[MONAT-1]|"
+                          "[JAHR+1]|[HEUTE+]|[HEUTE-9999999]|x[HEUTE+0]|3.1|3.1.%|3.10|true|f|2|2.0|1e2|inf|"
+                          "nan|0x10|1,5| 12 |12.5|-3|"
+                          "meier|MEIER")
+            .split('|');
     return oneOf(values);
 }
 
@@ -237,69 +183,15 @@ QString ClauseGenerator::word(const QString &keyword)
 
 QString ClauseGenerator::pieces()
 {
-    static const QList<QString> list{
-        "'",
-        "'",
-        "''",
-        " ",
-        " AND ",
-        " or ",
-        " NOT ",
-        "(",
-        ")",
-        "=",
-        "!=",
-        "<=",
-        ">",
-        "like ",
-        "ilike",
-        " in ",
-        " is null",
-        "::varchar",
-        "::",
-        ":",
-        ",",
-        ";",
-        "--",
-        "/*",
-        "%",
-        "_",
-        "\\",
-        "\"",
-        "1",
-        "-1",
-        "1.5",
-        ".",
-        "null",
-        "true",
-        "@@",
-        "to_tsvector(bemerkung)",
-        "to_tsquery(",
-        "*",
-        "folder",
-        "status",
-        "attr9",
-        "cdate",
-        "trashed",
-        "bemerkung",
-        "nothing",
-        "[HEUTE+1]",
-        "'a'",
-        "'1'",
-        "O'Brien",
-        "ü",
-        QString(QChar(0xd800)),
-        QString(QChar(0)),
-        QString(QChar(0xfeff)),
-        "\n",
-        "?",
-        "?1",
-        "$a",
-        " 1 = 1 ",
-        "status = '2'",
-        "(folder = '3.1' OR folder like '3.1.%')",
-        "bemerkung ilike '%x%'",
-    };
+    static const QStringList list =
+        QString::fromUtf8(
+            "'|'|''| | AND | or | NOT |(|)|=|!=|<=|>|like |ilike | in | is null|::varchar|::|:|,|;|--|/*|%|_|"
+            "\\|\"|1|-1|1.5|.|null|true|@@|to_tsvector(bemerkung)|to_tsquery(|*|folder|status|attr9|cdate|"
+            "trashed|bemerkung|"
+            "nothing|[HEUTE+1]|'a'|'1'|O'Brien|ü|\uFEFF|\n|?|?1|$a| 1 = 1 |status = '2'|bemerkung ilike "
+            "'%x%'|"
+            "(folder = '3.1' OR folder like '3.1.%')")
+            .split('|');
     QString result;
     for (int i = below(14) + 1; i > 0; --i)
         result += oneOf(list) + oneOf<QString>({"", " "});
