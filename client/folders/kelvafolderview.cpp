@@ -16,6 +16,7 @@ KelvaFolderView::KelvaFolderView(QWidget *parent)
 {
     m_proxy->setSortLocaleAware(true);
     m_proxy->setDynamicSortFilter(true);
+    header()->setSortIndicator(0, Qt::AscendingOrder);
     setSortingEnabled(true);
     setAlternatingRowColors(true);
     setUniformRowHeights(true);
