@@ -265,8 +265,7 @@ Result<void> Content::remove(const QString &archiveId, const QString &comment)
         if (!row.flag(0))
             return Error{ErrorCode::Refused,
                          QStringLiteral("The document is not in the trash with all its entries.")};
-        if (retention.isInForce(row.number(1), QDate::fromString(row.text(2), Qt::ISODate),
-                                m_session.today()))
+        if (retention.isInForce(row.number(1), row.text(2), m_session.today()))
             return Error{ErrorCode::Refused,
                          QStringLiteral("The document cannot be deleted because of its retention period.")};
     }

@@ -119,28 +119,31 @@ Result<DocumentFilter> DocumentFilter::parse(const QStringList &filters)
     return filter;
 }
 
-Result<SqlCondition> conditionFor(Session &session, const DocumentFilter &filter,
-                                  const DocumentColumns &columns)
+Result<DocumentCondition> conditionFor(Session &session, const DocumentFilter &filter,
+                                       const DocumentColumns &columns)
 {
     const Access &access = session.access();
-    SqlCondition whole;
+    DocumentCondition condition;
+    SqlCondition &wanted = condition.wanted;
     // Written out, not bound: the planner must see it to use the index of the trash.
-    whole.sql = filter.trash ? QStringLiteral("c.trashed = 1") : QStringLiteral("c.trashed = 0");
+    wanted.sql = filter.trash ? QStringLiteral("c.trashed = 1") : QStringLiteral("c.trashed = 0");
     if (session.subArchive() > 0)
-        add(&whole, QStringLiteral("c.subarchive = ?"), {session.subArchive()});
+        add(&wanted, QStringLiteral("c.subarchive = ?"), {session.subArchive()});
     const ClauseFields fields = columns.clauseFields(filter.resubmissionDue ? session.today() : QDate());
     for (const QString &clause : filter.clauses) {
-        const Result<SqlCondition> condition = translateClause(clause, fields, session.today());
-        if (!condition)
-            return condition.error();
-        add(&whole, condition.value().sql, condition.value().values);
+        const Result<SqlCondition> part = translateClause(clause, fields, session.today());
+        if (!part)
+            return part.error();
+        add(&wanted, part.value().sql, part.value().values);
     }
     if (filter.mine)
-        add(&whole, QStringLiteral("c.creator = ?"), {session.login()});
-    addSelection(&whole, filter);
-    if (!(filter.ignoreRights && access.isAdmin()) && !access.seesEverything())
-        add(&whole, access.visibleCondition(QStringLiteral("c.folder")));
-    return whole;
+        add(&wanted, QStringLiteral("c.creator = ?"), {session.login()});
+    addSelection(&wanted, filter);
+    condition.inTrash = filter.trash;
+    condition.asksForEverything =
+        !filter.mine && filter.clauses.isEmpty() && !filter.hasSelection && filter.fullText.isEmpty();
+    condition.needsRights = !access.seesEverything() && !(filter.ignoreRights && access.isAdmin());
+    return condition;
 }
 
 QString fullTextExpression(const QString &text)

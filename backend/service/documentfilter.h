@@ -28,9 +28,18 @@ struct DocumentFilter
 };
 
 /// The condition on the table of records, alias "c", that holds exactly for what the filter asks for and the
-/// session may see.
-Result<SqlCondition> conditionFor(Session &session, const DocumentFilter &filter,
-                                  const DocumentColumns &columns);
+/// session may see. Both parts must hold; they are kept apart because either may be what a query is best
+/// driven by.
+struct DocumentCondition
+{
+    SqlCondition wanted;
+    bool asksForEverything = false; ///< wanted is no more than one side of the trash
+    bool inTrash = false;
+    bool needsRights = false; ///< the session does not see every folder
+};
+
+Result<DocumentCondition> conditionFor(Session &session, const DocumentFilter &filter,
+                                       const DocumentColumns &columns);
 
 /// What a user typed, as an expression for the full-text tables: all words, "*" at the end of one for any
 /// ending, and quoted phrases. Empty when there is nothing to look for.

@@ -7,87 +7,100 @@
 #include "service/session.h"
 
 #include <algorithm>
-#include <cmath>
+#include <functional>
+#include <limits>
+#include <optional>
 
 namespace kelva {
 namespace {
 
-/// Finds the newest records that a condition holds for. Records in the order of their ids from the newest on
-/// meet a common condition soon; a rare one is better served by its index, whose hits then have to be sorted.
-/// Which it is nobody knows beforehand, so both are tried a little, then further.
+/// Finds the newest records that a condition holds for. Going back from the newest record meets a common
+/// condition soon; a rare one is better served by its index, whose hits then have to be sorted; and a user
+/// who sees little by his folders. Which it is nobody knows beforehand, so all are tried in turn, a little at
+/// first, then with more steps each.
 class NewestFinder
 {
 public:
-    NewestFinder(Database &database, const SqlCondition &condition, bool everything)
-        : m_database(database),
+    NewestFinder(Session &session, const DocumentCondition &condition, qint64 limit)
+        : m_database(session.database()),
           m_condition(condition),
-          m_everything(everything)
+          m_limit(limit)
     {
+        if (!condition.needsRights)
+            return;
+        m_byFolder = QStringLiteral(" AND ") + session.access().visibleCondition(QStringLiteral("c.folder"));
+        // A plus sign in front of a column keeps the planner from driving the query by it.
+        m_onlyChecked =
+            QStringLiteral(" AND ") + session.access().visibleCondition(QStringLiteral("+c.folder"));
     }
 
-    QVector<qint64> find(qint64 limit)
+    QVector<qint64> find()
     {
-        constexpr qint64 probeFactor = 2;
-        constexpr qint64 walkFactor = 16;
-        if (m_everything)
-            return walk(0, limit);
-        // A full-text condition gathers its hits each time; once is enough.
-        if (m_condition.sql.contains(QLatin1String(" MATCH ")))
-            return sorted(limit);
-        if (complete(limit * probeFactor, limit))
-            return m_hits;
-        const qint64 newest =
-            m_database.value(QStringLiteral("SELECT max(id) FROM classification")).toLongLong();
-        const QVector<qint64> recent = walk(newest - limit * walkFactor, limit);
-        if (recent.size() == limit)
-            return recent;
-        const auto cap =
-            static_cast<qint64>(std::sqrt(static_cast<double>(limit) * static_cast<double>(newest)));
-        if (complete(std::max(cap, limit * probeFactor), limit))
-            return m_hits;
-        return walk(0, limit);
+        if (m_condition.asksForEverything && !m_condition.needsRights)
+            return walk(noBound).value_or(QVector<qint64>());
+        // A full-text table gathers all its hits before the first one can be had, so it should drive the
+        // query.
+        if (m_condition.wanted.sql.contains(QLatin1String(" MATCH "))) {
+            constexpr qint64 rowIdSteps = 2'000'000;
+            if (const auto hits = select(QStringLiteral("NOT INDEXED"), m_onlyChecked, rowIdSteps))
+                return newestOf(hits);
+            return newestOf(select(QString(), m_onlyChecked, noBound));
+        }
+        // A thousand records found by index cost next to nothing, ten thousand passed on the way back a
+        // little more.
+        constexpr qint64 growth = 6;
+        qint64 indexSteps = 10'000;
+        qint64 walkSteps = 150'000;
+        for (;; indexSteps *= growth, walkSteps *= 2) {
+            if (!m_condition.asksForEverything)
+                if (const auto hits = select(QString(), m_onlyChecked, indexSteps))
+                    return newestOf(hits);
+            if (m_condition.needsRights)
+                if (const auto hits = select(QString(), m_byFolder, indexSteps))
+                    return newestOf(hits);
+            if (const auto hits = walk(walkSteps))
+                return *hits;
+        }
     }
 
 private:
-    QVector<qint64> walk(qint64 above, qint64 limit)
+    static constexpr qint64 noBound = std::numeric_limits<qint64>::max();
+
+    std::optional<QVector<qint64>> walk(qint64 steps)
     {
-        return m_database.numbers(
-            QStringLiteral("SELECT c.id FROM classification c NOT INDEXED WHERE c.id > %1 AND %2"
-                           " ORDER BY c.id DESC LIMIT %3")
-                .arg(above)
-                .arg(m_condition.sql)
-                .arg(limit),
-            m_condition.values);
+        const QString way = m_condition.inTrash ? QStringLiteral("INDEXED BY classification_trash")
+                                                : QStringLiteral("NOT INDEXED");
+        return m_database.numbersWithin(
+            steps,
+            QStringLiteral("SELECT c.id FROM classification c %1 WHERE %2%3 ORDER BY c.id DESC LIMIT %4")
+                .arg(way, m_condition.wanted.sql, m_onlyChecked)
+                .arg(m_limit),
+            m_condition.wanted.values);
     }
 
-    QVector<qint64> sorted(qint64 limit)
+    std::optional<QVector<qint64>> select(const QString &way, const QString &rights, qint64 steps)
     {
-        return m_database.numbers(QStringLiteral("SELECT c.id FROM classification c WHERE %1"
-                                                 " ORDER BY c.id DESC LIMIT %2")
-                                      .arg(m_condition.sql)
-                                      .arg(limit),
-                                  m_condition.values);
+        return m_database.numbersWithin(steps,
+                                        QStringLiteral("SELECT c.id FROM classification c %1 WHERE %2%3")
+                                            .arg(way, m_condition.wanted.sql, rights),
+                                        m_condition.wanted.values);
     }
 
-    /// All hits, if there are fewer than cap.
-    bool complete(qint64 cap, qint64 limit)
+    QVector<qint64> newestOf(std::optional<QVector<qint64>> hits) const
     {
-        m_hits = m_database.numbers(QStringLiteral("SELECT c.id FROM classification c WHERE %1 LIMIT %2")
-                                        .arg(m_condition.sql)
-                                        .arg(cap),
-                                    m_condition.values);
-        if (m_hits.size() >= cap)
-            return false;
-        std::sort(m_hits.begin(), m_hits.end(), std::greater<>());
-        if (m_hits.size() > limit)
-            m_hits.resize(static_cast<int>(limit));
-        return true;
+        if (!hits)
+            return {};
+        std::sort(hits->begin(), hits->end(), std::greater<>());
+        if (hits->size() > m_limit)
+            hits->resize(static_cast<int>(m_limit));
+        return *hits;
     }
 
     Database &m_database;
-    const SqlCondition &m_condition;
-    bool m_everything;
-    QVector<qint64> m_hits;
+    const DocumentCondition &m_condition;
+    QString m_byFolder;
+    QString m_onlyChecked;
+    qint64 m_limit;
 };
 
 struct RowSource
@@ -118,8 +131,7 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
             text += QLatin1Char('W');
         if (row.flag(1))
             text += QLatin1Char('N');
-        if (source.withRetention &&
-            retention.isInForce(row.number(3), QDate::fromString(row.text(4), Qt::ISODate), session.today()))
+        if (source.withRetention && retention.isInForce(row.number(3), row.text(4), session.today()))
             text += QLatin1Char('F');
         rows << text;
     }
@@ -136,19 +148,21 @@ Result<QStringList> listDocuments(Session &session, const QStringList &filters)
     Database &database = session.database();
     Transaction reading(database, Transaction::Kind::Read);
     const DocumentColumns columns = DocumentColumns::load(database);
-    const Result<SqlCondition> condition = conditionFor(session, filter.value(), columns);
+    const Result<DocumentCondition> condition = conditionFor(session, filter.value(), columns);
     if (!condition)
         return condition.error();
 
     RowSource source;
-    source.condition = condition.value();
     source.withRetention = filter.value().trash || filter.value().ignoreRights;
-    source.checkVisible = filter.value().ignoreRights && !session.access().seesEverything();
+    source.checkVisible = !condition.value().needsRights && !session.access().seesEverything();
     if (filter.value().limit >= 0) {
-        const bool everything = condition.value().sql == QLatin1String("c.trashed = 0");
-        const QVector<qint64> ids =
-            NewestFinder(database, condition.value(), everything).find(filter.value().limit);
+        const QVector<qint64> ids = NewestFinder(session, condition.value(), filter.value().limit).find();
         source.condition = {QStringLiteral("c.id IN (SELECT value FROM json_each(?))"), {jsonList(ids)}};
+    } else {
+        source.condition = condition.value().wanted;
+        if (condition.value().needsRights)
+            source.condition.sql +=
+                QStringLiteral(" AND ") + session.access().visibleCondition(QStringLiteral("c.folder"));
     }
     QStringList rows{columns.titles().join(recordformat::fieldSeparator) + recordformat::fieldSeparator +
                      QStringLiteral("Rights")};

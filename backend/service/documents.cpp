@@ -22,7 +22,7 @@ struct DocumentRecord
     qint64 revision = 0;
     qint64 type = 0;
     QString folder;
-    QDate date;
+    QString date;
     int status = 0;
     bool trashed = false;
     bool closed = false;
@@ -75,7 +75,7 @@ Result<DocumentRecord> findRecord(Session &session, const QString &classificatio
     record.revision = row.number(2);
     record.type = row.number(3);
     record.folder = row.text(4);
-    record.date = QDate::fromString(row.text(5), Qt::ISODate);
+    record.date = row.text(5);
     record.status = static_cast<int>(row.number(6));
     record.trashed = row.flag(7);
     record.closed = row.flag(8);
@@ -222,13 +222,20 @@ Result<void> collectFixed(Session &session, const DocumentRecord &record, const 
     return {};
 }
 
+QVector<qint64> attributeIds(const DocumentColumns &columns)
+{
+    QVector<qint64> ids;
+    for (const AttributeColumn &attribute : columns.attributes())
+        ids.append(attribute.id);
+    return ids;
+}
+
 Result<void> collectAttributes(Session &session, const QStringList &fields, Changes *changes)
 {
     const QVector<AttributeColumn> all = DocumentColumns::allAttributes(session.database());
     QVector<qint64> layout = session.recordLayout();
     if (!session.hasRecordLayout())
-        for (const AttributeColumn &attribute : DocumentColumns::load(session.database()).attributes())
-            layout.append(attribute.id);
+        layout = attributeIds(DocumentColumns::load(session.database()));
     for (int i = 0; i < layout.size() && FirstAttribute + i < fields.size(); ++i)
         for (const AttributeColumn &attribute : all) {
             if (attribute.id != layout.at(i))
@@ -264,10 +271,7 @@ Result<QStringList> Documents::get(const QString &classificationId)
     if (record.value().trashed &&
         Retention::load(database).isInForce(record.value().type, record.value().date, m_session.today()))
         letters += QLatin1Char('F');
-    QVector<qint64> layout;
-    for (const AttributeColumn &attribute : columns.attributes())
-        layout.append(attribute.id);
-    m_session.setRecordLayout(layout);
+    m_session.setRecordLayout(attributeIds(columns));
     return splitFields(row.text(0)) << letters;
 }
 

@@ -16,12 +16,13 @@ Retention Retention::load(Database &database)
     return retention;
 }
 
-bool Retention::isInForce(qint64 type, const QDate &documentDate, const QDate &today) const
+bool Retention::isInForce(qint64 type, const QString &documentDate, const QDate &today) const
 {
     const auto span = m_byType.constFind(type);
-    if (span == m_byType.cend() || !documentDate.isValid())
+    if (span == m_byType.cend())
         return false;
-    return documentDate.addYears(span->years).addMonths(span->months).addDays(span->days) > today;
+    const QDate date = QDate::fromString(documentDate, Qt::ISODate);
+    return date.isValid() && date.addYears(span->years).addMonths(span->months).addDays(span->days) > today;
 }
 
 } // namespace kelva

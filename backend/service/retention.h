@@ -13,8 +13,8 @@ class Retention
 public:
     static Retention load(Database &database);
 
-    /// The record may not be deleted yet.
-    bool isInForce(qint64 type, const QDate &documentDate, const QDate &today) const;
+    /// The record may not be deleted yet. documentDate is "yyyy-MM-dd" or empty.
+    bool isInForce(qint64 type, const QString &documentDate, const QDate &today) const;
 
 private:
     struct Span

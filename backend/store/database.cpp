@@ -14,6 +14,7 @@
 #include <QtEndian>
 
 #include <cstring>
+#include <limits>
 
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -144,7 +145,7 @@ Statement::Statement(Database &database, const QString &sql)
 
 bool Statement::run(const QVariantList &values)
 {
-    if (!m_prepared)
+    if (!m_prepared || !m_database.mayRun())
         return false;
     for (int i = 0; i < values.size(); ++i)
         m_query.bindValue(i, values.at(i));
@@ -187,7 +188,8 @@ sqlite3 *Database::handle() const
     return *static_cast<sqlite3 *const *>(handle.constData());
 }
 
-Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode, int busyTimeoutMs)
+Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode, int busyTimeoutMs,
+                                                 int version)
 {
     if (mode == Mode::Create) {
         if (const Result<void> made = createEmptyFile(path); !made)
@@ -199,12 +201,12 @@ Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode,
     const QString name = QStringLiteral("kelva-%1").arg(counter.fetchAndAddRelaxed(1));
     QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     std::unique_ptr<Database> database(new Database(path, name));
-    if (const Result<void> connected = database->connect(mode, busyTimeoutMs); !connected)
+    if (const Result<void> connected = database->connect(mode, busyTimeoutMs, version); !connected)
         return connected.error();
     return {std::move(database)};
 }
 
-Result<void> Database::connect(Mode mode, int busyTimeoutMs)
+Result<void> Database::connect(Mode mode, int busyTimeoutMs, int version)
 {
     m_readOnly = mode == Mode::ReadOnly;
     {
@@ -238,10 +240,10 @@ Result<void> Database::connect(Mode mode, int busyTimeoutMs)
             return m_error ? *m_error : sqliteError(SQLITE_READONLY, QString());
         run(QStringLiteral("PRAGMA synchronous = FULL"));
     }
-    return bringUpToDate(mode);
+    return bringUpToDate(mode, mode == Mode::Create && version > 0 ? version : schema::currentVersion());
 }
 
-Result<void> Database::bringUpToDate(Mode mode)
+Result<void> Database::bringUpToDate(Mode mode, int target)
 {
     const int version = value(QStringLiteral("PRAGMA user_version")).toInt();
     if (m_error)
@@ -249,24 +251,33 @@ Result<void> Database::bringUpToDate(Mode mode)
     if (version > schema::currentVersion())
         return Error{ErrorCode::WrongVersion,
                      QStringLiteral("The archive %1 was written by a newer version of Kelva.").arg(m_path)};
-    if (version == schema::currentVersion())
+    if (version == target)
         return {};
+    if (version == 0 && mode != Mode::Create)
+        return Error{ErrorCode::NotAnArchive,
+                     QStringLiteral("The archive %1 was never completed.").arg(m_path)};
     if (m_readOnly)
         return Error{
             ErrorCode::WrongVersion,
             QStringLiteral("The archive %1 was written by an older version of Kelva and must be opened once "
                            "where it can be written.")
                 .arg(m_path)};
-    if (version == 0 && mode != Mode::Create)
-        return Error{ErrorCode::NotAnArchive,
-                     QStringLiteral("The archive %1 was never completed.").arg(m_path)};
-    return schema::upgrade(*this, version, schema::currentVersion());
+    return schema::upgrade(*this, version, target);
+}
+
+/// The database may have taken the transaction back by itself, when the disk was full for one; what came
+/// after would then be written on its own.
+bool Database::mayRun()
+{
+    if (m_depth == 0)
+        m_error.reset();
+    return !m_error;
 }
 
 bool Database::run(const QString &sql, const QVariantList &values)
 {
-    if (m_depth == 0)
-        m_error.reset();
+    if (!mayRun())
+        return false;
     QSqlQuery statement(connection());
     statement.setForwardOnly(true);
     bool done = statement.prepare(sql);
@@ -286,8 +297,8 @@ bool Database::run(const QString &sql, const QVariantList &values)
 
 Query Database::query(const QString &sql, const QVariantList &values)
 {
-    if (m_depth == 0)
-        m_error.reset();
+    if (!mayRun())
+        return Query(QSqlQuery(connection()), *this);
     QSqlQuery statement(connection());
     statement.setForwardOnly(true);
     bool done = statement.prepare(sql);
@@ -317,24 +328,38 @@ QStringList Database::texts(const QString &sql, const QVariantList &values)
 
 QVector<qint64> Database::numbers(const QString &sql, const QVariantList &values)
 {
-    if (m_depth == 0)
-        m_error.reset();
+    return numbersWithin(std::numeric_limits<qint64>::max(), sql, values).value_or(QVector<qint64>());
+}
+
+std::optional<QVector<qint64>> Database::numbersWithin(qint64 steps, const QString &sql,
+                                                       const QVariantList &values)
+{
+    if (!mayRun())
+        return QVector<qint64>();
     sqlite3_stmt *prepared = nullptr;
     const QByteArray text = sql.toUtf8();
     sqlite3_prepare_v2(handle(), text.constData(), text.size(), &prepared, nullptr);
     const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(prepared, &sqlite3_finalize);
-    QVector<qint64> list;
-    if (statement) {
-        for (int i = 0; i < values.size(); ++i)
-            bindValue(statement.get(), i + 1, values.at(i));
-        int code = sqlite3_step(statement.get());
-        for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
-            list.append(sqlite3_column_int64(statement.get(), 0));
-        if (code == SQLITE_DONE)
-            return list;
+    if (!statement) {
+        noteFailure();
+        return QVector<qint64>();
     }
+    for (int i = 0; i < values.size(); ++i)
+        bindValue(statement.get(), i + 1, values.at(i));
+    if (steps <= std::numeric_limits<int>::max())
+        sqlite3_progress_handler(
+            handle(), static_cast<int>(steps), [](void *) { return 1; }, nullptr);
+    QVector<qint64> list;
+    int code = sqlite3_step(statement.get());
+    for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
+        list.append(sqlite3_column_int64(statement.get(), 0));
+    sqlite3_progress_handler(handle(), 0, nullptr, nullptr);
+    if (code == SQLITE_DONE)
+        return list;
+    if (code == SQLITE_INTERRUPT)
+        return std::nullopt;
     noteFailure();
-    return {};
+    return QVector<qint64>();
 }
 
 void Database::noteFailure()
@@ -420,7 +445,8 @@ Transaction::~Transaction()
     if (m_done)
         return;
     if (--m_database.m_depth > 0) {
-        m_database.fail({ErrorCode::BadInput, QStringLiteral("The operation was broken off.")});
+        if (m_kind == Kind::Write)
+            m_database.fail({ErrorCode::BadInput, QStringLiteral("The operation was broken off.")});
         return;
     }
     if (!m_open)

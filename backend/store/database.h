@@ -64,7 +64,9 @@ public:
     };
 
     /// busyTimeoutMs: how long a statement waits for another program's transaction.
-    static Result<std::unique_ptr<Database>> open(const QString &path, Mode mode, int busyTimeoutMs = 5000);
+    /// version: what Create makes, for trying upgrades; 0 for the current one.
+    static Result<std::unique_ptr<Database>> open(const QString &path, Mode mode, int busyTimeoutMs = 5000,
+                                                  int version = 0);
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
@@ -80,6 +82,10 @@ public:
     QStringList texts(const QString &sql, const QVariantList &values = {});
     /// First column of every row; for many numbers, without the cost of a row object each.
     QVector<qint64> numbers(const QString &sql, const QVariantList &values = {});
+    /// The same, but gives up without an error, and without a value, after so many steps of the database's
+    /// machine. A record looked at takes ten or so.
+    std::optional<QVector<qint64>> numbersWithin(qint64 steps, const QString &sql,
+                                                 const QVariantList &values);
     qint64 lastInsertId() const { return m_lastInsertId; }
     /// Rows that the last run() inserted, changed or deleted.
     int affected() const { return m_affected; }
@@ -111,8 +117,9 @@ private:
     friend class Statement;
     friend class Transaction;
     Database(QString path, QString connection);
-    Result<void> connect(Mode mode, int busyTimeoutMs);
-    Result<void> bringUpToDate(Mode mode);
+    Result<void> connect(Mode mode, int busyTimeoutMs, int version);
+    Result<void> bringUpToDate(Mode mode, int target);
+    bool mayRun();
     void noteFailure(const QSqlQuery &query);
     void noteFailure();
     QSqlDatabase connection() const;

@@ -139,7 +139,8 @@ void createRecords(Database &database)
             QStringLiteral("CREATE INDEX classification_document ON classification(document)"),
             // The row id ends every index, so that equal keys come in the order of a list; the folder stands
             // behind it for the check of rights.
-            QStringLiteral("CREATE INDEX classification_folder ON classification(folder, trashed, id)"),
+            QStringLiteral("CREATE INDEX classification_folder ON classification(folder, trashed, id, "
+                           "status, docart, cdate)"),
             QStringLiteral(
                 "CREATE INDEX classification_status ON classification(status, trashed, id, folder)"),
             QStringLiteral(
@@ -268,7 +269,9 @@ void schema::addAttributeColumn(Database &database, qint64 attributeId, const QS
     const QString column = attributeColumn(attributeId);
     database.run(QStringLiteral("ALTER TABLE classification ADD COLUMN %1 %2").arg(column, sqlType));
     if (indexed)
-        database.run(QStringLiteral("CREATE INDEX classification_%1 ON classification(%1)").arg(column));
+        database.run(
+            QStringLiteral("CREATE INDEX classification_%1 ON classification(%1, trashed, id, folder)")
+                .arg(column));
     if (freeText) {
         createFullText(database, wordTable(column), QStringLiteral("classification"), QStringLiteral("id"),
                        column, wordTokens);

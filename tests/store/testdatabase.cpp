@@ -1,0 +1,301 @@
+#include "support/kelvatest.h"
+
+#include "store/database.h"
+#include "store/password.h"
+#include "store/schema.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <sqlite3.h>
+
+using namespace kelva;
+
+Q_DECLARE_METATYPE(kelva::ErrorCode)
+
+namespace {
+
+constexpr int shortWaitMs = 50;
+
+ErrorCode codeOf(const Result<std::unique_ptr<Database>> &result)
+{
+    return result ? ErrorCode::NotAvailable : result.error().code;
+}
+
+void write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+/// A database file that this library had no hand in.
+void makeForeign(const QString &path, const QByteArray &sql)
+{
+    sqlite3 *database = nullptr;
+    QCOMPARE(sqlite3_open(QFile::encodeName(path).constData(), &database), SQLITE_OK);
+    QCOMPARE(sqlite3_exec(database, sql.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(database);
+}
+
+} // namespace
+
+class TestDatabase : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_directory = std::make_unique<QTemporaryDir>();
+        m_path = m_directory->filePath(QStringLiteral("new/7.kelva"));
+    }
+
+    void aNewArchiveIsForItsOwnerOnly()
+    {
+        QVERIFY(create());
+        const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther |
+                            QFile::ExeGroup | QFile::ExeOther;
+        QVERIFY(!(QFile::permissions(m_path) & others));
+        QVERIFY(!(QFile::permissions(m_directory->filePath(QStringLiteral("new"))) & others));
+        QCOMPARE(codeOf(Database::open(m_path, Database::Mode::Create)), ErrorCode::Storage);
+    }
+
+    void whatIsNoArchiveIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("sql");
+        QTest::addColumn<ErrorCode>("code");
+        QByteArray noise(5000, '\0');
+        for (int i = 0; i < noise.size(); ++i)
+            noise[i] = static_cast<char>(i * 31 + i / 7);
+        QTest::newRow("an empty file") << QByteArray("") << QByteArray() << ErrorCode::NotAnArchive;
+        QTest::newRow("noise") << noise << QByteArray() << ErrorCode::NotAnArchive;
+        QTest::newRow("the database of another program")
+            << QByteArray() << QByteArray("CREATE TABLE account(id)") << ErrorCode::NotAnArchive;
+        QTest::newRow("an archive of a newer version")
+            << QByteArray()
+            << QByteArray("PRAGMA application_id=1265399393; PRAGMA user_version=9999; CREATE TABLE t(a)")
+            << ErrorCode::WrongVersion;
+        QTest::newRow("an archive that was never completed")
+            << QByteArray() << QByteArray("PRAGMA application_id=1265399393; CREATE TABLE t(a)")
+            << ErrorCode::NotAnArchive;
+    }
+
+    void whatIsNoArchiveIsRefused()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QByteArray, sql);
+        QFETCH(ErrorCode, code);
+        const QString path = m_directory->filePath(QStringLiteral("other.kelva"));
+        if (sql.isEmpty())
+            write(path, bytes);
+        else
+            makeForeign(path, sql);
+        for (const auto mode : {Database::Mode::ReadWrite, Database::Mode::ReadOnly}) {
+            const auto opened = Database::open(path, mode);
+            QCOMPARE(codeOf(opened), code);
+            QVERIFY(!opened.error().text.isEmpty());
+        }
+    }
+
+    void aMissingFileIsNotMade()
+    {
+        QCOMPARE(codeOf(Database::open(m_path, Database::Mode::ReadWrite)), ErrorCode::NotFound);
+        QVERIFY(!QFile::exists(m_path));
+    }
+
+    void aDamagedArchiveIsReportedNotTrusted()
+    {
+        QVERIFY(create());
+        QFile file(m_path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        file.seek(4096);
+        file.write(QByteArray(static_cast<int>(file.size()) - 4096, '\x5a'));
+        file.close();
+        const auto opened = Database::open(m_path, Database::Mode::ReadWrite);
+        QVERIFY(!opened || !opened.value()->integrityFaults().isEmpty());
+    }
+
+    void aLockedArchiveSaysSo()
+    {
+        const auto first = create();
+        const auto second = Database::open(m_path, Database::Mode::ReadWrite, shortWaitMs);
+        QVERIFY(second.ok());
+        Transaction holding(*first, Transaction::Kind::Write);
+        Transaction waiting(*second.value(), Transaction::Kind::Write);
+        second.value()->run(QStringLiteral("INSERT INTO role VALUES('x')"));
+        const Result<void> done = waiting.commit();
+        QVERIFY(!done.ok());
+        QCOMPARE(done.error().code, ErrorCode::Busy);
+    }
+
+    void aReaderKeepsItsStateWhileAnotherWrites()
+    {
+        const auto writer = create();
+        const auto reader = Database::open(m_path, Database::Mode::ReadWrite);
+        const QString count = QStringLiteral("SELECT count(*) FROM role");
+        Transaction reading(*reader.value(), Transaction::Kind::Read);
+        QCOMPARE(reader.value()->value(count).toInt(), 0);
+        QVERIFY(writer->run(QStringLiteral("INSERT INTO role VALUES('x')")));
+        QCOMPARE(reader.value()->value(count).toInt(), 0);
+        QVERIFY(reading.commit().ok());
+        QCOMPARE(reader.value()->value(count).toInt(), 1);
+    }
+
+    void oneFailedStatementTakesTheTransactionBack()
+    {
+        const auto database = create();
+        {
+            Transaction writing(*database, Transaction::Kind::Write);
+            QVERIFY(database->run(QStringLiteral("INSERT INTO role VALUES('good')")));
+            QVERIFY(!database->run(QStringLiteral("INSERT INTO role VALUES('good')")));
+            QVERIFY(!database->run(QStringLiteral("INSERT INTO role VALUES('late')")));
+            const Result<void> done = writing.commit();
+            QVERIFY(!done.ok());
+            QCOMPARE(done.error().code, ErrorCode::BadInput);
+        }
+        QCOMPARE(database->texts(QStringLiteral("SELECT name FROM role")), QStringList());
+    }
+
+    void anInnerOperationThatFailsTakesTheOuterOneBack()
+    {
+        const auto database = create();
+        {
+            Transaction outer(*database, Transaction::Kind::Write);
+            database->run(QStringLiteral("INSERT INTO role VALUES('outer')"));
+            {
+                Transaction inner(*database, Transaction::Kind::Write);
+                database->run(QStringLiteral("INSERT INTO role VALUES('inner')"));
+            }
+            QVERIFY(!outer.commit().ok());
+        }
+        QCOMPARE(database->value(QStringLiteral("SELECT count(*) FROM role")).toInt(), 0);
+    }
+
+    void aReadOnlyArchiveLeavesNoTraceBesideIt()
+    {
+        create().reset();
+        const QDir directory(m_directory->filePath(QStringLiteral("new")));
+        QFile::setPermissions(m_path, QFile::ReadOwner);
+        QFile::setPermissions(directory.path(), QFile::ReadOwner | QFile::ExeOwner);
+        {
+            const auto opened = Database::open(m_path, Database::Mode::ReadOnly);
+            QVERIFY(opened.ok());
+            QCOMPARE(opened.value()->value(QStringLiteral("SELECT count(*) FROM counter")).toInt(), 1);
+            QVERIFY(!opened.value()->run(QStringLiteral("INSERT INTO role VALUES('x')")));
+            QCOMPARE(directory.entryList(QDir::Files), QStringList{QStringLiteral("7.kelva")});
+        }
+        QFile::setPermissions(directory.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    void aFullDiskSaysSoAndKeepsWhatWasThere()
+    {
+        const auto database = create();
+        const int pages = database->value(QStringLiteral("PRAGMA page_count")).toInt();
+        database->run(QStringLiteral("PRAGMA max_page_count = %1").arg(pages + 4));
+        {
+            Transaction writing(*database, Transaction::Kind::Write);
+            for (int i = 0; i < 100; ++i)
+                database->run(QStringLiteral(
+                                  "INSERT INTO setting(section, name, value) VALUES('s', ?, zeroblob(5000))"),
+                              {i});
+            const Result<void> done = writing.commit();
+            QVERIFY(!done.ok());
+            QCOMPARE(done.error().code, ErrorCode::Storage);
+            QVERIFY(done.error().text.contains(QStringLiteral("disk is full")));
+        }
+        QCOMPARE(database->value(QStringLiteral("SELECT count(*) FROM setting")).toInt(), 0);
+        QCOMPARE(database->integrityFaults(), QStringList());
+    }
+
+    void everyOldVersionIsUpgraded()
+    {
+        // The upgrade steps themselves make the old archive, stopped at its version.
+        for (int version = 1; version <= schema::currentVersion(); ++version) {
+            const QString path = m_directory->filePath(QStringLiteral("v%1.kelva").arg(version));
+            {
+                const auto old = Database::open(path, Database::Mode::Create, shortWaitMs, version);
+                QVERIFY(old.ok());
+                QCOMPARE(old.value()->value(QStringLiteral("PRAGMA user_version")).toInt(), version);
+                QVERIFY(old.value()->run(QStringLiteral("INSERT INTO role VALUES('kept')")));
+            }
+            const auto opened = Database::open(path, Database::Mode::ReadWrite);
+            QVERIFY(opened.ok());
+            QCOMPARE(opened.value()->value(QStringLiteral("PRAGMA user_version")).toInt(),
+                     schema::currentVersion());
+            QCOMPARE(opened.value()->texts(QStringLiteral("SELECT name FROM role")),
+                     QStringList{QStringLiteral("kept")});
+            QCOMPARE(opened.value()->integrityFaults(), QStringList());
+        }
+    }
+
+    void aBackupOfAnArchiveInUseIsComplete()
+    {
+        const auto database = create();
+        database->run(QStringLiteral("INSERT INTO role VALUES('kept')"));
+        const auto busy = Database::open(m_path, Database::Mode::ReadWrite);
+        Transaction writing(*busy.value(), Transaction::Kind::Write);
+        busy.value()->run(QStringLiteral("INSERT INTO role VALUES('not yet')"));
+        const QString target = m_directory->filePath(QStringLiteral("copy.kelva"));
+        QVERIFY(database->backupTo(target).ok());
+        QVERIFY(!database->backupTo(target).ok());
+        const auto copy = Database::open(target, Database::Mode::ReadOnly);
+        QVERIFY(copy.ok());
+        QCOMPARE(copy.value()->texts(QStringLiteral("SELECT name FROM role")),
+                 QStringList{QStringLiteral("kept")});
+    }
+
+    void fullTextFollowsTheTexts()
+    {
+        const auto database = create();
+        database->run(QStringLiteral("INSERT INTO subarchive(id, name) VALUES(1, 'a')"));
+        database->run(QStringLiteral("INSERT INTO document(id, subarchive, file_name, creator, created)"
+                                     " VALUES(1, 1, 'f', 'u', 't')"));
+        database->run(
+            QStringLiteral("INSERT INTO classification(document, subarchive, creator, changeid, ctimestamp,"
+                           " bemerkung) VALUES(1, 1, 'u', 'u', 't', 'Grüße vom Amt')"));
+        schema::addAttributeColumn(*database, 5, QStringLiteral("TEXT NOT NULL DEFAULT ''"), true, true);
+        const auto hits = [&](const char *table, const char *words) {
+            return database
+                ->value(QStringLiteral("SELECT count(*) FROM %1 WHERE %1 MATCH ?").arg(QLatin1String(table)),
+                        {QString::fromUtf8(words)})
+                .toInt();
+        };
+        QCOMPARE(hits("words_bemerkung", "GRÜSSE OR grüße"), 1);
+        QCOMPARE(hits("words_bemerkung", "gruße"), 0);
+        QCOMPARE(hits("trigrams_bemerkung", "\"vom A\""), 1);
+        database->run(QStringLiteral("UPDATE classification SET bemerkung = 'anders', attr5 = 'Kunde'"));
+        QCOMPARE(hits("words_bemerkung", "amt"), 0);
+        QCOMPARE(hits("words_attr5", "kunde"), 1);
+        database->run(QStringLiteral("UPDATE classification SET bemerkung = '', attr5 = ''"));
+        QCOMPARE(hits("words_bemerkung", "anders"), 0);
+        QCOMPARE(database->integrityFaults(), QStringList());
+        database->run(QStringLiteral("INSERT INTO words_bemerkung(rowid, bemerkung) VALUES(1, 'ghost')"));
+        QVERIFY(!database->integrityFaults().isEmpty());
+    }
+
+    void passwordsAreSaltedAndCompared()
+    {
+        const QString hash = hashPassword(QStringLiteral("pässword"));
+        QVERIFY(hash.startsWith(QStringLiteral("$argon2id$")));
+        QVERIFY(hash != hashPassword(QStringLiteral("pässword")));
+        QVERIFY(isPassword(QStringLiteral("pässword"), hash));
+        QVERIFY(!isPassword(QStringLiteral("password"), hash));
+        QVERIFY(!isPassword(QString(), QString()));
+    }
+
+private:
+    std::unique_ptr<Database> create()
+    {
+        auto created = Database::open(m_path, Database::Mode::Create);
+        return created ? std::move(created.value()) : nullptr;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+    QString m_path;
+};
+
+KELVA_TEST(TestDatabase)
+#include "testdatabase.moc"
