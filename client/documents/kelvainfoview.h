@@ -68,7 +68,8 @@ public:
     void setAutoResize(bool automatic);
     void doResizeColumnsToContents();
     void resetHeaders();
-    void restoreHeader();
+    /// False when this profile has no stored header yet.
+    bool restoreHeader();
 
 public slots:
     /// The column menu of the header.

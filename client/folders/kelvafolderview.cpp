@@ -3,12 +3,19 @@
 #include "documents/mysortfilterproxymodel.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
+#include "server/folderoid.h"
 
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QScopedValueRollback>
 #include <QSettings>
 #include <QSignalBlocker>
+
+namespace {
+
+constexpr int firstNameWidth = 220;
+
+} // namespace
 
 KelvaFolderView::KelvaFolderView(QWidget *parent)
     : QTreeView(parent),
@@ -138,7 +145,8 @@ void KelvaFolderView::update()
         {
             const QSignalBlocker headerBlocker(header());
             const QSignalBlocker viewBlocker(this);
-            m_expandedOids = settings.value("TreeExpandedItems").toStringList();
+            // The first start shows the main folders.
+            m_expandedOids = settings.value("TreeExpandedItems", QStringList(folderoid::all)).toStringList();
             collapseAll();
             for (const QString &oid : qAsConst(m_expandedOids))
                 if (const KelvaDocItem *node = m_tree->findItem(oid))
@@ -146,6 +154,8 @@ void KelvaFolderView::update()
         }
         if (settings.contains("TreeSortOrder"))
             header()->restoreState(settings.value("TreeSortOrder").toByteArray());
+        else
+            header()->resizeSection(0, firstNameWidth);
     }
     viewport()->update();
 }
