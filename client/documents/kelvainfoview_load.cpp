@@ -136,6 +136,7 @@ void KelvaInfoView::loadDocuments(QStringList docs, const QStringList &infos, bo
         for (int column = 0; column < titles.size(); ++column)
             if (columnWidth(column) > widestFirstColumn)
                 setColumnWidth(column, widestFirstColumn);
+        saveHeaderState(); // measured once, not at every load
     }
     // The blocked header told the view nothing of its sections.
     updateGeometries();
