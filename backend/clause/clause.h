@@ -11,7 +11,7 @@ namespace kelva {
 
 enum class FieldType {
     Integer,
-    Number,    ///< a numeric attribute; NULL when empty
+    Number, ///< a numeric attribute; NULL when empty
     Text,
     Date,      ///< stored as "yyyy-MM-dd"; NULL when empty
     Timestamp, ///< stored as "yyyy-MM-ddTHH:mm:ss"
@@ -27,24 +27,25 @@ struct ClauseField
     QString trigramTable; ///< FTS5 table of the field's trigrams (trigram), or empty
 };
 
-/// The fields that are known, by key in any case, and the column that the row ids of their full-text tables refer to.
+/// The fields that are known, by key in any case, and the column that the row ids of their full-text tables
+/// refer to.
 struct ClauseFields
 {
     QHash<QString, ClauseField> byKey;
     QString rowIdColumn; ///< such as "c.id"
 };
 
-/// A condition to stand in a WHERE, in parentheses already, with one "?" for each of values. It is true for the
-/// records that fulfil the clause, and false or NULL for all others, so it must not be negated. It calls the
-/// functions of store/sqlfunctions.h.
+/// A condition to stand in a WHERE, in parentheses already, with one "?" for each of values. It is true for
+/// the records that fulfil the clause, and false or NULL for all others, so it must not be negated. It calls
+/// the functions of store/sqlfunctions.h.
 struct SqlCondition
 {
     QString sql;
     QVariantList values;
 };
 
-/// One where clause as SQL. Date macros are taken relative to today. A clause outside the dialect, or one that
-/// names an unknown field or compares what cannot be compared, is a BadInput whose text says where.
+/// One where clause as SQL. Date macros are taken relative to today. A clause outside the dialect, or one
+/// that names an unknown field or compares what cannot be compared, is a BadInput whose text says where.
 Result<SqlCondition> translateClause(const QString &clause, const ClauseFields &fields, const QDate &today);
 
 } // namespace kelva

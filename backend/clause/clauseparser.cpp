@@ -62,10 +62,12 @@ bool ClauseParser::checkCharacters()
         return refuse(clauselimits::characters,
                       QStringLiteral("it is longer than %1 characters").arg(clauselimits::characters));
     for (int i = 0; i < m_clause.size(); ++i) {
-        const QChar character = m_clause.at(i);
-        const bool pair =
-            character.isHighSurrogate() && i + 1 < m_clause.size() && m_clause.at(i + 1).isLowSurrogate();
-        if (character.isNull() || (character.isSurrogate() && !pair))
+        const ushort character = m_clause.at(i).unicode();
+        const bool pair = QChar::isHighSurrogate(character) && i + 1 < m_clause.size() &&
+                          m_clause.at(i + 1).isLowSurrogate();
+        // U+FEFF separates the fields of a record, so no field holds it; the others are no characters.
+        if (character == 0 || character == 0xfeff || character >= 0xfffe ||
+            (QChar::isSurrogate(character) && !pair))
             return refuse(i, QStringLiteral("there is a character that no text can hold"));
         if (pair)
             ++i;

@@ -8,6 +8,7 @@ namespace {
 
 const QLatin1Char quote('\'');
 constexpr int longestMetText = 20;
+constexpr int farthestQuotes = 4; ///< how many runs of quotes a look ahead goes beyond one
 
 } // namespace
 
@@ -149,8 +150,8 @@ bool ClauseScanner::takeQuoted(Place place, int depth, QString *text)
     }
 }
 
-// What the following functions look at ends at the third run of quotes from where they begin at the latest, so that
-// the look ahead of all quotes of a clause together takes time in proportion to its length.
+// What the following functions look at ends a few runs of quotes further on at the latest, so that the look
+// ahead of all quotes of a clause together takes time in proportion to its length.
 
 bool ClauseScanner::valueEndsBefore(int index, Place place, int depth) const
 {
@@ -223,51 +224,56 @@ bool ClauseScanner::restOfClauseFollows(int index, int depth) const
 /// does. A condition that is wrong in itself must count as one, or its fault would vanish in a value.
 bool ClauseScanner::conditionFollows(int index) const
 {
-    int wordFrom = index;
-    int wordEnd = index;
-    const auto lastWordIs = [&](const char *keyword) {
-        return wordIs(wordFrom, wordEnd, QLatin1String(keyword));
+    QStringView word;
+    QStringView wordBefore;
+    const auto isOneOf = [](QStringView met, std::initializer_list<const char *> keywords) {
+        return std::any_of(keywords.begin(), keywords.end(), [=](const char *keyword) {
+            return met.compare(QLatin1String(keyword), Qt::CaseInsensitive) == 0;
+        });
     };
     for (;;) {
         index = blanksEnd(index);
-        const QChar character = at(index);
-        if (index == m_clause.size() || character == QLatin1Char('=') || character == QLatin1Char('<') ||
-            character == QLatin1Char('>'))
-            return true;
-        if (character == QLatin1Char('!'))
-            return at(index + 1) == QLatin1Char('=');
-        if (character == QLatin1Char(':'))
-            return at(index + 1) == QLatin1Char(':');
-        if (character == QLatin1Char(')'))
-            return lastWordIs("null");
-        if (character == quote)
-            return lastWordIs("like") || lastWordIs("ilike") ||
-                   ((wordFrom == wordEnd || lastWordIs("not")) && quotedOperandFollows(index));
         const int end = std::max(nameEnd(index), numberEnd(index));
         if (end > index) {
-            wordFrom = index;
-            wordEnd = end;
+            wordBefore = word;
+            word = QStringView(m_clause).mid(index, end - index);
             index = end;
-        } else if (character == QLatin1Char('(')) {
-            if (lastWordIs("in") || lastWordIs("to_tsvector"))
+            if (isOneOf(wordBefore, {"like", "ilike"}) ||
+                (isOneOf(word, {"null"}) && isOneOf(wordBefore, {"is", "not"})))
                 return true;
-            if (wordFrom != wordEnd && !lastWordIs("not"))
+            continue;
+        }
+        const bool begins = word.isEmpty() || isOneOf(word, {"not", "and", "or"});
+        if (at(index) == QLatin1Char('(')) {
+            if (isOneOf(word, {"in", "to_tsvector"}))
+                return true;
+            if (!begins)
                 return false;
             ++index;
-        } else {
-            return false;
+            continue;
         }
+        if (at(index) == quote)
+            return isOneOf(word, {"like", "ilike"}) || (begins && quotedOperandFollows(index));
+        if (at(index) == QLatin1Char(':'))
+            return at(index + 1) == QLatin1Char(':');
+        return index == m_clause.size() || operatorFollows(index);
     }
 }
 
+/// Only doubled quotes are taken to be inside such an operand, as nothing that a user types stands there.
 bool ClauseScanner::quotedOperandFollows(int index) const
 {
-    int behind = m_clause.indexOf(quote, index + 1);
-    if (behind < 0)
-        return false;
-    while (at(behind) == quote)
-        ++behind;
-    return blanksEnd(behind) < m_clause.size() && valueEndsBefore(behind, Place::LeftOperand, 0);
+    for (int run = 0; run < farthestQuotes; ++run) {
+        const int first = m_clause.indexOf(quote, index + 1);
+        if (first < 0)
+            return false;
+        for (index = first; at(index + 1) == quote;)
+            ++index;
+        if ((index - first) % 2 == 0)
+            return blanksEnd(index + 1) < m_clause.size() &&
+                   valueEndsBefore(index + 1, Place::LeftOperand, 0);
+    }
+    return false;
 }
 
 } // namespace kelva

@@ -2,11 +2,9 @@
 
 #include "clause/clausemacros.h"
 #include "clause/clauseparser.h"
+#include "clause/clausesql.h"
 #include "clause/clausevalues.h"
 #include "store/textmatch.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
 
 #include <algorithm>
 
@@ -14,9 +12,7 @@ namespace kelva {
 
 namespace {
 
-constexpr int mostValues = 30000;   ///< the database takes 32766 in one statement
-constexpr int shortList = 8;        ///< longer lists are bound as one value
-constexpr size_t longestChain = 50; ///< the database refuses expressions deeper than 1000
+constexpr int mostValues = 30000; ///< the database takes 32766 in one statement
 
 Comparator negation(Comparator comparator)
 {
@@ -87,7 +83,7 @@ ClauseWriter::ClauseWriter(const ClauseFields &fields, const QDate &today)
 
 Result<SqlCondition> ClauseWriter::write(const ClauseNode &root)
 {
-    const std::optional<Part> part = writeNode(root, false);
+    const std::optional<SqlPart> part = writeNode(root, false);
     if (!part)
         return m_error;
     if (part->condition.values.size() > mostValues)
@@ -95,17 +91,7 @@ Result<SqlCondition> ClauseWriter::write(const ClauseNode &root)
     return SqlCondition{QLatin1Char('(') + part->condition.sql + QLatin1Char(')'), part->condition.values};
 }
 
-ClauseWriter::Part ClauseWriter::constant(bool value)
-{
-    return {{value ? QStringLiteral("1") : QStringLiteral("0"), {}}, value, 0};
-}
-
-ClauseWriter::Part ClauseWriter::sql(const QString &text, const QVariantList &values)
-{
-    return {{text, values}, std::nullopt, 0};
-}
-
-std::optional<ClauseWriter::Part> ClauseWriter::writeNode(const ClauseNode &node, bool negated)
+std::optional<SqlPart> ClauseWriter::writeNode(const ClauseNode &node, bool negated)
 {
     const bool inverted = negated != node.negated;
     switch (node.kind) {
@@ -128,56 +114,40 @@ std::optional<ClauseWriter::Part> ClauseWriter::writeNode(const ClauseNode &node
     return std::nullopt;
 }
 
-std::optional<ClauseWriter::Part> ClauseWriter::writeJoin(const ClauseNode &node, bool negated)
+std::optional<SqlPart> ClauseWriter::writeJoin(const ClauseNode &node, bool negated)
 {
     const bool conjunction = (node.kind == ClauseNode::Kind::And) != negated;
-    std::vector<Part> parts;
-    bool decided = false;
-    for (const ClauseNode &child : node.children) {
-        std::optional<Part> part = writeNode(child, negated);
-        if (!part)
-            return std::nullopt;
-        if (!part->constant)
-            parts.push_back(std::move(*part));
-        else if (*part->constant != conjunction)
-            decided = true;
-    }
-    if (decided || parts.empty())
-        return constant(decided != conjunction);
-    return join(std::move(parts), conjunction);
+    std::vector<SqlPart> parts;
+    if (!collect(node, negated, conjunction, &parts))
+        return std::nullopt;
+    const auto decides = [=](const SqlPart &part) { return part.constant == !conjunction; };
+    if (std::any_of(parts.begin(), parts.end(), decides))
+        return constantPart(!conjunction);
+    parts.erase(std::remove_if(parts.begin(), parts.end(), [](const SqlPart &part) { return part.constant; }),
+                parts.end());
+    return parts.empty() ? constantPart(conjunction) : joinParts(std::move(parts), conjunction);
 }
 
-/// Joins by AND or OR. What nests deepest comes first, where an opening parenthesis costs the database's
-/// parser least; its stack holds a hundred entries.
-ClauseWriter::Part ClauseWriter::join(std::vector<Part> parts, bool conjunction)
+/// What a node has to add to a chain of AND, or of OR: a chain of the same kind adds all that is in it.
+bool ClauseWriter::collect(const ClauseNode &node, bool negated, bool conjunction,
+                           std::vector<SqlPart> *parts)
 {
-    if (parts.size() == 1)
-        return std::move(parts.front());
-    std::stable_sort(parts.begin(), parts.end(),
-                     [](const Part &a, const Part &b) { return a.stack > b.stack; });
-    if (parts.size() > longestChain) {
-        std::vector<Part> groups;
-        for (size_t from = 0; from < parts.size(); from += longestChain) {
-            const auto end = parts.begin() + std::min(from + longestChain, parts.size());
-            groups.push_back(join(
-                {std::make_move_iterator(parts.begin() + from), std::make_move_iterator(end)}, conjunction));
-        }
-        return join(std::move(groups), conjunction);
+    const bool isJoin = node.kind == ClauseNode::Kind::And || node.kind == ClauseNode::Kind::Or;
+    if (node.kind == ClauseNode::Kind::Not)
+        return collect(node.children.front(), !negated, conjunction, parts);
+    if (isJoin && ((node.kind == ClauseNode::Kind::And) != negated) == conjunction) {
+        return std::all_of(node.children.begin(), node.children.end(), [&](const ClauseNode &child) {
+            return collect(child, negated, conjunction, parts);
+        });
     }
-    Part whole;
-    for (const Part &part : parts) {
-        if (!whole.condition.sql.isEmpty())
-            whole.condition.sql += conjunction ? QLatin1String(" AND ") : QLatin1String(" OR ");
-        whole.condition.sql += QLatin1Char('(') + part.condition.sql + QLatin1Char(')');
-        whole.condition.values += part.condition.values;
-    }
-    whole.stack = parts[0].stack + 1;
-    if (parts[1].stack + 3 > whole.stack)
-        whole.stack = parts[1].stack + 3;
-    return whole;
+    std::optional<SqlPart> part = writeNode(node, negated);
+    if (!part)
+        return false;
+    parts->push_back(std::move(*part));
+    return true;
 }
 
-std::optional<ClauseWriter::Part> ClauseWriter::writeCompare(const ClauseNode &node, bool negated)
+std::optional<SqlPart> ClauseWriter::writeCompare(const ClauseNode &node, bool negated)
 {
     const std::optional<Side> left = resolve(node.left);
     const std::optional<Side> right = left ? resolve(node.right) : std::nullopt;
@@ -186,14 +156,14 @@ std::optional<ClauseWriter::Part> ClauseWriter::writeCompare(const ClauseNode &n
     return writeComparison(*left, *right, negated ? negation(node.comparator) : node.comparator);
 }
 
-std::optional<ClauseWriter::Part> ClauseWriter::writeComparison(const Side &left, const Side &right,
-                                                                Comparator comparator)
+std::optional<SqlPart> ClauseWriter::writeComparison(const Side &left, const Side &right,
+                                                     Comparator comparator)
 {
     const std::optional<Type> type = commonType(left, right);
     if (!type)
         return std::nullopt;
     if (*type == Type::Null)
-        return constant(false);
+        return constantPart(false);
     QString text;
     QVariantList values;
     for (const Side *side : {&left, &right}) {
@@ -210,21 +180,25 @@ std::optional<ClauseWriter::Part> ClauseWriter::writeComparison(const Side &left
         values << *value;
     }
     if (values.size() == 2)
-        return constant(holds(comparator, compareValues(values.first(), values.last())));
-    return sql(text, values);
+        return constantPart(holds(comparator, compareValues(values.first(), values.last())));
+    if (values.size() == 1 && (comparator == Comparator::Equal || comparator == Comparator::NotEqual))
+        return memberPart(column(left.field ? left : right, *type), values,
+                          comparator == Comparator::NotEqual);
+    return sqlPart(text, values);
 }
 
-std::optional<ClauseWriter::Part> ClauseWriter::writeIsNull(const ClauseNode &node, bool negated)
+std::optional<SqlPart> ClauseWriter::writeIsNull(const ClauseNode &node, bool negated)
 {
     const std::optional<Side> side = resolve(node.left);
     if (!side)
         return std::nullopt;
     if (!side->field)
-        return constant((side->type == Type::Null) != negated);
-    return sql(side->field->column + (negated ? QLatin1String(" IS NOT NULL") : QLatin1String(" IS NULL")));
+        return constantPart((side->type == Type::Null) != negated);
+    return sqlPart(side->field->column +
+                   (negated ? QLatin1String(" IS NOT NULL") : QLatin1String(" IS NULL")));
 }
 
-std::optional<ClauseWriter::Part> ClauseWriter::writeIn(const ClauseNode &node, bool negated)
+std::optional<SqlPart> ClauseWriter::writeIn(const ClauseNode &node, bool negated)
 {
     const std::optional<Side> left = resolve(node.left);
     if (!left)
@@ -240,27 +214,25 @@ std::optional<ClauseWriter::Part> ClauseWriter::writeIn(const ClauseNode &node, 
         else
             list.push_back(std::move(*entry));
     }
-    std::optional<Part> part = writeList(*left, list, negated);
+    std::optional<SqlPart> part = writeList(*left, list, negated);
     // Nothing is known to differ from all entries when one of them is unknown.
-    return part && holdsNull && negated ? constant(false) : part;
+    return part && holdsNull && negated ? constantPart(false) : part;
 }
 
-std::optional<ClauseWriter::Part> ClauseWriter::writeList(const Side &left, const std::vector<Side> &list,
-                                                          bool negated)
+std::optional<SqlPart> ClauseWriter::writeList(const Side &left, const std::vector<Side> &list, bool negated)
 {
     if (!left.field) {
         bool found = false;
         for (const Side &entry : list) {
-            const std::optional<Part> part = writeComparison(left, entry, Comparator::Equal);
+            const std::optional<SqlPart> part = writeComparison(left, entry, Comparator::Equal);
             if (!part)
                 return std::nullopt;
             found = found || *part->constant;
         }
-        return constant(left.type != Type::Null && found != negated);
+        return constantPart(left.type != Type::Null && found != negated);
     }
     Type type = Type::Null;
     QVariantList values;
-    bool oneValue = list.size() > shortList;
     for (const Side &entry : list) {
         const std::optional<Type> common = commonType(left, entry);
         const std::optional<QVariant> value = common ? literal(entry, *common) : std::nullopt;
@@ -268,41 +240,23 @@ std::optional<ClauseWriter::Part> ClauseWriter::writeList(const Side &left, cons
             return std::nullopt;
         type = *common;
         values << *value;
-        oneValue = oneValue && value->type() != QVariant::Double;
     }
-    if (values.isEmpty())
-        return constant(false);
-    const QString operation =
-        column(left, type) + (negated ? QLatin1String(" NOT IN (") : QLatin1String(" IN ("));
-    if (!oneValue)
-        return sql(operation + QStringLiteral("?, ").repeated(values.size() - 1) + QLatin1String("?)"),
-                   values);
-    // JSON keeps whole numbers in a double, so it is written here.
-    QByteArray json;
-    for (const QVariant &value : qAsConst(values)) {
-        json += json.isEmpty() ? '[' : ',';
-        if (value.type() == QVariant::String)
-            json +=
-                QJsonDocument(QJsonArray{value.toString()}).toJson(QJsonDocument::Compact).mid(1).chopped(1);
-        else
-            json += QByteArray::number(value.toLongLong());
-    }
-    return sql(operation + QLatin1String("SELECT value FROM json_each(?))"), {QString::fromUtf8(json + ']')});
+    return values.isEmpty() ? constantPart(false) : memberPart(column(left, type), values, negated);
 }
 
-std::optional<ClauseWriter::Part> ClauseWriter::writeLike(const ClauseNode &node, bool negated)
+std::optional<SqlPart> ClauseWriter::writeLike(const ClauseNode &node, bool negated)
 {
     const std::optional<Side> left = resolve(node.left);
     const std::optional<Side> right = left ? resolve(node.right) : std::nullopt;
     if (!right)
         return std::nullopt;
     if (left->type == Type::Null || right->type == Type::Null)
-        return constant(false);
+        return constantPart(false);
     const auto sensitivity = node.ignoreCase ? Qt::CaseInsensitive : Qt::CaseSensitive;
     if (!left->field && !right->field) {
         const bool matches = LikePattern(literal(*right, Type::Text)->toString(), sensitivity)
                                  .matches(literal(*left, Type::Text)->toString());
-        return constant(matches != negated);
+        return constantPart(matches != negated);
     }
     if (left->field && !right->field)
         return writePattern(*left, literal(*right, Type::Text)->toString(), node.ignoreCase, negated);
@@ -310,45 +264,45 @@ std::optional<ClauseWriter::Part> ClauseWriter::writeLike(const ClauseNode &node
     if (!left->field)
         values << *literal(*left, Type::Text);
     const QString function = node.ignoreCase ? QStringLiteral("kelva_ilike(") : QStringLiteral("kelva_like(");
-    return sql((negated ? QStringLiteral("NOT ") : QString()) + function + column(*right, Type::Text) +
-                   QLatin1String(", ") + (left->field ? column(*left, Type::Text) : QStringLiteral("?")) +
-                   QLatin1Char(')'),
-               values);
+    return sqlPart((negated ? QStringLiteral("NOT ") : QString()) + function + column(*right, Type::Text) +
+                       QLatin1String(", ") + (left->field ? column(*left, Type::Text) : QStringLiteral("?")) +
+                       QLatin1Char(')'),
+                   values);
 }
 
-ClauseWriter::Part ClauseWriter::writePattern(const Side &left, const QString &pattern, bool ignoreCase,
-                                              bool negated) const
+SqlPart ClauseWriter::writePattern(const Side &left, const QString &pattern, bool ignoreCase,
+                                   bool negated) const
 {
     const QString text = column(left, Type::Text);
     const int wildcard = pattern.indexOf(QLatin1Char('%'));
     const bool onlyPercent = wildcard == 0 && pattern.count(QLatin1Char('%')) == pattern.size();
     if (onlyPercent)
-        return negated ? constant(false) : sql(left.field->column + QLatin1String(" IS NOT NULL"));
+        return negated ? constantPart(false) : sqlPart(left.field->column + QLatin1String(" IS NOT NULL"));
     const bool storedAsText = text == left.field->column;
     if (!ignoreCase && storedAsText && !pattern.contains(QLatin1Char('_'))) {
         if (wildcard < 0)
-            return sql(text + (negated ? QLatin1String(" <> ?") : QLatin1String(" = ?")), {pattern});
+            return sqlPart(text + (negated ? QLatin1String(" <> ?") : QLatin1String(" = ?")), {pattern});
         const QString prefix = pattern.left(wildcard);
         const QString end = endOfPrefix(prefix);
         if (!end.isEmpty() && pattern.count(QLatin1Char('%')) == pattern.size() - wildcard)
-            return sql(text + (negated ? QLatin1String(" < ? OR ") : QLatin1String(" >= ? AND ")) + text +
-                           (negated ? QLatin1String(" >= ?") : QLatin1String(" < ?")),
-                       {prefix, end});
+            return sqlPart(text + (negated ? QLatin1String(" < ? OR ") : QLatin1String(" >= ? AND ")) + text +
+                               (negated ? QLatin1String(" >= ?") : QLatin1String(" < ?")),
+                           {prefix, end});
     }
     const QString match = (ignoreCase ? QLatin1String("kelva_ilike(?, ") : QLatin1String("kelva_like(?, ")) +
                           text + QLatin1Char(')');
     if (negated)
-        return sql(QLatin1String("NOT ") + match, {pattern});
+        return sqlPart(QLatin1String("NOT ") + match, {pattern});
     const QString run = storedAsText && !left.field->trigramTable.isEmpty() ? trigramRun(pattern) : QString();
     if (run.isEmpty())
-        return sql(match, {pattern});
+        return sqlPart(match, {pattern});
     QString phrase = run;
     phrase.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return sql(lookUp(left.field->trigramTable) + QLatin1String(" AND ") + match,
-               {QLatin1Char('"') + phrase + QLatin1Char('"'), pattern});
+    return sqlPart(lookUp(left.field->trigramTable) + QLatin1String(" AND ") + match,
+                   {QLatin1Char('"') + phrase + QLatin1Char('"'), pattern});
 }
 
-std::optional<ClauseWriter::Part> ClauseWriter::writeWordMatch(const ClauseNode &node, bool negated)
+std::optional<SqlPart> ClauseWriter::writeWordMatch(const ClauseNode &node, bool negated)
 {
     const std::optional<Side> left = resolve(node.left);
     const std::optional<Side> right = left ? resolve(node.right) : std::nullopt;
@@ -360,14 +314,14 @@ std::optional<ClauseWriter::Part> ClauseWriter::writeWordMatch(const ClauseNode 
         return refuse(right->operand.position, words.error().text);
     const QString known = left->field->column + QLatin1String(" IS NOT NULL");
     if (words.value().matchesNothing())
-        return negated ? sql(known) : constant(false);
+        return negated ? sqlPart(known) : constantPart(false);
     if (left->field->wordTable.isEmpty())
-        return sql((negated ? QStringLiteral("NOT ") : QString()) + QLatin1String("kelva_words(?, ") +
-                       column(*left, Type::Text) + QLatin1Char(')'),
-                   {query});
+        return sqlPart((negated ? QStringLiteral("NOT ") : QString()) + QLatin1String("kelva_words(?, ") +
+                           column(*left, Type::Text) + QLatin1Char(')'),
+                       {query});
     const QString match = lookUp(left->field->wordTable);
-    return sql(negated ? known + QLatin1String(" AND NOT ") + match : match,
-               {words.value().matchExpression()});
+    return sqlPart(negated ? known + QLatin1String(" AND NOT ") + match : match,
+                   {words.value().matchExpression()});
 }
 
 QString ClauseWriter::lookUp(const QString &table) const

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "clause/clause.h"
+#include "clause/clausesql.h"
 #include "clause/clausetree.h"
 
 #include <optional>
@@ -20,14 +20,6 @@ public:
 private:
     enum class Type { Null, Untyped, Text, Number, Date, Timestamp, Boolean };
 
-    /// A condition with what is needed to join it to others.
-    struct Part
-    {
-        SqlCondition condition;
-        std::optional<bool> constant; ///< true for every record, or for none
-        int stack = 0;                ///< what the database's parser must keep of it
-    };
-
     /// An operand with its field looked up and its macros replaced.
     struct Side
     {
@@ -36,20 +28,17 @@ private:
         Type type = Type::Null;
     };
 
-    static Part constant(bool value);
-    static Part sql(const QString &text, const QVariantList &values = {});
-
-    std::optional<Part> writeNode(const ClauseNode &node, bool negated);
-    std::optional<Part> writeJoin(const ClauseNode &node, bool negated);
-    std::optional<Part> writeCompare(const ClauseNode &node, bool negated);
-    std::optional<Part> writeComparison(const Side &left, const Side &right, Comparator comparator);
-    std::optional<Part> writeLike(const ClauseNode &node, bool negated);
-    std::optional<Part> writeIsNull(const ClauseNode &node, bool negated);
-    std::optional<Part> writeIn(const ClauseNode &node, bool negated);
-    std::optional<Part> writeList(const Side &left, const std::vector<Side> &list, bool negated);
-    std::optional<Part> writeWordMatch(const ClauseNode &node, bool negated);
-    Part writePattern(const Side &left, const QString &pattern, bool ignoreCase, bool negated) const;
-    static Part join(std::vector<Part> parts, bool conjunction);
+    std::optional<SqlPart> writeNode(const ClauseNode &node, bool negated);
+    std::optional<SqlPart> writeJoin(const ClauseNode &node, bool negated);
+    bool collect(const ClauseNode &node, bool negated, bool conjunction, std::vector<SqlPart> *parts);
+    std::optional<SqlPart> writeCompare(const ClauseNode &node, bool negated);
+    std::optional<SqlPart> writeComparison(const Side &left, const Side &right, Comparator comparator);
+    std::optional<SqlPart> writeLike(const ClauseNode &node, bool negated);
+    std::optional<SqlPart> writeIsNull(const ClauseNode &node, bool negated);
+    std::optional<SqlPart> writeIn(const ClauseNode &node, bool negated);
+    std::optional<SqlPart> writeList(const Side &left, const std::vector<Side> &list, bool negated);
+    std::optional<SqlPart> writeWordMatch(const ClauseNode &node, bool negated);
+    SqlPart writePattern(const Side &left, const QString &pattern, bool ignoreCase, bool negated) const;
 
     std::optional<Side> resolve(const ClauseOperand &operand);
     std::optional<Type> commonType(const Side &left, const Side &right);

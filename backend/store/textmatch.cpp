@@ -13,8 +13,18 @@ constexpr uint anyCharacter = 0xffffffff;
 constexpr int trigramLength = 3;
 constexpr int longestTrigramRun = 64;
 
+/// The full-text tables go by Unicode 6.1: what came later is no upper case to them and counts as a letter.
+bool isKnownToTables(uint codePoint)
+{
+    const QChar::UnicodeVersion version = QChar::unicodeVersion(codePoint);
+    return version != QChar::Unicode_Unassigned && version <= QChar::Unicode_6_1 &&
+           QChar::category(codePoint) != QChar::Other_NotAssigned;
+}
+
 bool isWordStart(uint codePoint)
 {
+    if (codePoint >= 0x80 && !isKnownToTables(codePoint))
+        return true;
     switch (QChar::category(codePoint)) {
     case QChar::Letter_Uppercase:
     case QChar::Letter_Lowercase:
@@ -31,9 +41,13 @@ bool isWordStart(uint codePoint)
     }
 }
 
-bool foldsAsInTrigramTable(uint codePoint)
+/// Accents that stand behind their letter, as far as they do not split a word.
+bool isWordAccent(uint codePoint)
 {
-    return codePoint < 0x250;
+    constexpr uint first = 0x300;
+    constexpr uint last = 0x331;
+    constexpr quint64 accents = 0x361f808029fdf;
+    return codePoint >= first && codePoint <= last && (accents >> (codePoint - first) & 1) != 0;
 }
 
 QString toText(const CodePoints &text, int from, int length)
@@ -83,7 +97,7 @@ uint foldedCase(uint codePoint)
 {
     if (codePoint < 0x80)
         return codePoint >= 'A' && codePoint <= 'Z' ? codePoint + ('a' - 'A') : codePoint;
-    return QChar::toCaseFolded(codePoint);
+    return isKnownToTables(codePoint) ? QChar::toCaseFolded(codePoint) : codePoint;
 }
 
 LikePattern::LikePattern(const QString &pattern, Qt::CaseSensitivity sensitivity)
@@ -140,9 +154,7 @@ QString trigramRun(const QString &pattern)
     int bestLength = 0;
     int from = 0;
     for (int i = 0; i <= characters.size(); ++i) {
-        const bool goesOn = i < characters.size() && characters[i] != '%' && characters[i] != '_' &&
-                            foldsAsInTrigramTable(characters[i]);
-        if (goesOn)
+        if (i < characters.size() && characters[i] != '%' && characters[i] != '_')
             continue;
         if (i - from > bestLength) {
             bestFrom = from;
@@ -165,7 +177,7 @@ std::vector<QString> wordsOf(const QString &text)
         word.clear();
     };
     for (const uint codePoint : codePoints(text)) {
-        if (isWordStart(codePoint))
+        if (isWordStart(codePoint) || (!word.isEmpty() && isWordAccent(codePoint)))
             word.append(foldedCase(codePoint));
         else
             finishWord();

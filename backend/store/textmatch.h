@@ -17,7 +17,8 @@ CodePoints codePoints(const QString &text);
 /// Malformed bytes become U+FFFD, one for each byte.
 CodePoints codePointsOfUtf8(const char *bytes, int size);
 
-/// Simple case folding: one code point for one, independent of any locale.
+/// Simple case folding: one code point for one, independent of any locale. Letters that came after
+/// Unicode 6.1 are left alone, as the full-text tables do not fold them either.
 uint foldedCase(uint codePoint);
 
 /// A pattern of LIKE: "%" is any run of characters, "_" exactly one. There is no escape character.
@@ -44,7 +45,7 @@ private:
 /// whatever their case. Empty when it has fewer than three characters.
 QString trigramRun(const QString &pattern);
 
-/// The words of a text, case folded: runs of letters and digits, as the full-text tables split them.
+/// The words of a text, case folded: runs of letters and digits, split as the full-text tables do.
 std::vector<QString> wordsOf(const QString &text);
 
 /// A query for words: words joined by "&", each with ":*" behind it when it is a prefix. A word that holds

@@ -44,6 +44,7 @@ public:
     QModelIndexList selectedIndexes() const override;
     QItemSelection getSelection() const;
     void setSelection(const QItemSelection &selection);
+    using QTableView::hideColumn;
     using QTableView::setSelection;
 
     /// Folder oid of the first selected row, or an empty text.
@@ -67,9 +68,11 @@ public:
     void setAutoResize(bool automatic);
     void doResizeColumnsToContents();
     void resetHeaders();
-    void restoreHeader();
+    /// False when this profile has no stored header yet.
+    bool restoreHeader();
 
 public slots:
+    /// The column menu of the header.
     void hideColumn();
     void resizeColumnToContentsFlag(bool automatic);
     /// Shows all columns.

@@ -32,11 +32,11 @@ void KelvaInfoView::saveHeaderState()
     settings.sync();
 }
 
-void KelvaInfoView::restoreHeader()
+bool KelvaInfoView::restoreHeader()
 {
     qDebug("RESTORE HEADER");
     const QSettings settings("Norbant GmbH", settingsApplication());
-    horizontalHeader()->restoreState(settings.value(stateKey).toByteArray());
+    return horizontalHeader()->restoreState(settings.value(stateKey).toByteArray());
 }
 
 void KelvaInfoView::loadActionMenu()

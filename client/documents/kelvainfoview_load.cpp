@@ -19,6 +19,8 @@
 namespace {
 
 constexpr int iconSize = 32;
+/// Until the user has set the widths: long texts must not push the other columns out of sight.
+constexpr int widestFirstColumn = 280;
 
 /// The pictures of one load. Each combination of page, clock, note and key is painted once.
 class RowIcons
@@ -126,9 +128,15 @@ void KelvaInfoView::loadDocuments(QStringList docs, const QStringList &infos, bo
         m_model->clear();
     m_model->setColumnCount(titles.size());
     m_model->setHorizontalHeaderLabels(titles);
-    restoreHeader();
+    const bool headerKnown = restoreHeader();
     fillRows(docs, titles.size(), fileNamesOf(infos), trash, retention, readDocs);
     setSortingEnabled(true);
+    if (!headerKnown) {
+        resizeColumnsToContents();
+        for (int column = 0; column < titles.size(); ++column)
+            if (columnWidth(column) > widestFirstColumn)
+                setColumnWidth(column, widestFirstColumn);
+    }
     // The blocked header told the view nothing of its sections.
     updateGeometries();
 }

@@ -3,6 +3,7 @@
 #include "documents/mysortfilterproxymodel.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
+#include "server/folderoid.h"
 
 #include <QCoreApplication>
 #include <QHeaderView>
@@ -10,12 +11,19 @@
 #include <QSettings>
 #include <QSignalBlocker>
 
+namespace {
+
+constexpr int firstNameWidth = 220;
+
+} // namespace
+
 KelvaFolderView::KelvaFolderView(QWidget *parent)
     : QTreeView(parent),
       m_proxy(new MySortFilterProxyModel(this))
 {
     m_proxy->setSortLocaleAware(true);
     m_proxy->setDynamicSortFilter(true);
+    header()->setSortIndicator(0, Qt::AscendingOrder);
     setSortingEnabled(true);
     setAlternatingRowColors(true);
     setUniformRowHeights(true);
@@ -137,7 +145,8 @@ void KelvaFolderView::update()
         {
             const QSignalBlocker headerBlocker(header());
             const QSignalBlocker viewBlocker(this);
-            m_expandedOids = settings.value("TreeExpandedItems").toStringList();
+            // The first start shows the main folders.
+            m_expandedOids = settings.value("TreeExpandedItems", QStringList(folderoid::all)).toStringList();
             collapseAll();
             for (const QString &oid : qAsConst(m_expandedOids))
                 if (const KelvaDocItem *node = m_tree->findItem(oid))
@@ -145,6 +154,8 @@ void KelvaFolderView::update()
         }
         if (settings.contains("TreeSortOrder"))
             header()->restoreState(settings.value("TreeSortOrder").toByteArray());
+        else
+            header()->resizeSection(0, firstNameWidth);
     }
     viewport()->update();
 }

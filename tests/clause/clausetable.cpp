@@ -47,9 +47,9 @@ const QDate &ClauseTable::today()
     return date;
 }
 
-const QHash<QString, FieldType> &ClauseTable::types()
+const QMap<QString, FieldType> &ClauseTable::types()
 {
-    static const QHash<QString, FieldType> types{
+    static const QMap<QString, FieldType> types{
         {"docid", FieldType::Integer},  {"status", FieldType::Integer},       {"docart", FieldType::Integer},
         {"folder", FieldType::Text},    {"bemerkung", FieldType::Text},       {"changeid", FieldType::Text},
         {"attr5", FieldType::Text},     {"attr7", FieldType::Text},           {"attr9", FieldType::Number},

@@ -20,7 +20,7 @@ public:
     static const QDate &today(); ///< 2014-08-11
     static QList<QVariantMap> documents();
     /// The types of the columns. docs_id, a field without one, is docid + 10.
-    static const QHash<QString, kelva::FieldType> &types();
+    static const QMap<QString, kelva::FieldType> &types();
     kelva::ClauseFields fields(Indexes indexes) const;
 
     const QList<QVariantMap> &rows() const { return m_rows; }

@@ -11,6 +11,7 @@ private:
     QString refusal(const QString &clause) const;
 
 private slots:
+    void charactersThatAreNoneAreRefused();
     void refusedWithTheirPlace_data();
     void refusedWithTheirPlace();
 };
@@ -92,9 +93,10 @@ void TestClauseRefusals::refusedWithTheirPlace_data()
         {"cdate = 5", 1, "cdate cannot be compared with 5"},
         {"defdate <= '[HEUTE-9999999]'", 12, "the date macro leads out of the calendar"},
         {"'x' = '[JAHR+99999999999999999999]'", 7, "the date macro leads out of the calendar"},
+        {"changeid = 'a\xef\xbb\xbfz'", 14, "there is a character that no text can hold"},
     };
     for (const auto &row : table)
-        QTest::newRow(row.clause) << QString(row.clause) << row.position << QString(row.reason);
+        QTest::newRow(row.clause) << QString::fromUtf8(row.clause) << row.position << QString(row.reason);
 }
 
 void TestClauseRefusals::refusedWithTheirPlace()
@@ -104,6 +106,15 @@ void TestClauseRefusals::refusedWithTheirPlace()
     QFETCH(QString, reason);
     QCOMPARE(refusal(clause),
              QString("The search condition is wrong at position %1: %2.").arg(position).arg(reason));
+}
+
+void TestClauseRefusals::charactersThatAreNoneAreRefused()
+{
+    const QString expected =
+        "The search condition is wrong at position 14: there is a character that no text can hold.";
+    for (const ushort unit : {0, 0xd800, 0xdc00, 0xfffe, 0xffff})
+        QCOMPARE(refusal("changeid = 'a" + QString(QChar(unit)) + "z'"), expected);
+    QVERIFY(refusal("changeid = 'a\U0001F600z'").startsWith("accepted"));
 }
 
 KELVA_TEST(TestClauseRefusals)

@@ -27,7 +27,8 @@ int countBrokenConnections(const QString &logFile)
         return 0;
     int broken = 0;
     for (const QByteArray &line : log.readAll().split('\n'))
-        if (line.contains("QObject::connect: No such") || line.contains("QObject::connect: Parentheses expected")) {
+        if (line.contains("QObject::connect: No such") ||
+            line.contains("QObject::connect: Parentheses expected")) {
             std::fprintf(stderr, "Broken connection: %s\n", line.constData());
             ++broken;
         }
@@ -45,14 +46,15 @@ bool kelvatest::add(const char *name, std::function<QObject *()> make)
 int main(int argc, char *argv[])
 {
     const QTemporaryDir home;
-    for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR",
-                                 "KELVA_HOME", "TMPDIR"}) {
+    for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
+                                 "XDG_RUNTIME_DIR", "KELVA_HOME", "TMPDIR"}) {
         const QString directory = home.filePath(QString::fromLatin1(variable).toLower());
         QDir().mkpath(directory);
         QFile::setPermissions(directory, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         qputenv(variable, QFile::encodeName(directory));
     }
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, home.filePath(QStringLiteral("settings")));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       home.filePath(QStringLiteral("settings")));
     QLocale::setDefault(QLocale::c());
 
     if (argc < 2 || !registry().contains(QString::fromLocal8Bit(argv[1]))) {

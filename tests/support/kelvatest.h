@@ -7,8 +7,7 @@
 /// Registers a test class with the program of its folder. The class is made after the surroundings of
 /// kelvatest.cpp stand: own settings, data, runtime and temporary directories, offscreen platform.
 #define KELVA_TEST(Class)                                                                                    \
-    static const bool registered##Class =                                                                    \
-        kelvatest::add(#Class, []() -> QObject * { return new Class; });
+    static const bool registered##Class = kelvatest::add(#Class, []() -> QObject * { return new Class; });
 
 namespace kelvatest {
 

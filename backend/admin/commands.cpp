@@ -1,0 +1,224 @@
+#include "admin/commands.h"
+
+#include "admin/samplearchive.h"
+#include "service/archive.h"
+#include "service/rights.h"
+#include "service/session.h"
+#include "service/users.h"
+
+#include <QCommandLineParser>
+#include <QFile>
+#include <QTextStream>
+
+#include <functional>
+
+namespace kelva {
+
+namespace {
+
+constexpr int workFailed = 1;
+constexpr int wrongUsage = 2;
+
+const char helpText[] =
+    R"(Usage: kelvaadmin COMMAND ARCHIVE [ARGUMENT...] [OPTION...]
+
+ARCHIVE is the number of an archive of this machine or the path of its file.
+
+  create ARCHIVE LOGIN        make an archive with its first administrator
+  sample ARCHIVE              make an archive with users and documents to try Kelva with
+  add-user ARCHIVE LOGIN      add a user
+  set-password ARCHIVE LOGIN  give a user a new password
+  check ARCHIVE               read everything and report what is damaged
+  backup ARCHIVE FILE         copy an archive, which may be in use
+  restore FILE ARCHIVE        put a backup in place; the present archive is kept beside it
+
+A password is read as one line from standard input.
+
+  --documents N     sample: number of documents (2000)
+  --seed N          sample: another number makes another archive (1)
+  --name TEXT       add-user: the user's full name
+  --role NAME       add-user: a role to give; may be repeated
+  --help            this text
+  --version         the version
+)";
+
+QTextStream &out()
+{
+    static QTextStream stream(stdout);
+    return stream;
+}
+
+int complain(const QString &text, int code = workFailed)
+{
+    QTextStream(stderr) << QStringLiteral("kelvaadmin: ") << text << QLatin1Char('\n');
+    return code;
+}
+
+template<typename T>
+int outcome(const Result<T> &result, const QString &success)
+{
+    if (!result)
+        return complain(result.error().text);
+    out() << success << QLatin1Char('\n');
+    out().flush();
+    return 0;
+}
+
+Result<QString> archiveFile(const QString &argument)
+{
+    bool isNumber = false;
+    const int number = argument.toInt(&isNumber);
+    return isNumber ? archive::fileFor(QStringLiteral("localhost"), number) : Result<QString>(argument);
+}
+
+QString readPassword()
+{
+    QTextStream input(stdin);
+    input.setCodec("UTF-8");
+    return input.readLine();
+}
+
+/// A command's words behind its name, the first of which is turned into the archive's path.
+struct Call
+{
+    QString path;
+    QStringList rest;
+    const QCommandLineParser &options;
+};
+
+int create(const Call &call)
+{
+    NewArchive fresh;
+    fresh.path = call.path;
+    fresh.administrator = call.rest.at(0);
+    fresh.password = readPassword();
+    return outcome(archive::create(fresh), QStringLiteral("Created %1.").arg(call.path));
+}
+
+int sample(const Call &call)
+{
+    bool countOk = false;
+    bool seedOk = false;
+    SampleOptions options;
+    options.path = call.path;
+    options.documents = call.options.value(QStringLiteral("documents")).toInt(&countOk);
+    options.seed = call.options.value(QStringLiteral("seed")).toUInt(&seedOk);
+    options.today = QDate::currentDate();
+    if (!countOk || options.documents < 0 || options.documents > 10000000 || !seedOk)
+        return complain(QStringLiteral("--documents and --seed take whole numbers."), wrongUsage);
+    const bool talks = options.documents > 20000;
+    const Result<void> made = createSampleArchive(options, [talks](int done) {
+        if (talks && done % 100000 == 0)
+            out() << done << QStringLiteral(" documents\n") << Qt::flush;
+    });
+    return outcome(made, QStringLiteral("Created %1 with %2 documents. Every user's password is \"%3\".")
+                             .arg(call.path, QString::number(options.documents), options.password));
+}
+
+int addUser(const Call &call)
+{
+    auto session = Session::openAsOwner(call.path, QStringLiteral("kelvaadmin"));
+    if (!session)
+        return complain(session.error().text);
+    NewUser user;
+    user.login = call.rest.at(0);
+    user.name = call.options.value(QStringLiteral("name"));
+    user.password = readPassword();
+    Users users(*session.value());
+    if (const Result<qint64> made = users.create(user); !made)
+        return complain(made.error().text);
+    const QStringList roles = call.options.values(QStringLiteral("role"))
+                              << rights::personalPrefix + user.login;
+    return outcome(users.setRolesOf(user.login, roles), QStringLiteral("Added %1.").arg(user.login));
+}
+
+int setPassword(const Call &call)
+{
+    auto session = Session::openAsOwner(call.path, QStringLiteral("kelvaadmin"));
+    if (!session)
+        return complain(session.error().text);
+    const QString login = call.rest.at(0);
+    return outcome(Users(*session.value()).setPassword(login, readPassword()),
+                   QStringLiteral("Changed the password of %1.").arg(login));
+}
+
+int check(const Call &call)
+{
+    const Result<QStringList> faults = archive::check(call.path);
+    if (!faults)
+        return complain(faults.error().text);
+    for (const QString &fault : faults.value())
+        complain(fault);
+    if (!faults.value().isEmpty())
+        return workFailed;
+    out() << QStringLiteral("%1 is sound.\n").arg(call.path) << Qt::flush;
+    return 0;
+}
+
+int backup(const Call &call)
+{
+    return outcome(archive::backup(call.path, call.rest.at(0)),
+                   QStringLiteral("Copied to %1.").arg(call.rest.at(0)));
+}
+
+int restore(const Call &call)
+{
+    const Result<QString> target = archiveFile(call.rest.at(0));
+    if (!target)
+        return complain(target.error().text);
+    return outcome(archive::restore(call.path, target.value()),
+                   QStringLiteral("Restored %1.").arg(target.value()));
+}
+
+struct Command
+{
+    const char *name;
+    int words; ///< behind the first
+    int (*run)(const Call &);
+};
+
+const Command commands[] = {
+    {"create", 1, create}, {"sample", 0, sample}, {"add-user", 1, addUser}, {"set-password", 1, setPassword},
+    {"check", 0, check},   {"backup", 1, backup}, {"restore", 1, restore}};
+
+} // namespace
+
+int runCommand(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.addOptions({{QStringLiteral("documents"), QString(), QStringLiteral("N"), QStringLiteral("2000")},
+                       {QStringLiteral("seed"), QString(), QStringLiteral("N"), QStringLiteral("1")},
+                       {QStringLiteral("name"), QString(), QStringLiteral("TEXT")},
+                       {QStringLiteral("role"), QString(), QStringLiteral("NAME")},
+                       {QStringLiteral("help"), QString()},
+                       {QStringLiteral("version"), QString()}});
+    if (!parser.parse(QStringList(QStringLiteral("kelvaadmin")) + arguments))
+        return complain(parser.errorText() + QStringLiteral(" See kelvaadmin --help."), wrongUsage);
+    if (parser.isSet(QStringLiteral("help"))) {
+        out() << QString::fromUtf8(helpText) << Qt::flush;
+        return 0;
+    }
+    if (parser.isSet(QStringLiteral("version"))) {
+        out() << QStringLiteral("kelvaadmin %1\n").arg(QStringLiteral(KELVA_VERSION)) << Qt::flush;
+        return 0;
+    }
+    const QStringList words = parser.positionalArguments();
+    for (const Command &command : commands) {
+        if (words.value(0) != QLatin1String(command.name))
+            continue;
+        if (words.size() != command.words + 2)
+            break;
+        // The backup of restore is a path even when its name is a number.
+        const Result<QString> path =
+            command.run == restore ? Result<QString>(words.at(1)) : archiveFile(words.at(1));
+        if (!path)
+            return complain(path.error().text);
+        return command.run({path.value(), words.mid(2), parser});
+    }
+    return complain(words.isEmpty() ? QStringLiteral("a command is missing. See kelvaadmin --help.")
+                                    : QStringLiteral("\"%1\" is not called like this. See kelvaadmin --help.")
+                                          .arg(words.join(QLatin1Char(' '))),
+                    wrongUsage);
+}
+
+} // namespace kelva

@@ -1,0 +1,508 @@
+#include "fakes/fakearchive.h"
+#include "support/dialogscript.h"
+#include "support/fakemanager.h"
+#include "support/kelvatest.h"
+#include "support/workbenchfixture.h"
+
+#include "app/kelvaclientmain.h"
+#include "documents/kelvainfoview.h"
+#include "server/recordformat.h"
+
+#include <QCheckBox>
+#include <QDockWidget>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScopeGuard>
+#include <QSettings>
+#include <QSpinBox>
+#include <QStandardItem>
+#include <QStatusBar>
+
+namespace {
+
+/// A window against the fake archive, driven through what a user sees of it.
+class Workplace
+{
+public:
+    Workplace()
+        : block("kelva_anna_localhost_47117", WorkbenchFixture::block(WorkbenchFixture::vocabulary())),
+          window(std::make_unique<KelvaClientMain>())
+    {
+        const QString entry = QString("Main archive") + recordformat::fieldSeparator + "1";
+        manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", entry)});
+    }
+    ~Workplace() { end(); }
+
+    /// Runs init() inside the event loop, as the program does: it may quit it.
+    bool start()
+    {
+        bool result = false;
+        QTimer::singleShot(0, window.get(), [this, &result] {
+            result = window->init();
+            QCoreApplication::quit();
+        });
+        QCoreApplication::exec();
+        return result;
+    }
+
+    void end()
+    {
+        window.reset();
+        // The window quits the program when it dies; a short run takes that back for the next one.
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::quit(); });
+        QCoreApplication::exec();
+    }
+
+    QAction *action(const QString &name) const { return window->findChild<QAction *>(name); }
+    KelvaInfoView *table() const { return window->findChild<KelvaInfoView *>("m_infoView"); }
+    QString message() const { return window->findChild<QStatusBar *>("m_statusBar")->currentMessage(); }
+    QStringList column(int number) const
+    {
+        QStringList texts;
+        for (int i = 0; i < table()->model()->rowCount(); ++i)
+            texts << table()->model()->index(i, number).data().toString();
+        return texts;
+    }
+
+    FakeManager manager;
+    WorkbenchFixture block;
+    std::unique_ptr<KelvaClientMain> window;
+};
+
+QSettings settings()
+{
+    return QSettings("Norbant GmbH", QCoreApplication::applicationName());
+}
+
+} // namespace
+
+class TestKelvaClientMain : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void aLoginListsTheDocuments();
+    void theEndIsInOrder();
+    void failedLogins_data();
+    void failedLogins();
+    void anExpiredPasswordIsChanged();
+    void aMissingBlockStopsTheLogin();
+    void anArchiveThatIsGone_data();
+    void anArchiveThatIsGone();
+    void offlineNeedsNoProfile();
+    void rightsHideActions();
+    void theSelectionSurvivesARefresh();
+    void theListIsExactlyAsLongAsTheLimit();
+    void quickMovesThroughFoldersRefreshOnce();
+    void aRefreshDuringARefreshRunsAfterwards();
+    void unreadDocumentsAreBold();
+    void theReloadActionBlinks();
+    void aReloadKeepsOneConnection();
+    void theLayoutReturns();
+    void damagedSettingsDoNotMatter();
+    void resettingLeavesTheWindowMaximised();
+    void fullTextNeedsThreeCharacters();
+};
+
+void TestKelvaClientMain::initTestCase()
+{
+    QCoreApplication::setApplicationName("kelvaclient");
+    QCoreApplication::setOrganizationName("Norbant GmbH");
+}
+
+void TestKelvaClientMain::init()
+{
+    FakeArchive::instance().reset();
+    QSettings file("Norbant GmbH", QCoreApplication::applicationName());
+    file.clear();
+}
+
+void TestKelvaClientMain::aLoginListsTheDocuments()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    archive.addDocument("Invoice", "1.1.1");
+    archive.addDocument("Letter", "9.9");
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    QVERIFY(workplace.window->isVisible());
+    QCOMPARE(workplace.window->windowTitle(), QString("Kelva - First line - Main archive"));
+    QCOMPARE(archive.queries, QList<QStringList>({{"1=1", "OPT:LIMIT;100"}}));
+    QCOMPARE(workplace.column(0), QStringList({"101", "102"}));
+    QCOMPARE(workplace.column(1), QStringList({"Customers", "Customers"}));
+    QCOMPARE(workplace.column(3), QStringList({"open", "open"}));
+    QCOMPARE(workplace.column(5), QStringList({"Müller & Söhne", "not assigned"}));
+    QCOMPARE(workplace.column(6), QStringList({"Invoice", "Invoice"}));
+    QCOMPARE(workplace.message(), QString("2 documents"));
+    QCOMPARE(settings().value("Softwarekelvaclient/Version").toString(), QString("14.08-1-Update12"));
+    QVERIFY(!workplace.action("action_Exportieren")->isEnabled());
+    workplace.table()->selectRow(0);
+    QVERIFY(workplace.action("action_Exportieren")->isEnabled());
+}
+
+void TestKelvaClientMain::theEndIsInOrder()
+{
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    FakeArchive::instance().calls.clear();
+    QVERIFY(!settings().contains("DockSettings"));
+    workplace.end();
+    QVERIFY(settings().contains("DockSettings"));
+    QCOMPARE(settings().value("HideEmptyFolders").toBool(), false);
+    QCOMPARE(FakeArchive::instance().calls, QStringList({"disconnectClient", "disconnectFromArchive"}));
+}
+
+void TestKelvaClientMain::failedLogins_data()
+{
+    QTest::addColumn<QString>("failure");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("disconnects");
+    QTest::newRow("wrong password")
+        << "Wrong user name or password."
+        << "The connection to the server could not be established: Wrong user name or "
+           "password."
+        << true;
+    QTest::newRow("another version")
+        << "WRONGVERSION"
+        << "Version mismatch. Your client and server components has different versions." << false;
+    QTest::newRow("nearly another version")
+        << "WRONGVERSION 2"
+        << "The connection to the server could not be established: WRONGVERSION 2" << true;
+}
+
+void TestKelvaClientMain::failedLogins()
+{
+    QFETCH(QString, failure);
+    QFETCH(QString, text);
+    QFETCH(bool, disconnects);
+    FakeArchive::instance().failNext("connectClient", failure);
+    Workplace workplace;
+    DialogScript script;
+    script.expectBox("Error", text);
+    QVERIFY(!workplace.start());
+    QVERIFY(!workplace.window->isVisible());
+    QCOMPARE(script.problems(), QString());
+    QCOMPARE(FakeArchive::instance().calls.contains("disconnectClient"), disconnects);
+    workplace.end();
+    QVERIFY(!settings().contains("DockSettings")); // a failed login writes no layout
+}
+
+void TestKelvaClientMain::anExpiredPasswordIsChanged()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    archive.failNext("connectClient", "Password expired yesterday");
+    {
+        Workplace workplace;
+        DialogScript script;
+        script.expectDialog("Change password", true, [](QWidget *dialog) {
+            auto *ok = dialog->findChild<QPushButton *>();
+            dialog->findChild<QLineEdit *>("m_oldPass")->setText("secret");
+            dialog->findChild<QLineEdit *>("m_newPass1")->setText("new");
+            dialog->findChild<QLineEdit *>("m_newPass2")->setText("new");
+            Q_UNUSED(ok)
+        });
+        script.expectBox("Password changed", "Password changed successfully!");
+        QVERIFY(workplace.start());
+        QCOMPARE(script.problems(), QString());
+        QCOMPARE(archive.password, QString("new"));
+    }
+    // Left alone, the login ends without a further word.
+    archive.reset();
+    archive.failNext("connectClient", "Password expired");
+    Workplace workplace;
+    DialogScript script;
+    script.expectDialog("Change password", false);
+    QVERIFY(!workplace.start());
+    QCOMPARE(script.problems(), QString());
+}
+
+void TestKelvaClientMain::aMissingBlockStopsTheLogin()
+{
+    Workplace workplace;
+    const QString entry = QString("Main archive") + recordformat::fieldSeparator + "1";
+    workplace.manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(8, "Other", entry)});
+    DialogScript script;
+    script.expectBox(
+        "Error", "The connection to the Connection Manager could not be established, please restart Kelva!");
+    QVERIFY(!workplace.start());
+    QCOMPARE(script.problems(), QString());
+}
+
+void TestKelvaClientMain::anArchiveThatIsGone_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("unknown key")
+        << QString("Gone") + recordformat::fieldSeparator + "3"
+        << "The configured archive was not found. Check the settings in the Connection "
+           "Manager !";
+    QTest::newRow("no key")
+        << "no separator"
+        << "The archive information can not be read. Check the settings in the Connection "
+           "Manager!";
+    QTest::newRow("nothing")
+        << ""
+        << "The archive information can not be read. Check the settings in the Connection "
+           "Manager!";
+}
+
+void TestKelvaClientMain::anArchiveThatIsGone()
+{
+    QFETCH(QString, entry);
+    QFETCH(QString, text);
+    Workplace workplace;
+    workplace.manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", entry)});
+    DialogScript script;
+    script.expectBox("Information", text);
+    QVERIFY(!workplace.start());
+    QCOMPARE(script.problems(), QString());
+}
+
+void TestKelvaClientMain::offlineNeedsNoProfile()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    archive.connectionMode = "Offline mode";
+    archive.login.clear();
+    archive.password.clear();
+    archive.addDocument("Invoice");
+    const WorkbenchFixture block("kelva___00", WorkbenchFixture::block(WorkbenchFixture::vocabulary()));
+    QVERIFY(block.isReady());
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    QCOMPARE(workplace.manager.requests, QStringList());
+    QCOMPARE(workplace.column(0), QStringList("101"));
+    QVERIFY(!workplace.window->findChild<QDockWidget *>("m_dockSearch")->isVisible());
+    QVERIFY(!workplace.action("action_History")->isVisible());
+    workplace.end();
+
+    archive.subArchives.clear();
+    Workplace empty;
+    DialogScript script;
+    script.expectBox("Information", "The archive information could not be read. Archive corrupt?");
+    QVERIFY(!empty.start());
+    QCOMPARE(script.problems(), QString());
+}
+
+void TestKelvaClientMain::rightsHideActions()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    archive.addDocument("Invoice");
+    archive.rights = QStringList{"kelvaadmin"}; // rights are case-sensitive
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    workplace.table()->selectRow(0);
+    for (const char *name : {"action_Einstellungen", "action_Benutzer", "action_Plugins",
+                             "action_Archivieren", "action_Zurueckstellen", "action_MoveToArchive",
+                             "action_History", "action_Print", "action_Loeschen"})
+        QVERIFY2(!workplace.action(name)->isVisible() && !workplace.action(name)->isEnabled(), name);
+    QVERIFY(workplace.action("action_Anzeigen")->isEnabled());
+    QVERIFY(!workplace.window->findChild<QToolBar *>("Einstellungen"));
+    QCOMPARE(workplace.table()->item(0, 2)->data(268).toInt(), 1);
+}
+
+void TestKelvaClientMain::theSelectionSurvivesARefresh()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    for (int i = 0; i < 30; ++i)
+        archive.addDocument(QString("Document %1").arg(i, 2, 10, QChar('0')));
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    KelvaInfoView *table = workplace.table();
+    table->sortByColumn(2, Qt::DescendingOrder);
+    table->selectRow(3);
+    const QStringList selected = table->getCurrentDocIds(false, false);
+    QCOMPARE(selected, QStringList("27"));
+    archive.documents.remove(30);
+    workplace.action("action_Neuladen")->trigger();
+    QCOMPARE(table->getCurrentDocIds(false, false), selected);
+    QCOMPARE(table->selectionModel()->selectedRows().first().row(), 2);
+    QVERIFY(workplace.action("action_Anzeigen")->isEnabled());
+    archive.documents.remove(27);
+    workplace.action("action_Neuladen")->trigger();
+    QCOMPARE(table->getCurrentDocIds(false, false), QStringList());
+    QVERIFY(!workplace.action("action_Anzeigen")->isEnabled());
+}
+
+void TestKelvaClientMain::theListIsExactlyAsLongAsTheLimit()
+{
+    for (int i = 0; i < 3; ++i)
+        FakeArchive::instance().addDocument("Invoice");
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    workplace.window->findChild<QSpinBox *>("m_maxSearchBox")->setValue(3);
+    QCOMPARE(workplace.message(), QString("More than 3 documents found. Limit your search using filters!"));
+    workplace.window->findChild<QSpinBox *>("m_maxSearchBox")->setValue(4);
+    QCOMPARE(workplace.message(), QString("3 documents"));
+    // A query that fails clears the table and says no more.
+    FakeArchive::instance().failNext("getDocuments", "no");
+    workplace.action("action_Neuladen")->trigger();
+    QCOMPARE(workplace.message(), QString("0 documents"));
+}
+
+void TestKelvaClientMain::quickMovesThroughFoldersRefreshOnce()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    QTest::qWait(0);
+    archive.queries.clear();
+    auto *tree = workplace.window->findChild<QTreeView *>("m_tWOrdner");
+    tree->expandAll();
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(tree, Qt::Key_Down);
+    QTRY_COMPARE(archive.queries.size(), 1);
+    QCOMPARE(archive.queries.first().first(), QString("(folder = '1.1.1' OR folder like '1.1.1.%')"));
+    auto *status = workplace.window->findChild<QListWidget *>("m_twStatus");
+    status->setCurrentRow(1);
+    QCOMPARE(archive.queries.last(), QStringList({"(folder = '1.1.1' OR folder like '1.1.1.%')",
+                                                  "(status = 1)", "1=1", "OPT:DEFDATE;2", "OPT:LIMIT;100"}));
+    workplace.action("actionReset_Filters")->trigger();
+    QCOMPARE(archive.queries.last(), QStringList({"1=1", "OPT:LIMIT;100"}));
+}
+
+void TestKelvaClientMain::aRefreshDuringARefreshRunsAfterwards()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    archive.queries.clear();
+    archive.meanwhile("getDocuments", [&] { workplace.action("action_Neuladen")->trigger(); });
+    workplace.action("action_Neuladen")->trigger();
+    QCOMPARE(archive.queries.size(), 1);
+    QTRY_COMPARE(archive.queries.size(), 2);
+}
+
+void TestKelvaClientMain::unreadDocumentsAreBold()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    archive.addDocument("opened");
+    archive.addDocument("new");
+    archive.openedDocuments = QStringList("101");
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    const auto bold = [&workplace](int row) { return workplace.table()->item(row, 2)->font().bold(); };
+    QVERIFY(!bold(0) && !bold(1));
+    workplace.window->findChild<QCheckBox *>("m_showUnread")->click();
+    QVERIFY(!bold(0));
+    QVERIFY(bold(1));
+    // Without the list of opened documents nothing is marked.
+    archive.failNext("getDocumentActions", "no");
+    workplace.action("action_Neuladen")->trigger();
+    QVERIFY(!bold(0) && !bold(1));
+}
+
+void TestKelvaClientMain::theReloadActionBlinks()
+{
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    const QAction *reload = workplace.action("action_ReloadAll");
+    workplace.window->handleServerRequest("something else");
+    QVERIFY(workplace.window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).isEmpty());
+    workplace.window->handleServerRequest("DORELOADALL");
+    workplace.window->handleServerRequest("DORELOADALL");
+    QCOMPARE(workplace.window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).size(), 1);
+    QTRY_COMPARE(reload->data().toInt(), 1);
+    QTRY_COMPARE(reload->data().toInt(), 0);
+}
+
+void TestKelvaClientMain::aReloadKeepsOneConnection()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    archive.addDocument("Invoice", "1.1.1");
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    workplace.window->handleServerRequest("DORELOADALL");
+    archive.queries.clear();
+    workplace.action("action_ReloadAll")->trigger();
+    QVERIFY(workplace.manager.requests.contains("RELOADPROFILE#7"));
+    QCOMPARE(archive.queries.size(), 1);
+    QCOMPARE(workplace.column(5), QStringList("Müller & Söhne"));
+    QVERIFY(workplace.window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).isEmpty());
+    // Status list and folder panel are connected once each, not twice.
+    archive.queries.clear();
+    workplace.window->findChild<QListWidget *>("m_twStatus")->setCurrentRow(2);
+    QCOMPARE(archive.queries.size(), 1);
+}
+
+void TestKelvaClientMain::theLayoutReturns()
+{
+    {
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        QVERIFY(workplace.window->findChild<QDockWidget *>("m_dockStatus")->isVisible());
+        workplace.window->findChild<QDockWidget *>("m_dockStatus")->close();
+        workplace.window->findChild<QSpinBox *>("m_maxSearchBox")->setValue(77);
+        workplace.window->resize(1100, 720);
+    }
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    QVERIFY(!workplace.window->findChild<QDockWidget *>("m_dockStatus")->isVisible());
+    QCOMPARE(FakeArchive::instance().queries.last().last(), QString("OPT:LIMIT;77"));
+    QCOMPARE(workplace.window->size(), QSize(1100, 720));
+}
+
+void TestKelvaClientMain::damagedSettingsDoNotMatter()
+{
+    {
+        QSettings file("Norbant GmbH", QCoreApplication::applicationName());
+        file.setValue("DockSettings", QByteArray(500, '\xff'));
+        file.setValue("DockGeometry", QByteArray("geometry"));
+        file.setValue("ToolBarState", QByteArray(100, '\x7f'));
+        file.setValue("DOCCLASSIFYMAXCOUNT", "many");
+        file.setValue("proxyPort", "-7");
+    }
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    QVERIFY(workplace.window->findChild<QDockWidget *>("m_dockDocuments")->isVisible());
+    QCOMPARE(workplace.window->findChild<QToolBar *>("m_toolBar")->actions().size(), 16);
+}
+
+void TestKelvaClientMain::resettingLeavesTheWindowMaximised()
+{
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    {
+        QSettings file("Norbant GmbH", QCoreApplication::applicationName());
+        file.setValue("isMaximized", true);
+        file.setValue("DockSettings", QByteArray("x"));
+        file.setValue("lastWorkbenchDir", "kept");
+    }
+    workplace.window->findChild<QDockWidget *>("m_dockStatus")->close();
+    DialogScript script;
+    script.expectBox("Reset workbench", "Do you want to reset the workspace to the initial state?",
+                     QMessageBox::Yes);
+    workplace.action("action_Reset")->trigger();
+    QCOMPARE(script.problems(), QString());
+    QVERIFY(workplace.window->findChild<QDockWidget *>("m_dockStatus")->isVisible());
+    QVERIFY(!settings().contains("DockSettings"));
+    QCOMPARE(settings().value("isMaximized").toBool(), true);
+    QCOMPARE(settings().value("lastWorkbenchDir").toString(), QString("kept"));
+}
+
+void TestKelvaClientMain::fullTextNeedsThreeCharacters()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    archive.addDocument("Invoice");
+    archive.addDocument("Letter");
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    auto *cell = workplace.window->findChild<QTableWidget *>("m_SearchString")->item(0, 0);
+    archive.queries.clear();
+    DialogScript script;
+    script.expectBox("full text search", "A minimum of 3 characters is needed for the full text search!");
+    cell->setText("in");
+    QCOMPARE(script.problems(), QString());
+    QVERIFY(archive.queries.isEmpty());
+    cell->setText("inv");
+    QCOMPARE(archive.queries.last().first(), QString("OPT:SELECTION;101"));
+    QVERIFY(workplace.window->findChild<QPushButton *>("m_bClearSuchen")->isEnabled());
+    cell->setText("nothing like it");
+    QCOMPARE(archive.queries.last().first(), QString("OPT:SELECTION;-1"));
+    workplace.window->findChild<QPushButton *>("m_bClearSuchen")->click();
+    QCOMPARE(archive.queries.last(), QStringList({"1=1", "OPT:LIMIT;100"}));
+}
+
+KELVA_TEST(TestKelvaClientMain)
+#include "testkelvaclientmain.moc"

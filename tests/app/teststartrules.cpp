@@ -1,0 +1,80 @@
+#include "support/kelvatest.h"
+
+#include "app/defaultlayout.h"
+#include "app/proxysettings.h"
+#include "app/startoptions.h"
+
+#include <QSettings>
+#include <QTemporaryDir>
+
+class TestStartRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void arguments_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("profile");
+        QTest::addColumn<QStringList>("folders");
+        QTest::addColumn<bool>("skip");
+        QTest::newRow("none") << QStringList{"kelva"} << "" << QStringList() << false;
+        QTest::newRow("the last profile wins")
+            << QStringList{"kelva", "-profile:3", "-profile:5"} << "5" << QStringList() << false;
+        QTest::newRow("an empty profile wins, too")
+            << QStringList{"-profile:3", "-profile:"} << "" << QStringList() << false;
+        QTest::newRow("folders in turn")
+            << QStringList{"-folderid:1", "-folderid:1.2"} << "" << QStringList{"1", "1.2"} << true;
+        QTest::newRow("no colon selects nothing")
+            << QStringList{"-folderidfoo"} << "" << QStringList() << true;
+        QTest::newRow("others are ignored")
+            << QStringList{"--profile:3", "x", "-Profile:4"} << "" << QStringList() << false;
+    }
+
+    void arguments()
+    {
+        QFETCH(QStringList, arguments);
+        const StartOptions options = parseStartOptions(arguments);
+        QTEST(options.profileId, "profile");
+        QTEST(options.folderOids, "folders");
+        QTEST(options.skipResubmissions, "skip");
+    }
+
+    void proxies_data()
+    {
+        QTest::addColumn<QVariant>("use");
+        QTest::addColumn<QVariant>("logon");
+        QTest::addColumn<QString>("proxy");
+        QTest::newRow("nothing stored") << QVariant() << QVariant() << "system";
+        QTest::newRow("true is not checked") << QVariant(1) << QVariant(2) << "system";
+        QTest::newRow("without a login") << QVariant(2) << QVariant(0) << "proxy.example:8080 /";
+        QTest::newRow("with a login") << QVariant(2) << QVariant(2) << "proxy.example:8080 me/pw";
+    }
+
+    void proxies()
+    {
+        QFETCH(QVariant, use);
+        QFETCH(QVariant, logon);
+        const QTemporaryDir directory;
+        QSettings settings(directory.filePath("proxy.ini"), QSettings::IniFormat);
+        if (use.isValid())
+            settings.setValue("proxyUse", use);
+        if (logon.isValid())
+            settings.setValue("proxyLogon", logon);
+        settings.setValue("proxyHost", "proxy.example");
+        settings.setValue("proxyPort", 8080);
+        settings.setValue("proxyUser", "me");
+        settings.setValue("proxyPass", "pw");
+        const ProxySettings result = readProxySettings(settings);
+        const QString text = result.useSystem
+                                 ? QString("system")
+                                 : QString("%1:%2 %3/%4")
+                                       .arg(result.proxy.hostName(), QString::number(result.proxy.port()),
+                                            result.proxy.user(), result.proxy.password());
+        QTEST(text, "proxy");
+        QCOMPARE(result.proxy.type(), QNetworkProxy::DefaultProxy);
+    }
+};
+
+KELVA_TEST(TestStartRules)
+#include "teststartrules.moc"

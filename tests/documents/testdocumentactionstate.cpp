@@ -1,0 +1,63 @@
+#include "support/kelvatest.h"
+
+#include "documents/documentactionstate.h"
+
+class TestDocumentActionState : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void states_data()
+    {
+        QTest::addColumn<QString>("facts"); // l live, d any document, t trash, o offline, c may classify
+        QTest::addColumn<QString>("enabled");
+        QTest::newRow("nothing selected") << "c"
+                                          << "";
+        QTest::newRow("nothing selected in the trash") << "tc"
+                                                       << "history";
+        QTest::newRow("only deleted ones selected in the trash") << "dtc"
+                                                                 << "archive history";
+        QTest::newRow("selected") << "ldc"
+                                  << "resubmit trash archive export link show print folder history";
+        QTest::newRow("selected without the right to classify")
+            << "ld"
+            << "trash archive export link show print folder history";
+        QTest::newRow("selected in the trash") << "ldtc"
+                                               << "trash archive export link show print folder history erase";
+        QTest::newRow("selected offline") << "ldoc"
+                                          << "resubmit trash archive export show print folder history";
+    }
+
+    void states()
+    {
+        QFETCH(QString, facts);
+        SelectionFacts selection;
+        selection.hasLiveDocuments = facts.contains('l');
+        selection.hasDocuments = facts.contains('d');
+        selection.trash = facts.contains('t');
+        selection.offline = facts.contains('o');
+        selection.mayClassify = facts.contains('c');
+        const DocumentActionState state = documentActionState(selection);
+        QStringList enabled;
+        const auto add = [&enabled](bool on, const char *name) {
+            if (on)
+                enabled << name;
+        };
+        add(state.resubmit, "resubmit");
+        add(state.trash, "trash");
+        add(state.moveToArchive, "archive");
+        add(state.exportAndMail, "export");
+        add(state.link, "link");
+        add(state.show, "show");
+        add(state.print, "print");
+        add(state.moveToFolder, "folder");
+        add(state.history, "history");
+        add(state.erase, "erase");
+        QTEST(enabled.join(' '), "enabled");
+        QCOMPARE(state.hideResubmit, !selection.mayClassify);
+        QCOMPARE(state.eraseUnchanged, !selection.hasLiveDocuments);
+    }
+};
+
+KELVA_TEST(TestDocumentActionState)
+#include "testdocumentactionstate.moc"

@@ -1,0 +1,125 @@
+#include "support/kelvatest.h"
+
+#include "extensions/qtfulltoolbarmanager.h"
+
+#include <QAction>
+#include <QMainWindow>
+#include <QToolBar>
+
+#include <memory>
+
+namespace {
+
+/// A window with one default bar of the actions one, a separator, two; three is on no bar.
+struct Bars
+{
+    Bars()
+    {
+        manager.setMainWindow(&window);
+        bar = window.addToolBar("Actions");
+        bar->setObjectName("actions");
+        bar->addAction(make("one"));
+        bar->addSeparator();
+        bar->addAction(make("two"));
+        manager.addDefaultToolBar(bar, "Actions");
+        manager.addAction(make("three"), "Others");
+    }
+
+    QAction *make(const QString &name)
+    {
+        auto *action = new QAction(name, &window);
+        action->setObjectName(name);
+        return action;
+    }
+
+    QAction *action(const QString &name) { return window.findChild<QAction *>(name); }
+
+    QString outline() const
+    {
+        QStringList bars;
+        const QList<QToolBar *> list = manager.toolBars();
+        for (QToolBar *toolBar : list) {
+            QStringList names;
+            const QList<QAction *> actions = toolBar->actions();
+            for (const QAction *shown : actions)
+                names << (shown->isSeparator() ? "-" : shown->objectName());
+            bars << toolBar->windowTitle() + ": " + names.join(' ');
+        }
+        return bars.join("; ");
+    }
+
+    QMainWindow window;
+    QtFullToolBarManager manager;
+    QToolBar *bar;
+};
+
+} // namespace
+
+class TestQtFullToolBarManager : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aStateRoundTrips()
+    {
+        Bars before;
+        before.manager.setToolBar(before.bar, {before.action("two"), nullptr, before.action("three")});
+        QToolBar *custom = before.manager.createToolBar("Mine");
+        QCOMPARE(custom->objectName(), QString("_Custom_Toolbar_1"));
+        before.manager.setToolBar(custom, {before.action("one")});
+
+        Bars after;
+        QVERIFY(after.manager.restoreState(before.manager.saveState(3), 3));
+        QCOMPARE(after.outline(), QString("Actions: two - three; Mine: one"));
+        // Restored a second time, the custom bar is found by its name and not made anew.
+        QVERIFY(after.manager.restoreState(before.manager.saveState(3), 3));
+        QCOMPARE(after.outline(), QString("Actions: two - three; Mine: one"));
+        after.manager.resetAllToolBars();
+        QCOMPARE(after.outline(), QString("Actions: one - two"));
+    }
+
+    void anActionThatIsGoneVanishesAlone()
+    {
+        Bars before;
+        before.manager.setToolBar(before.bar,
+                                  {before.action("two"), before.action("three"), before.action("one")});
+        const QByteArray state = before.manager.saveState(0);
+        Bars after;
+        after.manager.removeAction(after.action("three"));
+        QVERIFY(after.manager.restoreState(state, 0));
+        QCOMPARE(after.outline(), QString("Actions: two one"));
+    }
+
+    void badStatesChangeNothing_data()
+    {
+        Bars bars;
+        bars.manager.setToolBar(bars.bar, {bars.action("three")});
+        const QByteArray state = bars.manager.saveState(0);
+        QByteArray wrongMarker = state;
+        wrongMarker[3] = char(254);
+        QByteArray wrongBarMarker = state;
+        wrongBarMarker[8] = char(1);
+        QByteArray hugeCount = state;
+        hugeCount.replace(9, 4, QByteArray("\x7f\xff\xff\xff", 4));
+        QTest::addColumn<QByteArray>("state");
+        QTest::addColumn<int>("version");
+        QTest::newRow("another version") << state << 1;
+        QTest::newRow("wrong marker") << wrongMarker << 0;
+        QTest::newRow("wrong bar marker") << wrongBarMarker << 0;
+        QTest::newRow("empty") << QByteArray() << 0;
+        QTest::newRow("cut off") << state.left(state.size() - 3) << 0;
+        QTest::newRow("billions of bars") << hugeCount << 0;
+    }
+
+    void badStatesChangeNothing()
+    {
+        QFETCH(QByteArray, state);
+        QFETCH(int, version);
+        Bars bars;
+        QVERIFY(!bars.manager.restoreState(state, version));
+        QCOMPARE(bars.outline(), QString("Actions: one - two"));
+    }
+};
+
+KELVA_TEST(TestQtFullToolBarManager)
+#include "testqtfulltoolbarmanager.moc"

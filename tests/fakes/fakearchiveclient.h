@@ -1,0 +1,41 @@
+#pragma once
+
+#include "server/kelvaarchiveclientinterface.h"
+
+/// The content side of the fake archive. Operations that no test needs yet fail and say so.
+class FakeArchiveClient : public kelvaArchiveClientInterface
+{
+    Q_OBJECT
+
+public:
+    explicit FakeArchiveClient(QObject *parent = nullptr) : kelvaArchiveClientInterface(parent) {}
+
+    kelvaArchiveClientInterface *createClient(QString directory) override;
+    bool connectToArchive(QString host, int port) override;
+    bool disconnectFromArchive() override;
+    QString lastError() override;
+    bool countSubArchiveDocuments(int &) override { return unsupported(); }
+    bool getSubArchives(QStringList &archives) override;
+    bool selectArchive(QString archiveKey) override;
+    bool downloadDocument(int, QString &, int) override { return unsupported(); }
+    qint64 getLastDocId() override { return 0; }
+    bool createSubArchive(QString, QString) override { return unsupported(); }
+    void cancelStreaming() override {}
+    QStringList searchDocuments(QString query) override;
+    bool uploadDocument(QString, QString, bool) override { return unsupported(); }
+    bool login(QString user, QString password) override;
+    QStringList getDocumentInfo(QStringList docIds) override;
+    bool deleteDocument(QString, QStringList) override { return unsupported(); }
+    bool getDocumentActions(QStringList docIds, QStringList &actions, int mode, QString user) override;
+    bool writeDocumentInfo(int, int) override { return unsupported(); }
+    bool moveDocToArchive(qint64, int) override { return unsupported(); }
+    bool deleteSubArchive(int) override { return unsupported(); }
+    bool renameSubArchive(int, QString) override { return unsupported(); }
+    void getApiStatistics(qint64 &today, qint64 &total, qint64 &failed) override
+    {
+        today = total = failed = 0;
+    }
+
+private:
+    bool unsupported();
+};

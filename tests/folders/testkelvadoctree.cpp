@@ -1,0 +1,151 @@
+#include "support/kelvatest.h"
+#include "support/workbenchfixture.h"
+
+#include "folders/kelvadocitem.h"
+#include "folders/kelvadoctree.h"
+#include "folders/kelvafolderview.h"
+#include "server/recordformat.h"
+
+#include <QAbstractItemModelTester>
+#include <QAbstractProxyModel>
+#include <QCompleter>
+#include <QSignalSpy>
+
+namespace {
+
+QString record(const QStringList &fields)
+{
+    return fields.join(recordformat::fieldSeparator);
+}
+
+/// The tree as indented names, one per line.
+QString outline(const KelvaDocTree &tree, const QModelIndex &parent = {}, int depth = 0)
+{
+    QString text;
+    for (int row = 0; row < tree.rowCount(parent); ++row) {
+        const QModelIndex index = tree.index(row, 0, parent);
+        text += QString(depth, '-') + index.data().toString() + '\n' + outline(tree, index, depth + 1);
+    }
+    return text;
+}
+
+QStringList oids(const QList<KelvaDocItem *> &items)
+{
+    QStringList list;
+    for (const KelvaDocItem *item : items)
+        list << item->getOid();
+    return list;
+}
+
+} // namespace
+
+class TestKelvaDocTree : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void recordsBecomeATree()
+    {
+        KelvaDocTree tree("Folders", true, QString(), QString(), nullptr);
+        const QAbstractItemModelTester tester(&tree);
+        tree.loadFromStringList({record({"1", "Company", "0", "C", "-1", "0", "", "", "all of it"}),
+                                 record({"1.2", "Locked", "0", "", "1", "0", "L", "", ""}),
+                                 record({"5.2", "Orphan", "0", "", "5", "0", "", "E", ""}),
+                                 record({"5", "Late", "I"}), record({"6", "Short"}),
+                                 record({"7", "Eight", "I", "k", "", "", "L", "E"})},
+                                {}, false);
+        // A child that comes before its parent stays below the top node.
+        QCOMPARE(outline(tree), QString("All folders\n-Company\n--Locked\n-Orphan\n-Late\n-Short\n-Eight\n"));
+        QCOMPARE(tree.findItem("1.2")->getFlags(), Qt::ItemFlags(Qt::NoItemFlags));
+        QCOMPARE(oids(tree.getHiddenRows()), QStringList({"5", "7"}));
+        QCOMPARE(oids(tree.getEmptyRows()), QStringList({"5.2", "7"}));
+        QCOMPARE(tree.findItem("6")->getFlag(), QString());
+        QVERIFY(!tree.findItem("1")->hasChange());
+        QCOMPARE(tree.findItem("-1")->getName(), QString("All folders"));
+        QCOMPARE(tree.getCompleterStringList().mid(0, 4), QStringList({"all", "of", "it", "all of it"}));
+        QVERIFY(!tree.getCompleterStringList().contains("Late"));
+        QCOMPARE(tree.headerData(2, Qt::Horizontal).toString(), QString("Keywords"));
+
+        tree.loadFromStringList({record({"9", "New"})}, {}, true);
+        QCOMPARE(outline(tree), QString("All folders\n-New\n"));
+        QVERIFY(!tree.findItem("1"));
+    }
+
+    void theCurrentFolderIsMarked()
+    {
+        KelvaDocTree tree("Folders", true, "not assigned", "0", nullptr);
+        tree.loadFromStringList({record({"1", "Company"})}, {}, false);
+        const QModelIndex index = tree.indexFromItem(tree.findItem("1"));
+        tree.setPrevItem(tree.findItem("1"));
+        QCOMPARE(index.data(Qt::ForegroundRole).value<QBrush>().color(), QColor(255, 0, 0));
+        QCOMPARE(index.data(Qt::FontRole).value<QFont>().weight(), int(QFont::Bold));
+        tree.resetPrevItem();
+        QVERIFY(!index.data(Qt::ForegroundRole).isValid());
+        QVERIFY(!index.data(Qt::EditRole).isValid());
+    }
+
+    void nextChildNumberIsAboveTheLargest()
+    {
+        KelvaDocTree tree("Folders", true, QString(), QString(), nullptr);
+        tree.loadFromStringList(
+            {record({"3", "a"}), record({"3.1", "b"}), record({"3.9", "c"}), record({"3.x", "d"})}, {},
+            false);
+        QCOMPARE(tree.findItem("3")->nextChildNum(), QString("3.10"));
+        QCOMPARE(tree.findItem("3.1")->nextChildNum(), QString("3.1.1"));
+    }
+
+    void removedFoldersStayReadable()
+    {
+        KelvaDocTree tree("Folders", false, QString(), QString(), nullptr);
+        tree.loadFromStringList({record({"3", "a"}), record({"3.1", "b"}), record({"3.1.1", "c"})}, {},
+                                false);
+        QList<KelvaDocItem *> removed;
+        tree.findItem("3")->removeChild(tree.findItem("3.1"), removed);
+        QCOMPARE(oids(removed), QStringList({"3.1.1", "3.1"}));
+        QCOMPARE(tree.findItem("3")->childCount(), 0);
+    }
+
+    void theViewSpeaksInTreeIndexes()
+    {
+        KelvaDocTree tree("Folders", true, QString(), QString(), nullptr);
+        tree.loadFromStringList({record({"1", "Zebra"}), record({"2", "Ant"})}, {}, false);
+        KelvaFolderView view;
+        view.setModel(&tree);
+        view.sortByColumn(0, Qt::AscendingOrder);
+        QCOMPARE(view.currentOid(), QString());
+        const QSignalSpy changes(&view, SIGNAL(curSelChanged()));
+        view.setCurrentIndex(tree.indexFromItem(tree.findItem("1")));
+        QCOMPARE(view.currentOid(), QString("1"));
+        QCOMPARE(changes.count(), 1);
+        QVERIFY(tree.findItem("1")->isItemChecked());
+        view.setCurrentIndex(QModelIndex());
+        QCOMPARE(view.currentOid(), QString("1"));
+    }
+
+    void expandedFoldersReturn()
+    {
+        KelvaDocTree tree("Folders", true, QString(), QString(), nullptr);
+        tree.loadFromStringList(
+            {record({"1", "a"}), record({"1.1", "b"}), record({"2", "c"}), record({"2.1", "d"})}, {}, false);
+        const auto expanded = [&tree](const KelvaFolderView &view, const QString &oid) {
+            const auto *proxy = qobject_cast<const QAbstractProxyModel *>(view.QTreeView::model());
+            return view.isExpanded(proxy->mapFromSource(tree.indexFromItem(tree.findItem(oid))));
+        };
+        {
+            KelvaFolderView view;
+            view.setSaveState(true, "testTree");
+            view.setModel(&tree);
+            const auto *proxy = qobject_cast<const QAbstractProxyModel *>(view.QTreeView::model());
+            view.expand(proxy->mapFromSource(tree.indexFromItem(tree.findItem("-1"))));
+            view.expand(proxy->mapFromSource(tree.indexFromItem(tree.findItem("1"))));
+        }
+        KelvaFolderView view;
+        view.setSaveState(true, "testTree");
+        view.setModel(&tree);
+        QVERIFY(expanded(view, "1"));
+        QVERIFY(!expanded(view, "2"));
+    }
+};
+
+KELVA_TEST(TestKelvaDocTree)
+#include "testkelvadoctree.moc"

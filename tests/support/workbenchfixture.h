@@ -1,0 +1,21 @@
+#pragma once
+
+#include "folders/workbenchdata.h"
+
+#include <QSharedMemory>
+
+/// Lays a data block down in shared memory, as the Connection Manager does, for as long as it lives.
+class WorkbenchFixture
+{
+public:
+    /// The vocabulary that goes with the fake archive.
+    static WorkbenchData vocabulary();
+    static QByteArray block(const WorkbenchData &data);
+
+    WorkbenchFixture(const QString &key, const QByteArray &block);
+    bool isReady() const { return m_ready; }
+
+private:
+    QSharedMemory m_segment;
+    bool m_ready = false;
+};
