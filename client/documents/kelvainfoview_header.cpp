@@ -12,6 +12,8 @@
 namespace {
 
 const char stateKey[] = "InfoViewState";
+/// Until the user has set the widths: long texts must not push the other columns out of sight.
+constexpr int widestFirstColumn = 280;
 
 } // namespace
 
@@ -100,6 +102,14 @@ void KelvaInfoView::doResizeColumnsToContents()
 {
     if (autoResize)
         resizeColumnsToContents();
+    if (m_headerKnown)
+        return;
+    resizeColumnsToContents();
+    for (int column = 0; column < horizontalHeader()->count(); ++column)
+        if (columnWidth(column) > widestFirstColumn)
+            setColumnWidth(column, widestFirstColumn);
+    m_headerKnown = true;
+    saveHeaderState(); // measured once, not at every load
 }
 
 void KelvaInfoView::reloadAll()
