@@ -174,6 +174,8 @@ Database::~Database()
         if (own.isOpen()) {
             if (!m_readOnly) {
                 QSqlQuery optimize(own);
+                // Nobody waits at the end for somebody else's transaction.
+                optimize.exec(QStringLiteral("PRAGMA busy_timeout = 0"));
                 optimize.exec(QStringLiteral("PRAGMA analysis_limit = 400"));
                 optimize.exec(QStringLiteral("PRAGMA optimize"));
             }
