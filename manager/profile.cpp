@@ -1,0 +1,120 @@
+#include "manager/profile.h"
+
+#include "server/recordformat.h"
+#include "service/archive.h"
+#include "service/workbench.h"
+
+#include <QCoreApplication>
+#include <QDataStream>
+
+#include <algorithm>
+#include <tuple>
+
+namespace kelva {
+namespace {
+
+constexpr int longestText = 254;
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("Profile", text);
+}
+
+auto fieldsOf(const Profile &p)
+{
+    return std::tie(p.id, p.name, p.host, p.port, p.user, p.password, p.flag, p.archives, p.archiveIndex,
+                    p.displayLine1, p.displayLine2, p.extraList1, p.extraList2);
+}
+
+bool isPlain(const QString &text)
+{
+    return text.size() <= longestText && std::none_of(text.begin(), text.end(), [](QChar c) {
+               return c.category() == QChar::Other_Control || c == recordformat::fieldSeparator ||
+                      c == recordformat::listSeparator || c == recordformat::rowSeparator;
+           });
+}
+
+bool isArchiveNumber(const QString &port)
+{
+    bool isNumber = false;
+    const int number = port.toInt(&isNumber);
+    return isNumber && number > 0 && port == QString::number(number);
+}
+
+QString chosenField(const Profile &profile, int field)
+{
+    return profile.archives.value(profile.archiveIndex)
+        .split(recordformat::fieldSeparator, Qt::KeepEmptyParts)
+        .value(field);
+}
+
+} // namespace
+
+QString Profile::archiveName() const
+{
+    return chosenField(*this, 0);
+}
+
+QString Profile::archiveKey() const
+{
+    return chosenField(*this, 1);
+}
+
+QString Profile::blockKey() const
+{
+    return workbenchKey(user, host, port.toInt(), id);
+}
+
+bool operator==(const Profile &a, const Profile &b)
+{
+    return fieldsOf(a) == fieldsOf(b);
+}
+
+QDataStream &operator<<(QDataStream &stream, const Profile &profile)
+{
+    return stream << profile.id << profile.name << profile.host << profile.port << profile.user
+                  << profile.password << profile.flag << profile.archives << qint64(profile.archiveIndex)
+                  << profile.displayLine1 << profile.displayLine2 << profile.extraList1 << profile.extraList2;
+}
+
+Profile tidied(Profile profile)
+{
+    for (QString *text : {&profile.name, &profile.host, &profile.port, &profile.user, &profile.displayLine1,
+                          &profile.displayLine2})
+        *text = text->trimmed();
+    bool isNumber = false;
+    if (const int number = profile.port.toInt(&isNumber); isNumber)
+        profile.port = QString::number(number);
+    return profile;
+}
+
+Result<void> validate(const Profile &profile)
+{
+    const auto wrong = [](const QString &text) { return Error{ErrorCode::BadInput, text}; };
+    if (profile.name.isEmpty())
+        return wrong(tr("Please give the profile a name."));
+    if (profile.host.isEmpty())
+        return wrong(tr("Please enter the host, \"localhost\" for an archive of this computer."));
+    if (!isArchiveNumber(profile.port))
+        return wrong(tr("The port must be a whole number above 0."));
+    if (const Result<QString> file = archiveFile(profile); !file)
+        return file.error();
+    if (profile.user.isEmpty())
+        return wrong(tr("Please enter the user's login name."));
+    if (profile.password.isEmpty())
+        return wrong(tr("Please enter the password."));
+    for (const QString &text : {profile.name, profile.host, profile.user, profile.password,
+                                profile.displayLine1, profile.displayLine2})
+        if (!isPlain(text))
+            return wrong(tr("The texts may hold at most 254 characters, and no line breaks."));
+    if (profile.archiveKey().isEmpty())
+        return wrong(tr("Please load the archives and choose one of them."));
+    return {};
+}
+
+Result<QString> archiveFile(const Profile &profile)
+{
+    return archive::fileFor(profile.host, profile.port.toInt());
+}
+
+} // namespace kelva

@@ -1,0 +1,79 @@
+#include "manager/profileblock.h"
+
+#include "service/session.h"
+#include "service/workbench.h"
+
+#include <QCoreApplication>
+#include <QSharedMemory>
+
+#include <cstring>
+
+namespace kelva {
+
+ProfileBlock::ProfileBlock() = default;
+ProfileBlock::~ProfileBlock() = default;
+
+Result<void> ProfileBlock::renew(const Profile &profile)
+{
+    const Result<QString> path = archiveFile(profile);
+    if (!path)
+        return path.error();
+    const QString key = profile.blockKey();
+    const bool sameSource = m_segment && m_segment->key() == key && m_path == path.value();
+    // Before reading: what is written in between shows in the next stamp.
+    const FileStamp stamp = FileStamp::of(path.value());
+    const bool sameArchive = sameSource && m_stamp.isStill(stamp);
+    if (sameArchive && isReadable(key))
+        return {};
+    if (sameArchive)
+        return publish(key);
+    auto session = Session::openAsUser(path.value(), profile.user);
+    if (!session)
+        return session.error();
+    ++m_readings;
+    Result<QByteArray> block = workbenchBlock(*session.value());
+    if (!block)
+        return block.error();
+    const bool sameBlock = sameSource && m_block == block.value();
+    m_block = std::move(block.value());
+    // Until it is there, nothing counts as published.
+    m_stamp = FileStamp();
+    if (!sameBlock || !isReadable(key))
+        if (const Result<void> published = publish(key); !published)
+            return published;
+    m_path = path.value();
+    m_stamp = stamp;
+    return {};
+}
+
+Result<void> ProfileBlock::publish(const QString &key)
+{
+    if (!m_segment || m_segment->key() != key)
+        m_segment = std::make_unique<WorkbenchSegment>(key);
+    if (const Result<void> published = m_segment->publish(m_block); !published)
+        return published;
+    if (isReadable(key))
+        return {};
+    // The key file was swept out of the temporary directory: readers no longer find this segment.
+    m_segment.reset();
+    m_segment = std::make_unique<WorkbenchSegment>(key);
+    if (const Result<void> published = m_segment->publish(m_block); !published)
+        return published;
+    if (isReadable(key))
+        return {};
+    return Error{ErrorCode::Storage,
+                 QCoreApplication::translate("ProfileBlock", "The vocabulary cannot be read back.")};
+}
+
+bool ProfileBlock::isReadable(const QString &key) const
+{
+    QSharedMemory reader(key);
+    if (!reader.attach(QSharedMemory::ReadOnly) || reader.size() < m_block.size() || !reader.lock())
+        return false;
+    const bool same =
+        std::memcmp(reader.constData(), m_block.constData(), static_cast<std::size_t>(m_block.size())) == 0;
+    reader.unlock();
+    return same;
+}
+
+} // namespace kelva
