@@ -105,7 +105,8 @@ private:
     MySortFilterProxyModel *m_proxy;
     bool autoResize = false;
     bool noEdit = true;
-    bool m_headerKnown = true; ///< the profile's header was stored; otherwise widths follow the first contents
+    bool m_headerKnown =
+        true; ///< the profile's header was stored; otherwise widths follow the first contents
     QAction *m_hideAction = nullptr;
     QAction *m_resizeAction = nullptr;
     QAction *m_autoResizeAction = nullptr;

@@ -164,8 +164,9 @@ void KelvaInfoView::fillRows(const QStringList &docs, int columns, const QMap<QS
         anyResubmission = anyResubmission || look.resubmission;
         QList<QStandardItem *> row;
         row.reserve(columns);
-        for (int column = 0; column < columns && column < fields.size() - 1; ++column) {
-            const QString &field = fields.at(column);
+        for (int column = 0; column < columns; ++column) {
+            // Of a row that is too short the last field still is the rights; the missing ones are empty.
+            const QString field = column < fields.size() - 1 ? fields.at(column) : QString();
             auto *cell = new QStandardItem(column == documentcolumn::id ? look.archiveId
                                            : numeric.at(column)         ? numericCellText(field, decimalPoint)
                                                                         : field);
