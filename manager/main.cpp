@@ -92,7 +92,7 @@ int main(int argc, char *argv[])
     if (command.task == Task::ShowWindow) {
         DisplayProbe display;
         if (!display.isReachable())
-            return complain(QStringLiteral("There is no display. With --no-window it runs without one."));
+            return complain(QStringLiteral("No display can be reached. With --no-window it runs without one."));
         QGuiApplication::setFallbackSessionManagementEnabled(false);
         QApplication application(argc, argv);
         display.close();
