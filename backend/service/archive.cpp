@@ -57,6 +57,30 @@ void removeDatabaseFile(const QString &path)
         QFile::remove(path + QLatin1String(suffix));
 }
 
+/// Keeps the archive that a restored one takes the place of. Whoever works with it would go on writing to a
+/// file that is no longer there, so nobody may.
+Result<void> putAside(const QString &path)
+{
+    constexpr int shortWaitMs = 500;
+    {
+        auto old = Database::open(path, Database::Mode::ReadWrite, shortWaitMs);
+        // What cannot be read as an archive is kept as the file it is.
+        if (!old && old.error().code != ErrorCode::NotAnArchive)
+            return old.error();
+        if (old && old.value()->isUsedByOthers())
+            return Error{ErrorCode::Busy,
+                         QStringLiteral(
+                             "The archive is in use. It can be restored when all programs that work with it "
+                             "are closed.")};
+    }
+    const QString kept = path + QStringLiteral(".before-restore");
+    removeDatabaseFile(kept);
+    if (!QFile::rename(path, kept))
+        return Error{ErrorCode::Storage, QStringLiteral("The archive %1 could not be put aside.").arg(path)};
+    removeDatabaseFile(path);
+    return {};
+}
+
 } // namespace
 
 QString archive::home()
@@ -130,16 +154,10 @@ Result<void> archive::restore(const QString &backup, const QString &path)
     if (const Result<void> copied = source.value()->backupTo(unfinished); !copied)
         return copied;
     if (QFileInfo::exists(path)) {
-        const QString kept = path + QStringLiteral(".before-restore");
-        removeDatabaseFile(kept);
-        if (const Result<void> saved = archive::backup(path, kept); !saved) {
-            // What cannot be read as an archive is kept as the file it is.
-            if (saved.error().code != ErrorCode::NotAnArchive || !QFile::copy(path, kept)) {
-                QFile::remove(unfinished);
-                return saved;
-            }
+        if (const Result<void> aside = putAside(path); !aside) {
+            removeDatabaseFile(unfinished);
+            return aside;
         }
-        removeDatabaseFile(path);
     }
     if (!QFile::rename(unfinished, path))
         return Error{ErrorCode::Storage,

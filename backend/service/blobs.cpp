@@ -40,6 +40,9 @@ BlobWriter::~BlobWriter()
 
 Result<void> BlobWriter::readAll(QFile &file, const Content::Progress &progress)
 {
+    // An empty file is reported as well: it has arrived with its first look.
+    if (file.size() == 0 && progress && !progress(0))
+        return cancelled();
     for (;;) {
         const QByteArray piece = file.read(pieceSize);
         if (piece.isEmpty())

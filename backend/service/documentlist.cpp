@@ -121,6 +121,7 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
         sql += QStringLiteral(", c.docart, c.cdate");
     sql += QStringLiteral(" FROM classification c WHERE %1 ORDER BY c.id DESC").arg(source.condition.sql);
     const Retention retention = source.withRetention ? Retention::load(database) : Retention();
+    const QDate today = session.today();
     const bool mayClassify = access.has(QStringLiteral("kelvaCLASSIFY"));
     QStringList rows;
     for (Query row = database.query(sql, QVariantList{columns.rowFormat()} + source.condition.values);
@@ -131,7 +132,7 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
             text += QLatin1Char('W');
         if (row.flag(1))
             text += QLatin1Char('N');
-        if (source.withRetention && retention.isInForce(row.number(3), row.text(4), session.today()))
+        if (source.withRetention && retention.isInForce(row.number(3), row.text(4), today))
             text += QLatin1Char('F');
         rows << text;
     }

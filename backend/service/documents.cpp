@@ -191,7 +191,7 @@ Result<void> collectFixed(Session &session, const DocumentRecord &record, const 
     const QString mainFolder = fields.at(MainFolder);
     if (!mainFolder.isEmpty() && !isFolderOid(mainFolder))
         return Error{ErrorCode::BadInput, QStringLiteral("The main folder is not valid.")};
-    changes->set(QStringLiteral("mandant"), mainFolder.isNull() ? QStringLiteral("") : mainFolder);
+    changes->set(QStringLiteral("mandant"), mainFolder);
     changes->set(QStringLiteral("bemerkung"), storedText(fields.at(Description), maximumDescription));
     bool isNumber = false;
     const int status = fields.at(Status).toInt(&isNumber);

@@ -10,9 +10,7 @@ namespace kelva {
 
 QVariant storedText(const QString &text, int maximum)
 {
-    const QString clean = cleanText(text, maximum);
-    // A null string would be bound as NULL.
-    return clean.isNull() ? QStringLiteral("") : clean;
+    return cleanText(text, maximum);
 }
 
 Result<QVariant> storedDate(const QString &text)

@@ -18,7 +18,7 @@ QString cleanDefinition(QString text)
     text.remove(recordformat::fieldSeparator);
     text.remove(QChar(u'\0'));
     text.truncate(maximumDefinition);
-    return text.isNull() ? QStringLiteral("") : text;
+    return text;
 }
 
 bool isPersonalOfOthers(const QStringList &roles, const QString &login)

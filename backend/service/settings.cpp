@@ -36,8 +36,7 @@ Result<void> Settings::save(const QString &section, const QString &key, const Se
     const QByteArray value = setting.value.isNull() ? QByteArray("") : setting.value;
     database.run(
         QStringLiteral("INSERT OR REPLACE INTO setting(section, name, value, owner) VALUES(?, ?, ?, ?)"),
-        {section.isNull() ? QStringLiteral("") : section, key, value,
-         setting.owner.isNull() ? QStringLiteral("") : setting.owner});
+        {section, key, value, setting.owner});
     return writing.commit();
 }
 

@@ -3,7 +3,6 @@
 #include "store/schema.h"
 #include "store/sqlfunctions.h"
 
-#include <QAtomicInt>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -11,6 +10,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QUrl>
+#include <QUuid>
 #include <QtEndian>
 
 #include <cstring>
@@ -95,6 +95,12 @@ Result<void> createEmptyFile(const QString &path)
     return {};
 }
 
+/// A text that was never set is an empty text; NULL is said by an invalid value.
+QVariant bound(const QVariant &value)
+{
+    return value.userType() == QMetaType::QString && value.isNull() ? QVariant(QStringLiteral("")) : value;
+}
+
 void bindValue(sqlite3_stmt *statement, int place, const QVariant &value)
 {
     switch (static_cast<QMetaType::Type>(value.userType())) {
@@ -148,7 +154,7 @@ bool Statement::run(const QVariantList &values)
     if (!m_prepared || !m_database.mayRun())
         return false;
     for (int i = 0; i < values.size(); ++i)
-        m_query.bindValue(i, values.at(i));
+        m_query.bindValue(i, bound(values.at(i)));
     if (m_query.exec())
         return true;
     m_database.noteFailure(m_query);
@@ -168,6 +174,8 @@ Database::~Database()
         if (own.isOpen()) {
             if (!m_readOnly) {
                 QSqlQuery optimize(own);
+                // Nobody waits at the end for somebody else's transaction.
+                optimize.exec(QStringLiteral("PRAGMA busy_timeout = 0"));
                 optimize.exec(QStringLiteral("PRAGMA analysis_limit = 400"));
                 optimize.exec(QStringLiteral("PRAGMA optimize"));
             }
@@ -197,8 +205,8 @@ Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode,
     } else if (const Result<void> header = checkHeader(path); !header) {
         return header.error();
     }
-    static QAtomicInt counter;
-    const QString name = QStringLiteral("kelva-%1").arg(counter.fetchAndAddRelaxed(1));
+    // Each plug-in of the process has this code of its own, but they share the names.
+    const QString name = QStringLiteral("kelva-") + QUuid::createUuid().toString(QUuid::Id128);
     QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     std::unique_ptr<Database> database(new Database(path, name));
     if (const Result<void> connected = database->connect(mode, busyTimeoutMs, version); !connected)
@@ -283,7 +291,7 @@ bool Database::run(const QString &sql, const QVariantList &values)
     bool done = statement.prepare(sql);
     if (done) {
         for (int i = 0; i < values.size(); ++i)
-            statement.bindValue(i, values.at(i));
+            statement.bindValue(i, bound(values.at(i)));
         done = statement.exec();
     }
     if (!done) {
@@ -304,7 +312,7 @@ Query Database::query(const QString &sql, const QVariantList &values)
     bool done = statement.prepare(sql);
     if (done) {
         for (int i = 0; i < values.size(); ++i)
-            statement.bindValue(i, values.at(i));
+            statement.bindValue(i, bound(values.at(i)));
         done = statement.exec();
     }
     if (!done)
@@ -401,6 +409,17 @@ Result<void> Database::backupTo(const QString &target)
         return Error{ErrorCode::Storage, QStringLiteral("The backup %1 could not be written.").arg(target)};
     }
     return {};
+}
+
+bool Database::isUsedByOthers()
+{
+    if (m_readOnly)
+        return false;
+    // Only the last one connected can leave the write-ahead log.
+    const bool alone =
+        value(QStringLiteral("PRAGMA journal_mode = DELETE")).toString() == QLatin1String("delete");
+    value(QStringLiteral("PRAGMA journal_mode = WAL"));
+    return !alone;
 }
 
 QStringList Database::integrityFaults()

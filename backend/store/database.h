@@ -107,6 +107,8 @@ public:
 
     /// Copies the archive as it stands, while others work with it. The target must not exist.
     Result<void> backupTo(const QString &target);
+    /// Another connection, of this process or another, has the archive open.
+    bool isUsedByOthers();
     /// Faults found by reading everything, one sentence each; empty for a sound archive.
     QStringList integrityFaults();
     /// Gathers what the query planner wants to know; for use after bulk insertions.

@@ -14,7 +14,7 @@ KelvaAbout::KelvaAbout(QWidget *parent)
     const QPixmap logo(":/icons/splash.png");
     m_ui->m_logo->setPixmap(logo);
     if (!logo.mask().isNull())
-        setMask(logo.mask());
+        setMask(logo.mask().scaled(size()));
     m_ui->m_bQt->setText(tr("using QT %1").arg(programversion::qtText));
     connect(m_ui->m_bQt, SIGNAL(clicked()), qApp, SLOT(aboutQt()));
     connect(m_ui->m_bClose, SIGNAL(clicked()), this, SLOT(accept()));

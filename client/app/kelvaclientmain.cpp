@@ -101,6 +101,7 @@ void KelvaClientMain::setupPanels()
 
 void KelvaClientMain::connectPanels()
 {
+    connect(m_infoView, SIGNAL(doubleClicked(QModelIndex)), this, SLOT(notAvailableYet()));
     connect(m_currentSubArchiv, SIGNAL(currentIndexChanged(int)), this, SLOT(subArchiveChanged(int)));
     connect(m_infoView->selectionModel(), SIGNAL(selectionChanged(QItemSelection, QItemSelection)), this,
             SLOT(docSelChanged(QItemSelection)));
@@ -227,6 +228,14 @@ void KelvaClientMain::showAbout()
 void KelvaClientMain::showHelp()
 {
     QDesktopServices::openUrl(QUrl(QUrl::fromPercentEncoding(helpAddress)));
+}
+
+bool KelvaClientMain::event(QEvent *event)
+{
+    // An open menu without a tip of its own would wipe the count of documents off the status bar.
+    if (event->type() == QEvent::StatusTip && static_cast<QStatusTipEvent *>(event)->tip().isEmpty())
+        return true;
+    return QMainWindow::event(event);
 }
 
 void KelvaClientMain::closeEvent(QCloseEvent *event)

@@ -67,6 +67,7 @@ public slots:
     /// The refresh of the document list. docIds: classification ids to select instead of the present ones.
     void updateDocuments(QStringList docIds = {}, bool resetPlugins = false);
     void updateDocumentsClearPlugins();
+    void runMissedRefresh();
     void doUpdateDocuments();
     void selChanged();
     void timerSelChanged();
@@ -94,6 +95,7 @@ signals:
     void updatePluginData();
 
 protected:
+    bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
 
@@ -109,6 +111,7 @@ private:
     // app/kelvaclientmain_login.cpp
     bool doLogin();
     bool chooseProfile();
+    bool reloadWorkplace(bool updateDocs);
     bool takeProfile();
     bool enterOfflineArchive();
     bool isArchiveKnown();
@@ -135,6 +138,7 @@ private:
     // documents/kelvaclientmain_list.cpp
     DocumentQuery currentQuery() const;
     void refreshTable(const QStringList &docIds, bool resetPlugins, bool senderIsModel);
+    void missRefresh(const QStringList &docIds, bool resetPlugins);
     bool loadRows();
     void showCount();
     void updateFolderColumn();
@@ -147,6 +151,7 @@ private:
     // documents/kelvaclientmain_search.cpp
     void setSearchActive(bool active);
     void searchFullText(const QString &words);
+    KelvaDelegate *searchDelegate(const QString &column) const;
 
     // folders/kelvaclientmain_folders.cpp
     bool initFolders();
@@ -213,7 +218,12 @@ private:
     QStringList m_columnNames; ///< field keys in the order of the table's columns
     QMutex m_updateMutex;
     QMutex m_timerMutex;
-    bool m_refreshMissed = false; ///< a refresh was asked for while one was running
+    bool m_reloading = false; ///< updateAll() is at work and lets events run
+    bool m_connectionLost = false;
+    /// What was asked for while a refresh or a reload was running.
+    bool m_refreshMissed = false;
+    QStringList m_missedDocIds;
+    bool m_missedPlugins = false;
     int selectTimerId = -1;
 
     // Vocabulary

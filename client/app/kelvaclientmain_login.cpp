@@ -9,8 +9,11 @@
 #include "server/kelvalogindata.h"
 #include "server/recordformat.h"
 
+#include <QCloseEvent>
 #include <QMessageBox>
 #include <QProgressDialog>
+#include <QScopeGuard>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QTimer>
 
@@ -19,6 +22,21 @@ namespace {
 constexpr int blinkMs = 300;
 /// There are 12 texts: the bar ends one short of full, and is meant to.
 constexpr int splashSteps = 13;
+
+/// Without a cancel button, Escape or the window's cross would still close the dialog and set the window
+/// free.
+class ReloadProgress final : public QProgressDialog
+{
+public:
+    ReloadProgress(const QString &text, QWidget *parent) : QProgressDialog(text, QString(), 0, 0, parent)
+    {
+        setCancelButton(nullptr);
+    }
+    void reject() override {}
+
+protected:
+    void closeEvent(QCloseEvent *event) override { event->ignore(); }
+};
 
 QStringList archiveFields(const QString &entry)
 {
@@ -34,18 +52,21 @@ bool KelvaClientMain::doLogin()
         return false;
     }
     loginSplash = new KelvaDocLogin;
+    // Also when an exception leaves the login: a splash without a program behind it cannot be closed.
+    const auto closeSplash = qScopeGuard([this] {
+        delete loginSplash;
+        loginSplash = nullptr;
+    });
     loginSplash->setDisplayLines(profile.displayLine1, profile.displayLine2);
     loginSplash->loginMode();
     loginSplash->show();
     loginSplash->update();
     QCoreApplication::processEvents();
 
-    const bool connected = connectToClassification();
+    const bool connected = connectToClassification() && !m_connectionLost;
     const bool archiveKnown = connected && (offlineMode || isArchiveKnown());
-    if (!archiveKnown) {
-        delete loginSplash;
-        loginSplash = nullptr;
-    }
+    if (!archiveKnown)
+        loginSplash->hide();
     if (!connected) {
         // On a first login connectToClassification() has said what is wrong.
         if (!firstConnect)
@@ -62,8 +83,6 @@ bool KelvaClientMain::doLogin()
     }
     firstConnect = false;
     initialized = true;
-    delete loginSplash;
-    loginSplash = nullptr;
     setWindowTitle("Kelva - " + profile.displayLine1 + " - " + classifyClient->getArchiveName());
     return true;
 }
@@ -79,7 +98,7 @@ bool KelvaClientMain::enterOfflineArchive()
     }
     const QStringList fields = archiveFields(archives.first());
     const QSignalBlocker blocker(m_currentSubArchiv);
-    m_currentSubArchiv->addItem(QIcon(), fields.value(0), fields.value(1));
+    m_currentSubArchiv->addItem(QIcon(), fields.value(0), fields.value(fields.size() > 1 ? 1 : 0));
     return true;
 }
 
@@ -231,17 +250,35 @@ void KelvaClientMain::changePassword()
 
 bool KelvaClientMain::updateAll(bool updateDocs)
 {
-    // The dialog below lets events run: nothing may refresh the list half-way.
+    // It lets events run: a second one must not start on half a workplace.
+    if (m_reloading)
+        return true;
+    bool reloaded = false;
+    {
+        const QScopedValueRollback<bool> reloading(m_reloading, true);
+        reloaded = reloadWorkplace(updateDocs);
+    }
+    if (!reloaded) {
+        close();
+        return false;
+    }
+    if (updateDocs)
+        selChanged();
+    return true;
+}
+
+bool KelvaClientMain::reloadWorkplace(bool updateDocs)
+{
+    // Nothing may refresh the list half-way.
     if (selectTimerId != -1) {
         killTimer(selectTimerId);
         selectTimerId = -1;
     }
     disconnect(m_twStatus, SIGNAL(currentRowChanged(int)), this, SLOT(selChanged()));
     kelvaLoginData login;
-    QProgressDialog progress(tr("Reloading workbench..."), QString(), 0, 0, this);
+    ReloadProgress progress(tr("Reloading workbench..."), this);
     progress.setWindowModality(Qt::WindowModal);
     progress.setMinimumDuration(0);
-    progress.setCancelButton(nullptr);
     progress.show();
     QCoreApplication::processEvents();
 
@@ -250,10 +287,8 @@ bool KelvaClientMain::updateAll(bool updateDocs)
     loadSettings();
     if (updateDocs)
         m_infoView->resetHeaders();
-    if (!initFolders()) {
-        close();
+    if (!initFolders())
         return false;
-    }
     initStatus();
     loadFilters();
     emit updatePluginData();
@@ -261,10 +296,6 @@ bool KelvaClientMain::updateAll(bool updateDocs)
     stopReloadBlink();
     resetFilters(false, true);
     QCoreApplication::processEvents();
-    if (updateDocs) {
-        QCoreApplication::processEvents();
-        selChanged();
-    }
     reloadPending = false;
     // initStatus() has connected the pair as well; two connections would refresh twice.
     disconnect(m_twStatus, SIGNAL(currentRowChanged(int)), this, SLOT(selChanged()));
@@ -274,6 +305,7 @@ bool KelvaClientMain::updateAll(bool updateDocs)
 
 void KelvaClientMain::clientDisconnected()
 {
+    m_connectionLost = true; // a login that is under way ends with it
     QMessageBox::critical(this, tr("Error"), tr("Cannot establish a connection to Kelva!"));
     classifyClient->disconnectClient();
     close();

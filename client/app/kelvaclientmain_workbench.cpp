@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QMenu>
 #include <QMessageBox>
+#include <QSaveFile>
 #include <QSettings>
 #include <QSignalBlocker>
 #include <QSpinBox>
@@ -261,11 +262,16 @@ void KelvaClientMain::loadScreenSettings()
         const QSignalBlocker countBlocker(statusBarExt->getMaxSearchBox());
         const QSignalBlocker fullTextBlocker(actionErweitererte_Volltextsuche);
         statusBarExt->getShowUnReadCheckBox()->setChecked(settings.value("DOCSHOWUNREAD", false).toBool());
-        statusBarExt->getTimeLineCheckBox()->setChecked(settings.value("DOCSENABLETIMELINE", false).toBool());
+        // Offline the date filter is hidden; it must not work unseen.
+        statusBarExt->getTimeLineCheckBox()->setChecked(!offlineMode &&
+                                                        settings.value("DOCSENABLETIMELINE", false).toBool());
         actionErweitererte_Volltextsuche->setChecked(
             settings.value("DOCLASSIFYSEARCHFULLTEXT", false).toBool());
         QSpinBox *count = statusBarExt->getMaxSearchBox();
-        count->setValue(settings.value("DOCCLASSIFYMAXCOUNT", count->value()).toInt());
+        bool isNumber = false;
+        const int stored = settings.value("DOCCLASSIFYMAXCOUNT").toInt(&isNumber);
+        if (isNumber && stored >= count->minimum() && stored <= count->maximum())
+            count->setValue(stored);
         statusBarExt->checkFilter();
     }
     setUpdatesEnabled(true);
@@ -276,6 +282,9 @@ void KelvaClientMain::saveScreenSettings()
     if (!initialized)
         return;
     QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
+    // Offline the filter dock is hidden by force; that is not how the user left it.
+    if (offlineMode)
+        m_dockSearch->show();
     settings.setValue("DockSettings", saveState());
     settings.setValue("isMaximized", isMaximized());
     settings.setValue("DockGeometry", saveGeometry());
@@ -286,7 +295,8 @@ void KelvaClientMain::saveScreenSettings()
     settings.setValue("DOCCLASSIFYMAXCOUNT", statusBarExt->getMaxSearchBox()->value());
     settings.setValue("DockFolderWidth", m_twStatus->width());
     settings.setValue("DOCSHOWUNREAD", statusBarExt->getShowUnReadCheckBox()->isChecked());
-    settings.setValue("DOCSENABLETIMELINE", statusBarExt->getTimeLineCheckBox()->isChecked());
+    if (!offlineMode)
+        settings.setValue("DOCSENABLETIMELINE", statusBarExt->getTimeLineCheckBox()->isChecked());
     settings.sync();
 }
 
@@ -299,15 +309,18 @@ void KelvaClientMain::saveWorkbench()
         return;
     settings.setValue("lastWorkbenchDir", QFileInfo(name).absolutePath());
     settings.sync();
-    if (!name.endsWith(".kwb"))
+    if (!name.endsWith(".kwb")) {
         name += ".kwb";
-    QFile file(name);
+        // The file dialog has asked for the name without the suffix.
+        if (QFileInfo::exists(name) &&
+            QMessageBox::question(this, tr("Save workbench settings"),
+                                  tr("%1 already exists.\nDo you want to replace it?").arg(name),
+                                  QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+            return;
+    }
+    QSaveFile file(name); // the old file stays whole until the new one is
     const QByteArray state = saveState(0);
-    // Truncated: bytes left of a longer file would make the state unreadable.
-    const bool written = file.open(QIODevice::ReadWrite | QIODevice::Truncate) &&
-                         file.write(state) == state.size() && file.flush();
-    file.close();
-    if (!written)
+    if (!file.open(QIODevice::WriteOnly) || file.write(state) != state.size() || !file.commit())
         QMessageBox::critical(this, tr("Error"), tr("Cannot write to file: ") + name);
 }
 
@@ -321,11 +334,15 @@ void KelvaClientMain::loadWorkbench()
     settings.setValue("lastWorkbenchDir", QFileInfo(name).absolutePath());
     settings.sync();
     QFile file(name);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const bool opened = file.open(QIODevice::ReadOnly);
+    const QByteArray state = opened ? file.readAll() : QByteArray();
+    if (!opened || file.error() != QFile::NoError) {
         QMessageBox::critical(this, tr("Error"), tr("Cannot read from file: ") + name);
         return;
     }
-    restoreState(file.readAll(), 0); // what Qt refuses leaves the layout as it is
+    restoreState(state, 0); // what Qt refuses leaves the layout as it is
+    if (offlineMode)
+        m_dockSearch->hide();
 }
 
 void KelvaClientMain::resetSettings()

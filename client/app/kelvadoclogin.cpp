@@ -15,7 +15,7 @@ KelvaDocLogin::KelvaDocLogin(QWidget *parent)
     const QPixmap logo(":/icons/splash.png");
     m_ui->m_logo->setPixmap(logo);
     if (!logo.mask().isNull())
-        setMask(logo.mask());
+        setMask(logo.mask().scaled(size()));
     m_ui->m_progress->hide();
 }
 

@@ -22,6 +22,8 @@ const char applicationSheet[] =
 
 int main(int argc, char *argv[])
 {
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QMyApplication application(argc, argv);
     QCoreApplication::setApplicationName(programversion::application);
     QCoreApplication::setOrganizationName(programversion::organisation);

@@ -1,6 +1,7 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/userrights.h"
+#include "app/waitcursor.h"
 #include "documents/documentactionstate.h"
 #include "documents/documentcolumns.h"
 #include "documents/itemroles.h"
@@ -18,6 +19,7 @@
 
 #include <QCheckBox>
 #include <QDebug>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QSpinBox>
@@ -25,18 +27,12 @@
 #include <QTimerEvent>
 #include <QtConcurrent>
 
+#include <mutex>
+#include <utility>
+
 namespace {
 
 constexpr int selectionDelayMs = 250;
-
-/// Wait cursor for as long as it lives.
-class WaitCursor
-{
-public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    Q_DISABLE_COPY(WaitCursor)
-};
 
 } // namespace
 
@@ -49,14 +45,14 @@ void KelvaClientMain::timerSelChanged()
 
 void KelvaClientMain::timerEvent(QTimerEvent *event)
 {
-    if (event->timerId() != selectTimerId || !m_timerMutex.tryLock()) {
+    const std::unique_lock<QMutex> lock(m_timerMutex, std::try_to_lock);
+    if (event->timerId() != selectTimerId || !lock.owns_lock()) {
         QMainWindow::timerEvent(event);
         return;
     }
     killTimer(selectTimerId);
     selectTimerId = -1;
     selChanged();
-    m_timerMutex.unlock();
 }
 
 void KelvaClientMain::selChanged()
@@ -103,16 +99,16 @@ DocumentQuery KelvaClientMain::currentQuery() const
 
 void KelvaClientMain::updateDocuments(QStringList docIds, bool resetPlugins)
 {
-    // The service may run events while it works. A refresh from there cannot wait for this one on the same
-    // thread, so it runs afterwards.
-    if (!m_updateMutex.tryLock()) {
-        m_refreshMissed = true;
+    // The service may run events while it works, and so does a reload. A refresh from there cannot wait on
+    // the same thread, so it runs afterwards.
+    std::unique_lock<QMutex> lock(m_updateMutex, std::try_to_lock);
+    if (!lock.owns_lock() || m_reloading) {
+        missRefresh(docIds, resetPlugins);
         return;
     }
     qDebug() << "UPDATE DOCS" << m_infoView->selectedIndexes().size();
     if (!uiReady) {
         qDebug("INITUPDATE");
-        m_updateMutex.unlock();
         return;
     }
     {
@@ -120,48 +116,58 @@ void KelvaClientMain::updateDocuments(QStringList docIds, bool resetPlugins)
         refreshTable(docIds, resetPlugins, sender() == m_infoView->getModel());
     }
     qDebug("UPDATE DOCS END");
-    m_updateMutex.unlock();
-    if (m_refreshMissed) {
-        m_refreshMissed = false;
-        QMetaObject::invokeMethod(this, "doUpdateDocuments", Qt::QueuedConnection);
-    }
+}
+
+void KelvaClientMain::missRefresh(const QStringList &docIds, bool resetPlugins)
+{
+    if (!docIds.isEmpty())
+        m_missedDocIds = docIds;
+    m_missedPlugins = m_missedPlugins || resetPlugins;
+    if (m_refreshMissed)
+        return;
+    m_refreshMissed = true;
+    QMetaObject::invokeMethod(this, "runMissedRefresh", Qt::QueuedConnection);
+}
+
+void KelvaClientMain::runMissedRefresh()
+{
+    m_refreshMissed = false;
+    updateDocuments(std::exchange(m_missedDocIds, {}), std::exchange(m_missedPlugins, false));
 }
 
 void KelvaClientMain::refreshTable(const QStringList &docIds, bool resetPlugins, bool senderIsModel)
 {
     Q_UNUSED(resetPlugins)
-    const bool windowBlocked = blockSignals(true);
-    const bool tableBlocked = m_infoView->blockSignals(true);
-    const bool selectionBlocked = m_infoView->selectionModel()->blockSignals(true);
+    const auto restoreUpdates = qScopeGuard([this] { m_infoView->setUpdatesEnabled(true); });
     m_infoView->setUpdatesEnabled(false);
+    {
+        const QSignalBlocker windowBlocker(this);
+        const QSignalBlocker tableBlocker(m_infoView);
+        const QSignalBlocker selectionBlocker(m_infoView->selectionModel());
+        const int scrolled = m_infoView->verticalScrollBar()->value();
+        const bool hadSelection = m_infoView->selectionModel()->hasSelection();
+        QStringList ids = getCurrentDocIds(false, false);
+        const QModelIndex current = m_infoView->currentIndex();
+        const QString currentId =
+            current.siblingAtColumn(documentcolumn::id).data(itemrole::classificationId).toString();
+        const int currentColumn = current.isValid() ? current.column() : int(documentcolumn::none);
 
-    const int scrolled = m_infoView->verticalScrollBar()->value();
-    const bool hadSelection = m_infoView->selectionModel()->hasSelection();
-    QStringList ids = getCurrentDocIds(false, false);
-    const QModelIndex current = m_infoView->currentIndex();
-    const QString currentId =
-        current.siblingAtColumn(documentcolumn::id).data(itemrole::classificationId).toString();
-    const int currentColumn = current.isValid() ? current.column() : int(documentcolumn::none);
+        if (classifyClient && !loadRows())
+            return; // the reload has failed and closed the window
 
-    if (classifyClient && !loadRows())
-        return; // the reload has failed and closed the window
-
-    if (hadSelection)
-        m_infoView->verticalScrollBar()->setValue(scrolled);
-    m_infoView->clearSelection();
-    if (!docIds.isEmpty())
-        ids = docIds;
-    restoreSelection(ids, currentId, currentColumn);
-    m_infoView->getModel()->updateLayout();
-
-    m_infoView->selectionModel()->blockSignals(selectionBlocked);
-    m_infoView->blockSignals(tableBlocked);
-    blockSignals(windowBlocked);
+        if (hadSelection)
+            m_infoView->verticalScrollBar()->setValue(scrolled);
+        m_infoView->clearSelection();
+        if (!docIds.isEmpty())
+            ids = docIds;
+        ids.removeDuplicates();
+        restoreSelection(ids, currentId, currentColumn);
+        m_infoView->getModel()->updateLayout();
+    }
     if (senderIsModel)
         m_infoView->setFocus(Qt::OtherFocusReason);
     docSelChanged(m_infoView->getSelection());
     m_infoView->doResizeColumnsToContents();
-    m_infoView->setUpdatesEnabled(true);
 }
 
 /// Steps between query and filled table. False when a pending reload has failed.
@@ -175,7 +181,9 @@ bool KelvaClientMain::loadRows()
     }
     QStringList archiveIds;
     for (int row = 1; row < docs.size(); ++row)
-        archiveIds << docs.at(row).section(recordformat::documentIdSeparator, 0, 0);
+        archiveIds << docs.at(row)
+                          .section(recordformat::fieldSeparator, 0, 0)
+                          .section(recordformat::documentIdSeparator, 0, 0);
     QStringList infos;
     if (!archiveIds.isEmpty())
         archiveWorker->getDocumentInfo(archiveIds, infos);

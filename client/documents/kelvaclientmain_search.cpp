@@ -1,7 +1,9 @@
 #include "app/kelvaclientmain.h"
 
+#include "app/waitcursor.h"
 #include "documents/itemroles.h"
 #include "documents/kelvacheckboxdelegate.h"
+#include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/onelinesearch.h"
 #include "search/kelvastatusbarext.h"
@@ -38,22 +40,44 @@ void KelvaClientMain::searchComboChanged(int index)
 void KelvaClientMain::searchComboChanged(int index, bool focus)
 {
     const QString column = m_SearchCombo->itemData(index).toString();
+    // A text is kept only from one line editor to the next: it means nothing to a list of choices.
+    const bool wasLine = qobject_cast<KelvaLineDelegate *>(m_SearchString->itemDelegateForColumn(0));
+    const QString text = wasLine ? m_SearchString->item(0, 0)->text() : QString();
+    QTableWidgetItem *cell = new QTableWidgetItem;
     {
         const QSignalBlocker blocker(m_SearchString);
         m_SearchString->setEnabled(true);
-        QTableWidgetItem *cell = m_SearchString->item(0, 0);
-        m_SearchString->closePersistentEditor(cell);
-        const auto *source = qobject_cast<KelvaDelegate *>(getDelegateForColumn(getColumnIndex(column)));
+        m_SearchString->closePersistentEditor(m_SearchString->item(0, 0));
+        m_SearchString->setItem(0, 0, cell);
+        KelvaDelegate *delegate = searchDelegate(column);
         delete m_SearchString->itemDelegateForColumn(0);
-        KelvaDelegate *delegate =
-            source ? source->clone(m_SearchString) : new KelvaLineDelegate({}, m_SearchString, 254, false);
-        delegate->setDelegateColumn(0);
         m_SearchString->setItemDelegateForColumn(0, delegate);
+        if (qobject_cast<KelvaLineDelegate *>(delegate))
+            cell->setText(text);
     }
-    if (m_bClearSuchen->isEnabled())
+    if (cell->text().isEmpty()) {
+        doClearSearch(true);
+    } else {
+        m_searchWhere = QStringLiteral("1=1");
+        m_selectionOption.clear();
+        m_fullTextOption.clear();
         doSearch(false);
+    }
     if (focus)
         m_SearchString->setFocus(Qt::OtherFocusReason);
+}
+
+/// A delegate for the search cell: words for the full text, otherwise a clone of the column's, or null.
+KelvaDelegate *KelvaClientMain::searchDelegate(const QString &column) const
+{
+    KelvaDelegate *delegate = nullptr;
+    if (column == tr("full text"))
+        delegate = new KelvaLineDelegate({}, m_SearchString, 254, false);
+    else if (const KelvaDelegate *source = getDelegateForColumn(getColumnIndex(column)))
+        delegate = source->clone(m_SearchString);
+    if (delegate)
+        delegate->setDelegateColumn(0);
+    return delegate;
 }
 
 void KelvaClientMain::searchTextChanged()
@@ -75,6 +99,13 @@ void KelvaClientMain::doSearch(bool)
     QString value = cell ? cell->data(itemrole::rawValue).toString() : QString();
     if (value.isEmpty() && cell)
         value = cell->text();
+    const auto *choices = qobject_cast<KelvaComboDelegate *>(m_SearchString->itemDelegateForColumn(0));
+    if (choices && cell && cell->data(itemrole::rawValue).toString().isEmpty()) {
+        // A name that was typed instead of chosen.
+        const QString key = choices->getValue(value);
+        if (key != tr("not assigned"))
+            value = key;
+    }
     const QString column = m_SearchCombo->currentData().toString();
     if (column == tr("full text")) {
         searchFullText(value);
@@ -104,12 +135,17 @@ void KelvaClientMain::searchFullText(const QString &words)
     }
     // The service's own search takes the words itself; then no hit of the local one is asked for.
     const bool atService = actionErweitererte_Volltextsuche->isChecked() && !offlineMode;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const QStringList hits = atService ? QStringList() : archiveWorker->searchDocs(words);
+    QStringList hits;
+    {
+        const WaitCursor cursor;
+        if (!atService && !archiveWorker->searchDocs(words, hits)) {
+            QMessageBox::critical(this, tr("Error"), archiveWorker->getLastError());
+            return;
+        }
+        m_selectionOption = fullTextSelection(hits, offlineMode);
+        m_fullTextOption = atService ? fullTextOption(words) : QString();
+    }
     setSearchActive(true);
-    m_selectionOption = fullTextSelection(hits, offlineMode);
-    m_fullTextOption = atService ? fullTextOption(words) : QString();
-    QApplication::restoreOverrideCursor();
     updateDocuments({});
 }
 

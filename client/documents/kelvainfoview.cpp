@@ -179,11 +179,12 @@ QString KelvaInfoView::getVersion(const QString &docId) const
 
 QList<int> KelvaInfoView::getItemRows(const QString &docId) const
 {
+    // Indexes only: an item would note its position when asked for it, which is a write.
     QList<int> rows;
-    const QList<QStandardItem *> items =
-        findItemsByData(docId, itemrole::classificationId, Qt::MatchExactly, documentcolumn::id);
-    for (const QStandardItem *item : items)
-        rows << m_proxy->mapFromSource(item->index()).row();
+    const QModelIndexList hits = m_model->match(m_model->index(0, documentcolumn::id),
+                                                itemrole::classificationId, docId, -1, Qt::MatchExactly);
+    for (const QModelIndex &hit : hits)
+        rows << m_proxy->mapFromSource(hit).row();
     return rows;
 }
 

@@ -66,6 +66,7 @@ public:
 
     bool getAutoResize() const { return autoResize; }
     void setAutoResize(bool automatic);
+    /// After each load, when the cells have their final texts.
     void doResizeColumnsToContents();
     void resetHeaders();
     /// False when this profile has no stored header yet.
@@ -104,6 +105,8 @@ private:
     MySortFilterProxyModel *m_proxy;
     bool autoResize = false;
     bool noEdit = true;
+    bool m_headerKnown =
+        true; ///< the profile's header was stored; otherwise widths follow the first contents
     QAction *m_hideAction = nullptr;
     QAction *m_resizeAction = nullptr;
     QAction *m_autoResizeAction = nullptr;

@@ -1,5 +1,8 @@
 #include "documents/kelvainfoview.h"
 
+#include "documents/documentcolumns.h"
+#include "documents/qinfoviewmodel.h"
+
 #include <QAction>
 #include <QCoreApplication>
 #include <QCursor>
@@ -7,18 +10,27 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QMessageBox>
+#include <QRegularExpression>
 #include <QSettings>
+#include <QSignalBlocker>
 
 namespace {
 
 const char stateKey[] = "InfoViewState";
+/// Until the user has set the widths: long texts must not push the other columns out of sight.
+constexpr int widestFirstColumn = 280;
 
 } // namespace
 
 QString KelvaInfoView::settingsApplication() const
 {
     const QString application = QCoreApplication::applicationName();
-    return profileIdentifier.isEmpty() ? application : application + '_' + profileIdentifier;
+    if (profileIdentifier.isEmpty())
+        return application;
+    // The identifier holds a host name of somebody's choosing and becomes part of a file's name.
+    QString identifier = profileIdentifier;
+    static const QRegularExpression unsafe("[/\\\\\\x00-\\x1f]");
+    return application + '_' + identifier.replace(unsafe, "_");
 }
 
 void KelvaInfoView::saveHeaderState()
@@ -36,7 +48,11 @@ bool KelvaInfoView::restoreHeader()
 {
     qDebug("RESTORE HEADER");
     const QSettings settings("Norbant GmbH", settingsApplication());
-    return horizontalHeader()->restoreState(settings.value(stateKey).toByteArray());
+    const bool restored = horizontalHeader()->restoreState(settings.value(stateKey).toByteArray());
+    // A state of more columns than there are would make up empty ones.
+    if (horizontalHeader()->count() != model()->columnCount())
+        horizontalHeader()->reset();
+    return restored;
 }
 
 void KelvaInfoView::loadActionMenu()
@@ -55,7 +71,11 @@ void KelvaInfoView::loadActionMenu()
 
 int KelvaInfoView::visibleColumns() const
 {
-    return horizontalHeader()->count() - horizontalHeader()->hiddenSectionCount();
+    // The resubmission column comes and goes with the contents; it cannot be the last one.
+    int visible = 0;
+    for (int column = 0; column < horizontalHeader()->count(); ++column)
+        visible += column != documentcolumn::resubmission && !isColumnHidden(column) ? 1 : 0;
+    return visible;
 }
 
 void KelvaInfoView::hideColumn()
@@ -98,8 +118,20 @@ void KelvaInfoView::resizeColumnToContentsFlag(bool automatic)
 
 void KelvaInfoView::doResizeColumnsToContents()
 {
-    if (autoResize)
+    const bool first = !m_headerKnown && m_model->rowCount() > 0;
+    if (!autoResize && !first)
+        return;
+    {
+        // Each changed width would be written to the settings file on its own.
+        const QSignalBlocker blocker(horizontalHeader());
         resizeColumnsToContents();
+        for (int column = 0; first && column < horizontalHeader()->count(); ++column)
+            if (columnWidth(column) > widestFirstColumn)
+                setColumnWidth(column, widestFirstColumn);
+    }
+    updateGeometries();
+    m_headerKnown = true;
+    saveHeaderState();
 }
 
 void KelvaInfoView::reloadAll()

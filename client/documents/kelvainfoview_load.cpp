@@ -19,8 +19,6 @@
 namespace {
 
 constexpr int iconSize = 32;
-/// Until the user has set the widths: long texts must not push the other columns out of sight.
-constexpr int widestFirstColumn = 280;
 
 /// The pictures of one load. Each combination of page, clock, note and key is painted once.
 class RowIcons
@@ -128,16 +126,9 @@ void KelvaInfoView::loadDocuments(QStringList docs, const QStringList &infos, bo
         m_model->clear();
     m_model->setColumnCount(titles.size());
     m_model->setHorizontalHeaderLabels(titles);
-    const bool headerKnown = restoreHeader();
+    m_headerKnown = restoreHeader();
     fillRows(docs, titles.size(), fileNamesOf(infos), trash, retention, readDocs);
     setSortingEnabled(true);
-    if (!headerKnown) {
-        resizeColumnsToContents();
-        for (int column = 0; column < titles.size(); ++column)
-            if (columnWidth(column) > widestFirstColumn)
-                setColumnWidth(column, widestFirstColumn);
-        saveHeaderState(); // measured once, not at every load
-    }
     // The blocked header told the view nothing of its sections.
     updateGeometries();
 }
@@ -173,8 +164,9 @@ void KelvaInfoView::fillRows(const QStringList &docs, int columns, const QMap<QS
         anyResubmission = anyResubmission || look.resubmission;
         QList<QStandardItem *> row;
         row.reserve(columns);
-        for (int column = 0; column < columns && column < fields.size() - 1; ++column) {
-            const QString &field = fields.at(column);
+        for (int column = 0; column < columns; ++column) {
+            // Of a row that is too short the last field still is the rights; the missing ones are empty.
+            const QString field = column < fields.size() - 1 ? fields.at(column) : QString();
             auto *cell = new QStandardItem(column == documentcolumn::id ? look.archiveId
                                            : numeric.at(column)         ? numericCellText(field, decimalPoint)
                                                                         : field);

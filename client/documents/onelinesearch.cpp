@@ -2,6 +2,8 @@
 
 #include "server/recordformat.h"
 
+#include <QRegularExpression>
+
 namespace {
 
 QString contains(const QString &column, const QString &value, bool offline)
@@ -17,6 +19,8 @@ QString words(const QString &column, const QString &value)
     for (QString part : parts) {
         if (part.endsWith('*')) {
             part.chop(1);
+            if (part.isEmpty())
+                continue; // every word begins with nothing
             part += QStringLiteral(":*");
         }
         terms << part;
@@ -32,9 +36,10 @@ QString lineClause(const QString &column, QString value, bool numeric, const One
     if (numeric) {
         QString number = value;
         number.replace(search.decimalPoint, '.');
-        bool isNumber = false;
-        number.toFloat(&isNumber);
-        if (isNumber && !column.contains("time") && !column.contains("date"))
+        if (number.endsWith('.'))
+            number.chop(1); // as the table shows whole numbers
+        static const QRegularExpression plainNumber("^-?\\d+(\\.\\d+)?$");
+        if (plainNumber.match(number).hasMatch() && !column.contains("time") && !column.contains("date"))
             return QStringLiteral("%1 = %2").arg(column, number);
         if (value.isEmpty())
             return QStringLiteral("%1 is null").arg(column);

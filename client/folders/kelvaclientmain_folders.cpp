@@ -1,6 +1,7 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/kelvaclientsettings.h"
+#include "app/waitcursor.h"
 #include "documents/documentcolumns.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
@@ -14,8 +15,8 @@
 #include "server/kelvaarchiveworker.h"
 #include "server/recordformat.h"
 
-#include <QApplication>
 #include <QDebug>
+#include <QHeaderView>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalBlocker>
@@ -29,6 +30,7 @@ const char numericMark[] = "type:Numeric";
 
 bool KelvaClientMain::initFolders()
 {
+    const QByteArray panelHeader = m_tWOrdner->header()->saveState();
     m_searchColumns.clear();
     WorkbenchData workbench;
     const QString key = workbenchKey(classifyClient->getLoginName(), classifyClient->getServerHost(),
@@ -52,6 +54,8 @@ bool KelvaClientMain::initFolders()
     }
     connect(m_tWOrdner, SIGNAL(curSelChanged()), this, SLOT(timerSelChanged()), Qt::DirectConnection);
     connect(docTree, SIGNAL(updateDocuments()), this, SLOT(updateDocuments()), Qt::DirectConnection);
+    if (!firstConnect)
+        m_tWOrdner->header()->restoreState(panelHeader);
     m_retentionByDocType = workbench.retentionByType();
     return true;
 }
@@ -94,6 +98,12 @@ void KelvaClientMain::makeFixedDelegates(const WorkbenchData &workbench)
 
 void KelvaClientMain::makeAttributeDelegates(const WorkbenchData &workbench)
 {
+    // First everything old goes: a column may have become one of another kind.
+    for (auto check = m_checkDelegates.cbegin(); check != m_checkDelegates.cend(); ++check) {
+        m_infoView->setItemDelegateForColumn(check.key(), nullptr);
+        check.value()->deleteLater();
+    }
+    m_checkDelegates.clear();
     const QList<int> known = m_lineDelegates.keys();
     for (const int column : known) {
         if (workbench.lineColumns.contains(column))
@@ -102,21 +112,17 @@ void KelvaClientMain::makeAttributeDelegates(const WorkbenchData &workbench)
         m_lineDelegates.take(column)->deleteLater();
     }
     for (auto line = workbench.lineColumns.cbegin(); line != workbench.lineColumns.cend(); ++line) {
-        const QStringList values = line.value().split(recordformat::listSeparator, Qt::KeepEmptyParts);
-        qDebug() << "DELEGATEVALS: " << line.key() << values;
+        QStringList values = line.value().split(recordformat::listSeparator, Qt::KeepEmptyParts);
+        const bool numeric = values.removeAll(numericMark) > 0; // a mark, and no value to offer
         KelvaLineDelegate *&delegate = m_lineDelegates[line.key()];
         if (delegate) {
             delegate->setCompletor(values); // numeric or not stays as it was when the column came
             continue;
         }
-        delegate = new KelvaLineDelegate(values, m_infoView, longestText, values.contains(numericMark));
+        qDebug() << "DELEGATEVALS: " << line.key() << values;
+        delegate = new KelvaLineDelegate(values, m_infoView, longestText, numeric);
         m_infoView->setItemDelegateForColumn(line.key(), delegate);
     }
-    for (auto check = m_checkDelegates.cbegin(); check != m_checkDelegates.cend(); ++check) {
-        m_infoView->setItemDelegateForColumn(check.key(), nullptr);
-        check.value()->deleteLater();
-    }
-    m_checkDelegates.clear();
     for (auto check = workbench.checkColumns.cbegin(); check != workbench.checkColumns.cend(); ++check) {
         qDebug() << "DELEGATEVALS: " << check.key() << check.value();
         auto *delegate = new KelvaCheckBoxDelegate(false, m_infoView);
@@ -184,13 +190,13 @@ void KelvaClientMain::fillSubArchives(const QStringList &names)
     m_currentSubArchiv->clear();
     for (const QString &name : names) {
         const QStringList fields = name.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
-        m_currentSubArchiv->addItem(fields.value(0), fields.value(1));
+        m_currentSubArchiv->addItem(fields.value(0), fields.value(fields.size() > 1 ? 1 : 0));
     }
 }
 
 void KelvaClientMain::subArchiveChanged(int, bool reload)
 {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const WaitCursor cursor;
     action_MoveToArchive->menu()->clear();
     QString archive = getArchiveString();
     if (!archive.isEmpty()) {
@@ -219,9 +225,9 @@ void KelvaClientMain::subArchiveChanged(int, bool reload)
     }
     if (m_currentSubArchiv->count() == 0)
         action_MoveToArchive->setVisible(false);
-    m_tWOrdner->setConnectionData(classifyClient->getServerHost(),
-                                  QString::number(classifyClient->getServerPort()), getArchiveString());
-    QApplication::restoreOverrideCursor();
+    if (classifyClient)
+        m_tWOrdner->setConnectionData(classifyClient->getServerHost(),
+                                      QString::number(classifyClient->getServerPort()), getArchiveString());
 }
 
 void KelvaClientMain::fillMoveMenu()

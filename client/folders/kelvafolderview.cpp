@@ -11,6 +11,8 @@
 #include <QSettings>
 #include <QSignalBlocker>
 
+#include <memory>
+
 namespace {
 
 constexpr int firstNameWidth = 220;
@@ -42,7 +44,10 @@ void KelvaFolderView::setModel(QAbstractItemModel *tree)
     if (selectionModel())
         disconnect(selectionModel(), SIGNAL(currentChanged(QModelIndex, QModelIndex)), this,
                    SLOT(emitCurrentIndexChanged()));
+    // Qt leaves the selection model of the model before behind.
+    const std::unique_ptr<QItemSelectionModel> selectionBefore(selectionModel());
     QTreeView::setModel(nullptr);
+    const std::unique_ptr<QItemSelectionModel> selectionBetween(selectionModel());
     m_tree = qobject_cast<KelvaDocTree *>(tree);
     m_proxy->setSourceModel(m_tree);
     QTreeView::setModel(m_proxy);

@@ -24,17 +24,16 @@ void KelvaClientMain::initStatus()
 
 void KelvaClientMain::loadFilters()
 {
+    statusBarExt->setMinMaxDates(classifyClient->getMinMaxDates());
     if (offlineMode)
         statusBarExt->setOffline(true);
-    else
-        statusBarExt->setMinMaxDates(classifyClient->getMinMaxDates());
     disconnect(m_SearchCombo, SIGNAL(activated(int)), this, SLOT(searchComboChanged(int)));
     disconnect(m_SearchString, SIGNAL(itemChanged(QTableWidgetItem *)), this, SLOT(searchTextChanged()));
     {
         const QSignalBlocker comboBlocker(m_SearchCombo);
         const QSignalBlocker cellBlocker(m_SearchString);
         m_SearchCombo->clear();
-        m_SearchString->item(0, 0)->setText(QString());
+        m_SearchString->setItem(0, 0, new QTableWidgetItem);
         m_columnNames.clear();
         QStringList columns = m_searchColumns;
         if (!columns.isEmpty())

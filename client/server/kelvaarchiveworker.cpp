@@ -97,9 +97,14 @@ void KelvaArchiveWorker::getArchiveNames(QStringList &names)
         fail();
 }
 
-QStringList KelvaArchiveWorker::searchDocs(const QString &query)
+bool KelvaArchiveWorker::searchDocs(const QString &query, QStringList &hits)
 {
-    return client ? client->searchDocuments(query) : QStringList();
+    hits.clear();
+    if (!client)
+        return false;
+    hits = client->searchDocuments(query);
+    // No hit and a failure look alike but for the text.
+    return !hits.isEmpty() || client->lastError().isEmpty() || fail();
 }
 
 bool KelvaArchiveWorker::getDocumentInfo(const QStringList &ids, QStringList &infos)

@@ -33,7 +33,8 @@ public:
     QString getLastError() const { return lastError; }
     bool isCanceled() const { return canceled; }
 
-    QStringList searchDocs(const QString &query);
+    /// Entries of id and id, see kelvaArchiveClientInterface.
+    bool searchDocs(const QString &query, QStringList &hits);
     /// One entry per document, see kelvaArchiveClientInterface. False without a client.
     bool getDocumentInfo(const QStringList &ids, QStringList &infos);
     bool getDocumentActions(const QStringList &ids, QStringList &actions, int action, const QString &user);

@@ -2,6 +2,7 @@
 
 #include "server/kelvalogindialog.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QDataStream>
 #include <QLocalSocket>
@@ -72,17 +73,22 @@ bool kelvaLoginData::readProfiles(QLocalSocket &socket, int sizeAttempts, QList<
     stream >> size;
     if (size <= 0 || size > largestList || !waitForBytes(socket, size, listAttempts))
         return false;
+    QBuffer frame; // what comes behind the announced size is not of the list
+    frame.setData(socket.read(size));
+    frame.open(QIODevice::ReadOnly);
+    QDataStream list(&frame);
+    list.setVersion(streamVersion);
     QString header;
-    stream >> header;
-    while (!stream.atEnd()) {
+    list >> header;
+    while (!list.atEnd()) {
         kelvaProfileData profile;
-        stream >> profile;
+        list >> profile;
         // Half a record is no profile, and what follows it cannot be told apart any more.
-        if (stream.status() != QDataStream::Ok)
+        if (list.status() != QDataStream::Ok)
             return false;
         profiles.append(profile);
     }
-    return stream.status() == QDataStream::Ok;
+    return list.status() == QDataStream::Ok;
 }
 
 bool kelvaLoginData::getProfile(kelvaProfileData &profile, QString &message, QWidget *parent,

@@ -9,6 +9,7 @@
 #include "server/recordformat.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDockWidget>
 #include <QLineEdit>
 #include <QListWidget>
@@ -105,6 +106,9 @@ private slots:
     void damagedSettingsDoNotMatter();
     void resettingLeavesTheWindowMaximised();
     void fullTextNeedsThreeCharacters();
+    void aNewSearchColumnDropsTheOldSearch();
+    void aLostConnectionEndsTheLogin();
+    void aReloadCannotBeStartedTwice();
 };
 
 void TestKelvaClientMain::initTestCase()
@@ -502,6 +506,55 @@ void TestKelvaClientMain::fullTextNeedsThreeCharacters()
     QCOMPARE(archive.queries.last().first(), QString("OPT:SELECTION;-1"));
     workplace.window->findChild<QPushButton *>("m_bClearSuchen")->click();
     QCOMPARE(archive.queries.last(), QStringList({"1=1", "OPT:LIMIT;100"}));
+}
+
+void TestKelvaClientMain::aNewSearchColumnDropsTheOldSearch()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    archive.addDocument("Invoice");
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    auto *table = workplace.window->findChild<QTableWidget *>("m_SearchString");
+    auto *combo = workplace.window->findChild<QComboBox *>("m_SearchCombo");
+    const auto choose = [combo](const QString &field) {
+        combo->setCurrentIndex(combo->findData(field));
+        emit combo->activated(combo->currentIndex());
+    };
+    table->item(0, 0)->setText("invoice");
+    QCOMPARE(archive.queries.last().first(), QString("OPT:SELECTION;101"));
+    choose("bemerkung"); // from line to line the text stays
+    QCOMPARE(archive.queries.last().first(), QString("to_tsvector(bemerkung) @@ to_tsquery('invoice')"));
+    choose("status"); // a choice begins empty, and with it no search is active
+    QCOMPARE(table->item(0, 0)->text(), QString());
+    QCOMPARE(archive.queries.last(), QStringList({"1=1", "OPT:LIMIT;100"}));
+    QVERIFY(!workplace.window->findChild<QPushButton *>("m_bClearSuchen")->isEnabled());
+}
+
+void TestKelvaClientMain::aLostConnectionEndsTheLogin()
+{
+    Workplace workplace;
+    FakeArchive::instance().meanwhile("getStatusList", [&] { workplace.window->clientDisconnected(); });
+    DialogScript script;
+    script.expectBox("Error", "Cannot establish a connection to Kelva!");
+    QVERIFY(!workplace.start());
+    QVERIFY(!workplace.window->isVisible());
+    QCOMPARE(script.problems(), QString());
+}
+
+void TestKelvaClientMain::aReloadCannotBeStartedTwice()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    archive.queries.clear();
+    archive.meanwhile("getStatusList", [&] {
+        workplace.action("action_ReloadAll")->trigger();
+        workplace.action("action_Neuladen")->trigger();
+    });
+    workplace.action("action_ReloadAll")->trigger();
+    QCOMPARE(workplace.manager.requests.filter("RELOADPROFILE").size(), 1);
+    QCOMPARE(archive.queries.size(), 1);
+    QTRY_COMPARE(archive.queries.size(), 2); // the refresh that came in between
 }
 
 KELVA_TEST(TestKelvaClientMain)

@@ -68,6 +68,7 @@ private slots:
     void sorting();
     void theSortedColumnHidesRowColours();
     void headersArePerProfile();
+    void aHeaderOfMoreColumnsMakesNoneUp();
     void theLastColumnStays();
     void wrapperMovesDelegatesWithTheirRows();
 };
@@ -202,6 +203,23 @@ void TestKelvaInfoView::headersArePerProfile()
     width("second", 123);
     QCOMPARE(width("first", 0), 321);
     QCOMPARE(width("second", 0), 123);
+}
+
+void TestKelvaInfoView::aHeaderOfMoreColumnsMakesNoneUp()
+{
+    {
+        KelvaInfoView view;
+        view.setProfileIdentifier("../../shrunk\n");
+        load(view, {header(5), row(1, "a", {"1", "2", "3", "4", "5"})});
+        view.setColumnWidth(0, 99);
+    }
+    // The identifier never leads out of the settings directory.
+    QVERIFY(QSettings("Norbant GmbH", QCoreApplication::applicationName() + "_.._.._shrunk_")
+                .contains("InfoViewState"));
+    KelvaInfoView view;
+    view.setProfileIdentifier("../../shrunk\n");
+    load(view, {header(2), row(1, "a", {"1", "2"})});
+    QCOMPARE(view.horizontalHeader()->count(), 13);
 }
 
 void TestKelvaInfoView::theLastColumnStays()

@@ -43,6 +43,11 @@ private slots:
                                                  << "changeid like '%me%'";
         same("number", "attr9", "12.5", Editor::NumericLine, "attr9 = 12.5");
         same("number of the locale", "attr9", "12,5", Editor::NumericLine, "attr9 = 12.5");
+        same("whole number as the table shows it", "attr9", "12,", Editor::NumericLine, "attr9 = 12");
+        QTest::newRow("nearly a number")
+            << "attr9"
+            << "1e5" << Editor::NumericLine << "to_tsvector(attr9) @@ to_tsquery('1e5')"
+            << "attr9 like '%1e5%'";
         same("no number", "attr9", "", Editor::NumericLine, "attr9 is null");
         QTest::newRow("words, one of them a beginning")
             << "bemerkung"
@@ -51,6 +56,10 @@ private slots:
         QTest::newRow("quoted phrase") << "bemerkung"
                                        << "\"a b\"" << Editor::Line << "bemerkung ilike '%a b%'"
                                        << "bemerkung like '%a b%'";
+        QTest::newRow("a lone asterisk")
+            << "bemerkung"
+            << "* inv" << Editor::Line << "to_tsvector(bemerkung) @@ to_tsquery('inv')"
+            << "bemerkung like '%* inv%'";
         QTest::newRow("nothing but blanks") << "bemerkung"
                                             << "  " << Editor::Line << "bemerkung = null or bemerkung = ''"
                                             << "bemerkung like '%  %'";

@@ -8,7 +8,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <csignal>
+
 #include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace kelva;
 
@@ -208,6 +212,32 @@ private slots:
         }
         QCOMPARE(database->value(QStringLiteral("SELECT count(*) FROM setting")).toInt(), 0);
         QCOMPARE(database->integrityFaults(), QStringList());
+    }
+
+    void aProcessKilledWhileWritingLosesOnlyWhatItHadNotCommitted()
+    {
+        create().reset();
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const auto database = Database::open(m_path, Database::Mode::ReadWrite);
+            database.value()->run(QStringLiteral("INSERT INTO role VALUES('committed')"));
+            Transaction writing(*database.value(), Transaction::Kind::Write);
+            for (int i = 0; i < 2000; ++i)
+                database.value()->run(
+                    QStringLiteral(
+                        "INSERT INTO setting(section, name, value) VALUES('s', ?, zeroblob(9000))"),
+                    {i});
+            ::kill(::getpid(), SIGKILL);
+        }
+        int status = 0;
+        QCOMPARE(::waitpid(child, &status, 0), child);
+        QVERIFY(WIFSIGNALED(status));
+        const auto database = Database::open(m_path, Database::Mode::ReadWrite);
+        QVERIFY(database.ok());
+        QCOMPARE(database.value()->texts(QStringLiteral("SELECT name FROM role")),
+                 QStringList{QStringLiteral("committed")});
+        QCOMPARE(database.value()->value(QStringLiteral("SELECT count(*) FROM setting")).toInt(), 0);
+        QCOMPARE(database.value()->integrityFaults(), QStringList());
     }
 
     void everyOldVersionIsUpgraded()

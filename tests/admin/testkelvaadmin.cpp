@@ -1,0 +1,141 @@
+#include "support/kelvatest.h"
+
+#include "admin/samplearchive.h"
+#include "service/archive.h"
+#include "service/documentlist.h"
+#include "service/session.h"
+
+#include <QDir>
+#include <QProcess>
+
+namespace {
+
+struct Outcome
+{
+    int code = -1;
+    QString output;
+};
+
+/// Runs the real program; the input goes to its standard input.
+Outcome run(const QStringList &arguments, const QString &input = QString())
+{
+    QProcess program;
+    program.setProcessChannelMode(QProcess::MergedChannels);
+    program.start(KELVAADMIN, arguments);
+    program.write(input.toUtf8());
+    program.closeWriteChannel();
+    program.waitForFinished(60000);
+    return {program.exitCode(), QString::fromUtf8(program.readAll())};
+}
+
+QString home(const QString &name)
+{
+    return QDir(kelva::archive::home()).filePath(name);
+}
+
+bool canLogIn(const QString &path, const QString &user, const QString &password)
+{
+    return kelva::Session::login(path, user, password).ok();
+}
+
+QStringList rows(const QString &path, const QString &user)
+{
+    auto session = kelva::Session::openAsUser(path, user);
+    if (!session)
+        return {};
+    const auto list = kelva::listDocuments(*session.value(), {"1=1"});
+    return list ? list.value() : QStringList();
+}
+
+kelva::SampleOptions sample(const QString &path, quint32 seed)
+{
+    kelva::SampleOptions options;
+    options.path = path;
+    options.documents = 80;
+    options.files = 20;
+    options.seed = seed;
+    options.today = QDate(2024, 3, 5);
+    return options;
+}
+
+} // namespace
+
+class TestKelvaAdmin : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void usersOfANewArchive()
+    {
+        QCOMPARE(run({"create", "11", "chief"}, "first\n").code, 0);
+        const QString path = home("11.kelva");
+        QVERIFY(canLogIn(path, "chief", "first"));
+        QCOMPARE(
+            run({"add-user", "11", "clerk", "--name", "A. Clerk", "--role", "kelvaCLASSIFY"}, "pass\n").code,
+            0);
+        QVERIFY(canLogIn(path, "clerk", "pass"));
+        QCOMPARE(run({"set-password", path, "clerk"}, "other\n").code, 0);
+        QVERIFY(!canLogIn(path, "clerk", "pass"));
+        QVERIFY(canLogIn(path, "clerk", "other"));
+        // What is there already is not overwritten.
+        QCOMPARE(run({"create", "11", "thief"}, "mine\n").code, 1);
+        QVERIFY(!canLogIn(path, "thief", "mine"));
+        QCOMPARE(run({"add-user", "11", "clerk"}, "again\n").code, 1);
+        QVERIFY(canLogIn(path, "clerk", "other"));
+    }
+
+    void backupsComeBack()
+    {
+        QCOMPARE(run({"create", "12", "chief"}, "first\n").code, 0);
+        QCOMPARE(run({"backup", "12", home("12.backup")}).code, 0);
+        QCOMPARE(run({"set-password", "12", "chief"}, "second\n").code, 0);
+        QCOMPARE(run({"restore", home("12.backup"), "12"}).code, 0);
+        QVERIFY(canLogIn(home("12.kelva"), "chief", "first"));
+        QFile damaged(home("13.kelva"));
+        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write(QByteArray(5000, 'x')) == 5000);
+        damaged.close();
+        QCOMPARE(run({"check", "13"}).code, 1);
+        QCOMPARE(run({"restore", home("13.kelva"), "12"}).code, 1);
+        QCOMPARE(run({"check", "12"}).code, 0);
+    }
+
+    void wrongCommandLines_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("nothing") << QStringList();
+        QTest::newRow("unknown command") << QStringList{"frobnicate", "1"};
+        QTest::newRow("a word too few") << QStringList{"add-user", "1"};
+        QTest::newRow("a word too many") << QStringList{"check", "1", "2"};
+        QTest::newRow("unknown option") << QStringList{"check", "1", "--fast"};
+        QTest::newRow("a count that is none") << QStringList{"sample", "14", "--documents", "many"};
+        QTest::newRow("a negative count") << QStringList{"sample", "14", "--documents", "-5"};
+    }
+
+    void wrongCommandLines()
+    {
+        QFETCH(QStringList, arguments);
+        const Outcome outcome = run(arguments);
+        QCOMPARE(outcome.code, 2);
+        QVERIFY(outcome.output.startsWith("kelvaadmin: "));
+        QVERIFY(!QFile::exists(home("14.kelva")));
+    }
+
+    void oneSeedMakesOneArchive()
+    {
+        const auto make = [](const QString &name, quint32 seed) {
+            const auto made = kelva::createSampleArchive(sample(home(name), seed), [](int) {});
+            return made ? rows(home(name), "admin") : QStringList(made.error().text);
+        };
+        const QStringList first = make("a.kelva", 5);
+        QVERIFY(first.size() > 70);
+        QCOMPARE(make("b.kelva", 5), first);
+        QVERIFY(make("c.kelva", 6) != first);
+        const auto faults = kelva::archive::check(home("a.kelva"));
+        QVERIFY(faults && faults.value().isEmpty());
+        // Its users see different parts of it.
+        QVERIFY(rows(home("a.kelva"), "obrien").size() < rows(home("a.kelva"), "krause").size());
+    }
+};
+
+KELVA_TEST(TestKelvaAdmin)
+#include "testkelvaadmin.moc"

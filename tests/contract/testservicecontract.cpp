@@ -1,0 +1,280 @@
+#include "fakes/fakearchive.h"
+#include "support/kelvatest.h"
+
+#include "server/classifyinterface.h"
+#include "server/kelvaarchiveclientinterface.h"
+#include "server/recordformat.h"
+#include "service/archive.h"
+#include "service/bulkload.h"
+#include "service/session.h"
+#include "service/users.h"
+
+#include <QPluginLoader>
+
+#include <memory>
+
+namespace {
+
+constexpr int archiveNumber = 5;
+
+/// Two live documents of anna's, the second one in a sub folder, and one in the trash.
+void fillFake()
+{
+    FakeArchive &archive = FakeArchive::instance();
+    archive.reset();
+    archive.subArchives = QStringList{QString("Main archive") + recordformat::fieldSeparator + "1"};
+    archive.addDocument("First", "1.1");
+    archive.addDocument("Second", "1.1.1", "3");
+    archive.addDocument("Third", "1.1");
+    archive.documents[3].trashed = true;
+}
+
+bool fillReal()
+{
+    kelva::NewArchive fresh;
+    fresh.path = kelva::archive::fileFor("localhost", archiveNumber).value();
+    fresh.administrator = "anna";
+    fresh.password = "secret";
+    fresh.subArchive = "Main archive";
+    QFile::remove(fresh.path);
+    if (!kelva::archive::create(fresh))
+        return false;
+    auto session = kelva::Session::openAsOwner(fresh.path, "anna");
+    if (!session)
+        return false;
+    kelva::BulkLoad load(*session.value());
+    for (const QStringList &row :
+         {QStringList{"First", "1.1", "1"}, {"Second", "1.1.1", "3"}, {"Third", "1.1", "1"}}) {
+        kelva::BulkDocument document;
+        document.fileName = "scan.pdf";
+        document.creator = "anna";
+        document.created = "2024-03-06T10:20:30";
+        document.date = "2024-03-05";
+        document.description = row.at(0);
+        document.folder = row.at(1);
+        document.status = row.at(2).toInt();
+        document.trashed = row.at(0) == "Third";
+        if (!load.add(document))
+            return false;
+    }
+    return load.finish().ok();
+}
+
+} // namespace
+
+/// What the client relies on, the same for the fake that its tests run against and for the real archive.
+class TestServiceContract : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase_data()
+    {
+        QTest::addColumn<QString>("directory");
+        QTest::newRow("fake") << QString(FAKE_PLUGIN_DIRECTORY);
+        QTest::newRow("real") << QString(REAL_PLUGIN_DIRECTORY);
+    }
+
+    void init()
+    {
+        QFETCH_GLOBAL(QString, directory);
+        fillFake();
+        QVERIFY(fillReal());
+        m_client.reset(make<ClassifyInterface>(directory + "/libclassifyclient.so", CLASSIFY_INTERFACE_IID));
+        m_content.reset(make<kelvaArchiveClientInterface>(directory + "/libkelvaarchiveclient.so",
+                                                          KELVA_ARCHIVE_CLIENT_INTERFACE_IID));
+        QVERIFY(m_client && m_content);
+    }
+
+    void cleanup()
+    {
+        m_client.reset();
+        m_content.reset();
+    }
+
+    void sessionsBeginWithAPassword();
+    void settingsKnowWhatTheyDoNotHold();
+    void listsHaveAHeaderAndRights();
+    void filtersNarrowTheList();
+    void aRecordIsARowAsAList();
+    void aStaleTokenIsRefused();
+    void countsAreNegativeOnFailure();
+    void trashHidesAndGivesBack();
+    void contentAnswersForDocuments();
+
+private:
+    template<typename Interface>
+    static Interface *make(const QString &path, const char *identifier)
+    {
+        QPluginLoader loader(path);
+        QObject *root = loader.instance();
+        return root ? static_cast<Interface *>(root->qt_metacast(identifier))->createClient(QString())
+                    : nullptr;
+    }
+
+    void login()
+    {
+        m_client->setProfileId(7);
+        QVERIFY2(m_client->connectClient("localhost", archiveNumber, "anna", "secret"),
+                 qPrintable(m_client->lastMessage()));
+    }
+
+    QStringList descriptions(const QStringList &filters)
+    {
+        QStringList texts;
+        const QStringList rows = m_client->getDocuments(filters);
+        for (int i = 1; i < rows.size(); ++i)
+            texts << rows.at(i).split(recordformat::fieldSeparator).value(2);
+        texts.sort();
+        return texts;
+    }
+
+    QString classificationOf(const QString &description)
+    {
+        const QStringList rows = m_client->getDocuments({"1=1"});
+        for (const QString &row : rows)
+            if (row.split(recordformat::fieldSeparator).value(2) == description)
+                return row.section(recordformat::fieldSeparator, 0, 0).section('#', 1);
+        return QString();
+    }
+
+    std::unique_ptr<ClassifyInterface> m_client;
+    std::unique_ptr<kelvaArchiveClientInterface> m_content;
+};
+
+void TestServiceContract::sessionsBeginWithAPassword()
+{
+    QVERIFY(!m_client->getConnectionMode().startsWith("Offline"));
+    QVERIFY(!m_client->connectClient("localhost", archiveNumber, "anna", "wrong"));
+    QVERIFY(!m_client->lastMessage().isEmpty());
+    QCOMPARE(m_client->lastMessage(), m_client->lastError());
+    login();
+    QCOMPARE(m_client->getLoginName(), QString("anna"));
+    QCOMPARE(m_client->getServerHost(), QString("localhost"));
+    QCOMPARE(m_client->getServerPort(), archiveNumber);
+    QCOMPARE(m_client->getProfileId(), 7);
+    QVERIFY(m_client->getUserRights().contains("kelvaADMIN"));
+    QVERIFY(m_client->getUserRights().contains("r_anna"));
+    QStringList archives{"left from before"};
+    m_client->getArchiveList(archives);
+    QCOMPARE(archives, QStringList(QString("Main archive") + recordformat::fieldSeparator + "1"));
+    m_client->disconnectClient();
+}
+
+void TestServiceContract::settingsKnowWhatTheyDoNotHold()
+{
+    login();
+    QByteArray value;
+    QString owner;
+    QVERIFY(!m_client->getSetting("kelvaGlobalSettings", "color", value, owner));
+    QCOMPARE(m_client->lastError(), QString("No data found."));
+    QVERIFY(m_client->saveSetting("kelvaGlobalSettings", "color", "blue", QString(), false));
+    QVERIFY(!m_client->saveSetting("kelvaGlobalSettings", "color", "red", QString(), false));
+    QVERIFY(m_client->getSetting("kelvaGlobalSettings", "color", value, owner));
+    QCOMPARE(value, QByteArray("blue"));
+    QVERIFY(m_client->saveSetting("kelvaGlobalSettings", "color", "red", QString(), true));
+    QVERIFY(m_client->getSetting("kelvaGlobalSettings", "color", value, owner));
+    QCOMPARE(value, QByteArray("red"));
+}
+
+void TestServiceContract::listsHaveAHeaderAndRights()
+{
+    login();
+    const QStringList rows = m_client->getDocuments({"1=1", "OPT:LIMIT;100"});
+    QCOMPARE(rows.size(), 3);
+    const int fields = rows.first().split(recordformat::fieldSeparator).size();
+    for (const QString &row : rows) {
+        const QStringList split = row.split(recordformat::fieldSeparator);
+        QCOMPARE(split.size(), fields);
+        if (row == rows.first())
+            continue;
+        QCOMPARE(split.at(0).count('#'), 1);
+        QVERIFY(split.last().contains('W'));
+        QCOMPARE(split.at(8), QString("2024-03-05"));
+        QVERIFY(split.at(4).startsWith("1_"));
+    }
+    QCOMPARE(m_client->getDocuments({"docid = 99999"}).size(), 1); // no hit: the header alone
+}
+
+void TestServiceContract::filtersNarrowTheList()
+{
+    login();
+    QCOMPARE(descriptions({"1=1"}), QStringList({"First", "Second"}));
+    QCOMPARE(descriptions({"(folder = '1.1.1' OR folder like '1.1.1.%')", "1=1"}), QStringList("Second"));
+    QCOMPARE(descriptions({"(folder = '1.1' OR folder like '1.1.%')"}), QStringList({"First", "Second"}));
+    QCOMPARE(descriptions({"(folder = '1' OR folder like '1.%')", "(status = 3)"}), QStringList("Second"));
+    QCOMPARE(descriptions({"1=1", "OPT:TRASH"}), QStringList("Third"));
+    QCOMPARE(descriptions({"1=1", "OPT:LIMIT;1"}).size(), 1);
+    QCOMPARE(m_client->getDocuments({"no clause at all"}), QStringList());
+    QVERIFY(!m_client->lastMessage().isEmpty());
+}
+
+void TestServiceContract::aRecordIsARowAsAList()
+{
+    login();
+    const QString id = classificationOf("Second");
+    const QStringList record = m_client->getDocument(id, QString());
+    QVERIFY(m_client->getDocuments({"1=1"}).contains(record.join(recordformat::fieldSeparator)));
+    QCOMPARE(m_client->getDocument("99999", QString()), QStringList());
+}
+
+void TestServiceContract::aStaleTokenIsRefused()
+{
+    login();
+    const QString id = classificationOf("First");
+    QStringList fields = m_client->getDocument(id, QString()).mid(1);
+    const QString token = fields.at(3);
+    fields[1] = "Changed";
+    QVERIFY2(m_client->saveDocument(id, fields), qPrintable(m_client->lastMessage()));
+    QCOMPARE(m_client->getDocument(id, QString()).value(2), QString("Changed"));
+    QVERIFY(m_client->getDocument(id, QString()).value(4) != token);
+    fields[1] = "Lost";
+    QVERIFY(!m_client->saveDocument(id, fields));
+    QCOMPARE(m_client->lastMessage(), QString("The entry has been changed by another user in the meantime."));
+    QCOMPARE(m_client->getDocument(id, QString()).value(2), QString("Changed"));
+}
+
+void TestServiceContract::countsAreNegativeOnFailure()
+{
+    login();
+    QCOMPARE(m_client->countDocuments("1=1", true), 3);
+    QCOMPARE(m_client->countDocuments("(status = 3)", true), 1);
+    QVERIFY(m_client->countDocuments("status =", true) < 0);
+}
+
+void TestServiceContract::trashHidesAndGivesBack()
+{
+    login();
+    const QString id = classificationOf("First");
+    QVERIFY2(m_client->moveToTrash({id}), qPrintable(m_client->lastError()));
+    QCOMPARE(descriptions({"1=1"}), QStringList("Second"));
+    QCOMPARE(descriptions({"1=1", "OPT:TRASH"}), QStringList({"First", "Third"}));
+    QVERIFY(m_client->restoreFromTrash({id}));
+    QCOMPARE(descriptions({"1=1"}), QStringList({"First", "Second"}));
+}
+
+void TestServiceContract::contentAnswersForDocuments()
+{
+    login();
+    const QString id = m_client->getDocuments({"1=1"}).value(1).section('#', 0, 0);
+    QVERIFY(m_content->connectToArchive("localhost", archiveNumber));
+    QVERIFY2(m_content->login("anna", "secret"), qPrintable(m_content->lastError()));
+    QVERIFY(!m_content->selectArchive("77"));
+    QVERIFY(!m_content->lastError().isEmpty());
+    QVERIFY(m_content->selectArchive("1"));
+    const QStringList infos = m_content->getDocumentInfo({id});
+    QCOMPARE(infos.size(), 1);
+    const QStringList words = infos.first().split(recordformat::listSeparator);
+    QVERIFY(words.size() >= 4);
+    QCOMPARE(words.at(0) + '|' + words.at(1) + '|' + words.at(3), id + "|scan.pdf|pdf");
+    QStringList actions{"left from before"};
+    QVERIFY(m_content->getDocumentActions({id}, actions, 0, "anna"));
+    QCOMPARE(actions, QStringList());
+    // The same object connects a second time.
+    m_content->disconnectFromArchive();
+    QVERIFY(m_content->connectToArchive("localhost", archiveNumber));
+    QVERIFY(m_content->login("anna", "secret"));
+}
+
+KELVA_TEST(TestServiceContract)
+#include "testservicecontract.moc"

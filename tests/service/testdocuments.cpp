@@ -1,0 +1,276 @@
+#include "support/kelvatest.h"
+
+#include "testarchive.h"
+
+#include "server/recordformat.h"
+#include "service/attributes.h"
+#include "service/content.h"
+#include "service/documentlist.h"
+#include "service/documents.h"
+#include "service/records.h"
+#include "service/subarchives.h"
+#include "service/vocabulary.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+using namespace kelva;
+
+class TestDocuments : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_archive = std::make_unique<TestArchive>();
+        m_id = QString::number(m_archive->addDocument(QStringLiteral("Invoice"), QStringLiteral("1.1")));
+        m_session = m_archive->login(QStringLiteral("admin"), QStringLiteral("secret"));
+    }
+
+    void theSecondOfTwoWritersIsRefused()
+    {
+        const auto other = m_archive->login(QStringLiteral("admin"), QStringLiteral("secret"));
+        QStringList mine = fields(*m_session);
+        QStringList theirs = fields(*other);
+        theirs.replace(1, QStringLiteral("Theirs"));
+        QCOMPARE(textOf(Documents(*other).save(m_id, theirs)), QString());
+        mine.replace(1, QStringLiteral("Mine"));
+        const Result<void> saved = Documents(*m_session).save(m_id, mine);
+        QVERIFY(!saved.ok());
+        QCOMPARE(saved.error().code, ErrorCode::Conflict);
+        QCOMPARE(saved.error().text,
+                 QStringLiteral("The entry has been changed by another user in the meantime."));
+        QCOMPARE(fields(*m_session).at(1), QStringLiteral("Theirs"));
+        QCOMPARE(fields(*m_session).at(3), QStringLiteral("1_2"));
+    }
+
+    void badFieldsAreRefusedAndChangeNothing_data()
+    {
+        QTest::addColumn<int>("place");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("a status that does not exist") << 2 << "77";
+        QTest::newRow("a status of words") << 2 << "new";
+        QTest::newRow("deleting what is not in the trash") << 2 << "-1";
+        QTest::newRow("a folder that does not exist") << 4 << "1.7";
+        QTest::newRow("a folder that is none") << 4 << "1.1' OR 1=1";
+        QTest::newRow("a main folder that is none") << 0 << "x";
+        QTest::newRow("a type that does not exist") << 5 << "12345678901234567890";
+        QTest::newRow("a day that does not exist") << 7 << "2021-02-30";
+        QTest::newRow("a resubmission date of words") << 9 << "tomorrow";
+        QTest::newRow("no token") << 3 << "";
+        QTest::newRow("the token of another version") << 3 << "1_0";
+    }
+
+    void badFieldsAreRefusedAndChangeNothing()
+    {
+        QFETCH(int, place);
+        QFETCH(QString, value);
+        const QStringList before = fields(*m_session);
+        QStringList record = before;
+        record.replace(1, QStringLiteral("Changed"));
+        record.replace(place, value);
+        QVERIFY(!Documents(*m_session).save(m_id, record).ok());
+        QCOMPARE(fields(*m_session), before);
+    }
+
+    void separatorsAndOverlongTextsDoNotGetIn()
+    {
+        QStringList record = fields(*m_session);
+        record.replace(1, QStringLiteral("a") + recordformat::fieldSeparator + "b" +
+                              recordformat::listSeparator + "c" + recordformat::rowSeparator + QChar(0) +
+                              QStringLiteral("d").repeated(10000));
+        QCOMPARE(textOf(Documents(*m_session).save(m_id, record)), QString());
+        const QString stored = fields(*m_session).at(1);
+        QCOMPARE(stored, QStringLiteral("abc ") + QStringLiteral("d").repeated(250));
+        QCOMPARE(splitFields(listDocuments(*m_session, {"1=1"}).value().at(1)).size(), 12);
+    }
+
+    void badIdsAreNobody_data()
+    {
+        QTest::addColumn<QString>("id");
+        for (const char *id : {"", "x", "-1", "0", "1 OR 1=1", "99999999999999999999", "1.0"})
+            QTest::newRow(id) << id;
+    }
+
+    void badIdsAreNobody()
+    {
+        QFETCH(QString, id);
+        QCOMPARE(Documents(*m_session).get(id).error().code, ErrorCode::NotFound);
+        QVERIFY(!Documents(*m_session).setTrashed({m_id, id}, true).ok());
+        // All or nothing: the good id of the list was left alone.
+        QCOMPARE(listDocuments(*m_session, {"1=1", "OPT:TRASH"}).value().size(), 1);
+    }
+
+    void everyVersionIsKept()
+    {
+        const auto made =
+            Attributes(*m_session).save({joinFields({"-1", "Amount", "Numeric", "false", "false"})});
+        QVERIFY(made.ok());
+        for (const char *amount : {"1.5", "2.5"}) {
+            QStringList record = fields(*m_session);
+            record.replace(1, QStringLiteral("Invoice ") + amount);
+            record.replace(4, QStringLiteral("1.2"));
+            record.replace(10, QString::fromLatin1(amount));
+            m_session->setClock([] { return QDateTime(QDate(2021, 3, 4), QTime(5, 6, 7)); });
+            QCOMPARE(textOf(Documents(*m_session).save(m_id, record)), QString());
+        }
+        const QStringList rows = Documents(*m_session).history(m_id).value();
+        QCOMPARE(rows.size(), 3);
+        QCOMPARE(splitFields(rows.at(0)),
+                 (QStringList{"1#1", "Invoices", "Invoice", "New", "1_1", "Invoices", "not assigned", "admin",
+                              "2020-02-03", "2020-02-03T04:05:06", "", ""}));
+        QCOMPARE(splitFields(rows.at(2)),
+                 (QStringList{"1#1", "Invoices", "Invoice 2.5", "New", "1_3", "Letters", "not assigned",
+                              "admin", "2020-02-03", "2021-03-04T05:06:07", "", "2.5"}));
+    }
+
+    void aColumnAddedMeanwhileDoesNotShiftTheOthers()
+    {
+        QVERIFY(Attributes(*m_session)
+                    .save({joinFields({"-1", "A", "String", "false", "false"}),
+                           joinFields({"-1", "B", "String", "false", "false"})})
+                    .ok());
+        QStringList record = fields(*m_session);
+        record.replace(11, QStringLiteral("for B"));
+        const auto other = m_archive->login(QStringLiteral("admin"), QStringLiteral("secret"));
+        QVERIFY(Attributes(*other).save({joinFields({"1", "A", "String", "false", "true"})}).ok());
+        QCOMPARE(textOf(Documents(*m_session).save(m_id, record)), QString());
+        QCOMPARE(fields(*m_session).mid(10), (QStringList{"for B", "W"}));
+    }
+
+    void aDocumentGoesThroughTheTrashToItsEnd()
+    {
+        Documents documents(*m_session);
+        QVERIFY(!Content(*m_session).remove(QStringLiteral("1"), QStringLiteral("gone")).ok());
+        QVERIFY(!documents.close(m_id).ok());
+        QCOMPARE(textOf(documents.setTrashed({m_id}, true)), QString());
+        QCOMPARE(listDocuments(*m_session, {"1=1"}).value().size(), 1);
+        QStringList record = fields(*m_session);
+        record.replace(2, QStringLiteral("-1"));
+        QCOMPARE(textOf(Content(*m_session).remove(QStringLiteral("1"), QStringLiteral("gone"))), QString());
+        QCOMPARE(textOf(documents.save(m_id, record)), QString());
+        QCOMPARE(textOf(documents.close(m_id)), QString());
+        QCOMPARE(documents.count(QStringLiteral("trashed = true and status = -1")).value(), 1);
+        QVERIFY(!documents.setTrashed({m_id}, false).ok());
+        QVERIFY(!Content(*m_session).fetch(1, Action::Shown, {}).ok());
+        QCOMPARE(splitFields(Content(*m_session).actions({"1"}, 3, QString()).value().value(0)).value(2),
+                 QStringLiteral("3"));
+    }
+
+    void retentionForbidsDeletion()
+    {
+        Records types = Vocabulary(*m_session).types().value();
+        types.add({QString(), QStringLiteral("Contract"), QStringLiteral("10;0;0")});
+        QCOMPARE(textOf(Vocabulary(*m_session).saveTypes(types)), QString());
+        QStringList record = fields(*m_session);
+        record.replace(5, QStringLiteral("1"));
+        QCOMPARE(textOf(Documents(*m_session).save(m_id, record)), QString());
+        QCOMPARE(textOf(Documents(*m_session).setTrashed({m_id}, true)), QString());
+        m_session->setClock([] { return QDateTime(QDate(2029, 1, 1), QTime()); });
+        record = fields(*m_session);
+        QVERIFY(record.last().contains(QLatin1Char('F')));
+        record.replace(2, QStringLiteral("-1"));
+        QVERIFY(!Documents(*m_session).save(m_id, record).ok());
+        QVERIFY(!Content(*m_session).remove(QStringLiteral("1"), QString()).ok());
+        types = Vocabulary(*m_session).types().value();
+        types.rows.replace(1, joinFields({"1", "Contract", "9;11;0"}));
+        QVERIFY(!Vocabulary(*m_session).saveTypes(types).ok());
+    }
+
+    void filesComeBackAsTheyWere_data()
+    {
+        QTest::addColumn<int>("size");
+        QTest::newRow("an empty file") << 0;
+        QTest::newRow("a file of one piece") << 1000;
+        QTest::newRow("a file at the edge of a piece") << 256 * 1024;
+        QTest::newRow("a file written in several transactions") << 20 * 1024 * 1024 + 7;
+    }
+
+    void filesComeBackAsTheyWere()
+    {
+        QFETCH(int, size);
+        const QString path = writeFile(QStringLiteral("Übersicht v1.2.pdf"), size);
+        const Result<qint64> id = Content(*m_session).store(path, true, {});
+        QVERIFY2(id.ok(), id ? "" : qPrintable(id.error().text));
+        QCOMPARE(
+            textOf(
+                Documents(*m_session).classify(id.value(), QStringLiteral("x.pdf"), QStringLiteral("1.1"))),
+            QString());
+        const Result<QString> copy = Content(*m_session).fetch(id.value(), Action::Exported, {});
+        QVERIFY2(copy.ok(), copy ? "" : qPrintable(copy.error().text));
+        QFile original(path);
+        QFile fetched(copy.value());
+        QVERIFY(original.open(QIODevice::ReadOnly) && fetched.open(QIODevice::ReadOnly));
+        QVERIFY(original.readAll() == fetched.readAll());
+        QCOMPARE(QFileInfo(copy.value()).completeSuffix(), QStringLiteral("pdf"));
+        const auto others = QFile::ReadGroup | QFile::ReadOther | QFile::ExeGroup | QFile::ExeOther;
+        QVERIFY(!(QFile::permissions(copy.value()) & others));
+        QVERIFY(!(QFile::permissions(QFileInfo(copy.value()).path()) & others));
+        QCOMPARE(archive::check(m_archive->path()).value(), QStringList());
+    }
+
+    void aCancelledUploadLeavesNothing()
+    {
+        const QString path = writeFile(QStringLiteral("large.bin"), 20 * 1024 * 1024);
+        const auto cancelLate = [](qint64 done) { return done < 18 * 1024 * 1024; };
+        QVERIFY(!Content(*m_session).store(path, true, cancelLate).ok());
+        QCOMPARE(m_session->database().value(QStringLiteral("SELECT count(*) FROM blob")).toInt(), 1);
+        QCOMPARE(m_session->database().value(QStringLiteral("SELECT count(*) FROM blob_piece")).toInt(), 1);
+    }
+
+    void aNewVersionKeepsTheId()
+    {
+        Content content(*m_session);
+        const qint64 first = content.store(writeFile(QStringLiteral("plan.txt"), 10), true, {}).value();
+        QCOMPARE(
+            textOf(Documents(*m_session).classify(first, QStringLiteral("plan.txt"), QStringLiteral("1.1"))),
+            QString());
+        QCOMPARE(content.store(writeFile(QStringLiteral("plan.txt"), 20), false, {}).value(), first);
+        QCOMPARE(
+            textOf(Documents(*m_session).classify(first, QStringLiteral("plan.txt"), QStringLiteral("1.1"))),
+            QString());
+        QCOMPARE(listDocuments(*m_session, {QStringLiteral("docid = %1").arg(first)}).value().size(), 2);
+        QCOMPARE(content.size(first).value(), 20);
+        QVERIFY(content.store(writeFile(QStringLiteral("plan.txt"), 30), true, {}).value() != first);
+    }
+
+    void aSubArchiveHoldsItsOwnDocuments()
+    {
+        SubArchives archives(*m_session);
+        const qint64 second = archives.create(QStringLiteral("Second"), QString()).value();
+        QVERIFY(!archives.create(QStringLiteral("Second"), QString()).ok());
+        QCOMPARE(textOf(Documents(*m_session).moveToSubArchive(1, second)), QString());
+        QVERIFY(!Documents(*m_session).moveToSubArchive(1, 99).ok());
+        m_session->setSubArchive(1);
+        QCOMPARE(listDocuments(*m_session, {"1=1", "OPT:LIMIT;5"}).value().size(), 1);
+        m_session->setSubArchive(second);
+        QCOMPARE(listDocuments(*m_session, {"1=1", "OPT:LIMIT;5"}).value().size(), 2);
+        QVERIFY(!archives.remove(second).ok());
+        QCOMPARE(textOf(archives.remove(1)), QString());
+        QVERIFY(!archives.find(QStringLiteral("1")).ok());
+    }
+
+private:
+    QStringList fields(Session &session) { return Documents(session).get(m_id).value().mid(1); }
+
+    QString writeFile(const QString &name, int size)
+    {
+        const QString path = m_files.filePath(name);
+        QFile file(path);
+        QByteArray bytes(size, '\0');
+        for (int i = 0; i < size; ++i)
+            bytes[i] = static_cast<char>(i * 7 + i / 251);
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != size)
+            qFatal("the test file could not be written");
+        return path;
+    }
+
+    QTemporaryDir m_files;
+    std::unique_ptr<TestArchive> m_archive;
+    std::unique_ptr<Session> m_session;
+    QString m_id;
+};
+
+KELVA_TEST(TestDocuments)
+#include "testdocuments.moc"

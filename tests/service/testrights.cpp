@@ -1,0 +1,169 @@
+#include "support/kelvatest.h"
+
+#include "testarchive.h"
+
+#include "server/recordformat.h"
+#include "service/content.h"
+#include "service/documentlist.h"
+#include "service/documents.h"
+#include "service/folders.h"
+#include "service/records.h"
+#include "service/settings.h"
+#include "service/users.h"
+#include "service/vocabulary.h"
+
+using namespace kelva;
+
+/// "clerk" may not see the folder "Board" (2, 2.1), "member" may.
+class TestRights : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        m_open = m_archive.addDocument(QStringLiteral("Open letter"), QStringLiteral("1.2"));
+        m_secret = m_archive.addDocument(QStringLiteral("Secret minutes"), QStringLiteral("2.1"));
+        m_archive.addDocument(QStringLiteral("Unsorted"), QStringLiteral("0"));
+        m_archive.addUser(QStringLiteral("clerk"), {"kelvaCLASSIFY", "kelvaHISTORY", "kelvaVERSIONING"});
+        m_archive.addUser(QStringLiteral("member"), {"kelvaCLASSIFY", "board"});
+        m_archive.addUser(QStringLiteral("reader"), {"kelvaALLDOCS"});
+        m_archive.addUser(QStringLiteral("boss"), {"kelvaADMIN", "kelvaCLASSIFY"});
+    }
+
+    void aForbiddenFolderNeverShowsUp_data()
+    {
+        QTest::addColumn<QStringList>("filters");
+        QTest::newRow("in the whole list") << QStringList{"1=1"};
+        QTest::newRow("in a limited list") << QStringList{"1=1", "OPT:LIMIT;1000"};
+        QTest::newRow("when asked for by folder")
+            << QStringList{"(folder = '2' OR folder like '2.%')", "OPT:LIMIT;10"};
+        QTest::newRow("when asked for by id") << QStringList{"docid = 2"};
+        QTest::newRow("when asked for by number of the record") << QStringList{"docs_id in (1,2,3)"};
+        QTest::newRow("behind an or") << QStringList{"1=1 or folder = '2.1'"};
+        QTest::newRow("by a word") << QStringList{"to_tsvector(bemerkung) @@ to_tsquery('secret')",
+                                                  "OPT:LIMIT;10"};
+        QTest::newRow("by a contained text") << QStringList{"bemerkung ilike '%secret%'"};
+        QTest::newRow("by a selection") << QStringList{"OPT:SELECTION;2", "1=1", "OPT:LIMIT;10"};
+        QTest::newRow("by the full text")
+            << QStringList{QStringLiteral("OPT:FULLTEXT") + recordformat::fieldSeparator + "secret"};
+        QTest::newRow("with rights ignored by somebody who may not")
+            << QStringList{"OPT:IGNORERIGHTS", "docid = 2"};
+    }
+
+    void aForbiddenFolderNeverShowsUp()
+    {
+        QFETCH(QStringList, filters);
+        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const Result<QStringList> list = listDocuments(*clerk, filters);
+        QVERIFY2(list.ok(), list ? "" : qPrintable(list.error().text));
+        QVERIFY(!descriptionsOf(list.value()).contains(QStringLiteral("Secret minutes")));
+        const auto member = m_archive.login(QStringLiteral("member"), QStringLiteral("secret"));
+        QVERIFY(descriptionsOf(listDocuments(*member, filters).value())
+                    .contains(QStringLiteral("Secret minutes")));
+    }
+
+    void aForbiddenDocumentCanNotBeTouched()
+    {
+        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const QString id = QString::number(m_secret);
+        Documents documents(*clerk);
+        QVERIFY(!documents.get(id).ok());
+        QVERIFY(!documents.save(id, {"", "changed", "1", "1_1"}).ok());
+        QVERIFY(!documents.setTrashed({id}, true).ok());
+        QVERIFY(!documents.history(id).ok());
+        QVERIFY(!documents.moveToSubArchive(2, 1).ok());
+        QVERIFY(!documents.classify(2, QStringLiteral("mine"), QStringLiteral("1.1")).ok());
+        QVERIFY(!Content(*clerk).fetch(2, Action::Shown, {}).ok());
+        QCOMPARE(Content(*clerk).info({"2"}).value(), QStringList());
+        QCOMPARE(Content(*clerk).actions({"2"}, -1, QString()).value(), QStringList());
+        QCOMPARE(Content(*clerk).search(QStringLiteral("secret")).value(), QStringList());
+        QCOMPARE(documents.count(QStringLiteral("bemerkung ilike '%secret%'")).value(), 0);
+        QVERIFY(!Vocabulary(*clerk).descriptions().value().contains(QStringLiteral("Secret minutes")));
+        const Result<Records> folders = Folders(*clerk).list(false);
+        for (const QString &row : folders.value().rows)
+            QVERIFY(!row.startsWith(QStringLiteral("2")));
+    }
+
+    void aDocumentCanNotBeMovedWhereItsEditorSeesNothing()
+    {
+        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const QString id = QString::number(m_open);
+        QStringList fields = Documents(*clerk).get(id).value().mid(1);
+        fields.replace(4, QStringLiteral("2.1"));
+        QCOMPARE(textOf(Documents(*clerk).save(id, fields)), QStringLiteral("The folder does not exist."));
+    }
+
+    void seeingEverythingDoesNotMeanWriting()
+    {
+        const auto reader = m_archive.login(QStringLiteral("reader"), QStringLiteral("secret"));
+        const QStringList record = Documents(*reader).get(QString::number(m_secret)).value();
+        QCOMPARE(record.last(), QString());
+        QVERIFY(!Documents(*reader).save(QString::number(m_secret), record.mid(1)).ok());
+        const Result<void> setting =
+            Settings(*reader).save("kelvaGlobalSettings", "x", {"1", QString()}, true);
+        QCOMPARE(setting.error().code, ErrorCode::Refused);
+    }
+
+    void administeringDoesNotMeanSeeing()
+    {
+        const auto boss = m_archive.login(QStringLiteral("boss"), QStringLiteral("secret"));
+        QVERIFY(!descriptionsOf(listDocuments(*boss, {"1=1"}).value())
+                     .contains(QStringLiteral("Secret minutes")));
+        QCOMPARE(Documents(*boss).count(QStringLiteral("folder = '2.1'")).value(), 1);
+        const QStringList ignoring = listDocuments(*boss, {"OPT:IGNORERIGHTS", "docid = 2"}).value();
+        QCOMPARE(descriptionsOf(ignoring), QStringList{QStringLiteral("Secret minutes")});
+        QVERIFY(!splitFields(ignoring.at(1)).last().contains(QLatin1Char('W')));
+        QVERIFY(Folders(*boss).list(true).value().rows.size() >
+                Folders(*boss).list(false).value().rows.size());
+    }
+
+    void rightsTakenAwayAreGoneAtOnce()
+    {
+        const auto member = m_archive.login(QStringLiteral("member"), QStringLiteral("secret"));
+        QVERIFY(Documents(*member).get(QString::number(m_secret)).ok());
+        const auto boss = m_archive.login(QStringLiteral("boss"), QStringLiteral("secret"));
+        QVERIFY(Users(*boss).setRolesOf(QStringLiteral("member"), {"kelvaCLASSIFY"}).ok());
+        QVERIFY(!Documents(*member).get(QString::number(m_secret)).ok());
+        QVERIFY(Users(*boss).setRolesOf(QStringLiteral("member"), {"kelvaCLASSIFY", "board"}).ok());
+        QVERIFY(Documents(*member).get(QString::number(m_secret)).ok());
+    }
+
+    void aRefusedChangeDoesNotOpenFolders()
+    {
+        // The folders that a session sees stand in a temporary table, which a refused operation takes back
+        // too.
+        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        QVERIFY(!Documents(*clerk).save(QStringLiteral("77"), {"", "", "1", "1_1"}).ok());
+        QCOMPARE(descriptionsOf(listDocuments(*clerk, {"1=1"}).value()),
+                 (QStringList{"Unsorted", "Open letter"}));
+    }
+
+    void theOnlyRoleOfAFolderCanNotBeDeleted()
+    {
+        const auto boss = m_archive.login(QStringLiteral("boss"), QStringLiteral("secret"));
+        const Result<void> removed = Users(*boss).removeRoles({"board"});
+        QVERIFY(!removed.ok());
+        QCOMPARE(removed.error().code, ErrorCode::InUse);
+    }
+
+    void aLockedFolderIsTheWayToAnOpenOne()
+    {
+        const auto boss = m_archive.login(QStringLiteral("boss"), QStringLiteral("secret"));
+        QVERIFY(Folders(*boss).setRoles(QStringLiteral("2.1"), {"publicFolder"}).ok());
+        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const Result<Records> folders = Folders(*clerk).list(false);
+        const QStringList &rows = folders.value().rows;
+        QVERIFY(rows.contains(joinFields({"2", "Board", "0", "", "", "0", "L", "", ""})));
+        QVERIFY(rows.contains(joinFields({"2.1", "Minutes", "0", "", "2", "0", "", "", ""})));
+        QVERIFY(Folders(*boss).setRoles(QStringLiteral("2.1"), {}).ok());
+    }
+
+private:
+    TestArchive m_archive;
+    qint64 m_open = 0;
+    qint64 m_secret = 0;
+};
+
+KELVA_TEST(TestRights)
+#include "testrights.moc"

@@ -1,0 +1,214 @@
+#include "support/kelvatest.h"
+
+#include "testarchive.h"
+
+#include "server/recordformat.h"
+#include "service/documents.h"
+#include "service/folders.h"
+#include "service/records.h"
+#include "service/searches.h"
+#include "service/users.h"
+#include "service/vocabulary.h"
+
+using namespace kelva;
+
+class TestVocabulary : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_archive = std::make_unique<TestArchive>();
+        m_session = m_archive->login(QStringLiteral("admin"), QStringLiteral("secret"));
+    }
+
+    void foldersComeParentsFirstAndByName()
+    {
+        QStringList oids;
+        const Result<Records> folders = Folders(*m_session).list(true);
+        for (const QString &row : folders.value().rows)
+            oids << splitFields(row).at(0);
+        QCOMPARE(oids, (QStringList{"2", "2.1", "1", "1.1", "1.2", "1.2.1"}));
+    }
+
+    void aNewFolderGetsTheNextNumberOfItsParent()
+    {
+        Folders folders(*m_session);
+        QCOMPARE(folders.create("1", "New", "key", "a b").value(), QStringLiteral("1.3"));
+        QCOMPARE(folders.create("1.2.1", "Deep", "", "").value(), QStringLiteral("1.2.1.1"));
+        QCOMPARE(folders.create("-1", "Main", "", "").value(), QStringLiteral("3"));
+        QVERIFY(!folders.create("9.9", "Lost", "", "").ok());
+        QVERIFY(!folders.create("1", "  ", "", "").ok());
+        QCOMPARE(folders.nextOid().value(), QStringLiteral("4"));
+    }
+
+    void savingFoldersIsAllOrNothing()
+    {
+        m_archive->addDocument(QStringLiteral("Kept"), QStringLiteral("1.1"));
+        Records change;
+        change.add({"1.2.1", "", "", "", "1.2", "0", "D"});
+        change.add({"7", "Seven", "0", "", "-1", "1", "I", "words"});
+        change.add({"1.1", "", "", "", "1", "0", "D"});
+        const Result<void> saved = Folders(*m_session).save(change);
+        QCOMPARE(saved.error().code, ErrorCode::InUse);
+        QCOMPARE(Folders(*m_session).list(true).value().rows.size(), 6);
+        change.rows.removeLast();
+        change.add({"99", "", "", "", "", "0", "D"});
+        QCOMPARE(textOf(Folders(*m_session).save(change)), QString());
+        QCOMPARE(Folders(*m_session).list(true).value().rows.size(), 6);
+        QVERIFY(!Folders(*m_session).save(change).ok());
+    }
+
+    void mainFoldersFollowFromTheFirstTwoLevels_data()
+    {
+        QTest::addColumn<QString>("oid");
+        QTest::addColumn<QString>("mainFolder");
+        QTest::newRow("one level") << "3"
+                                   << "3";
+        QTest::newRow("two levels") << "1.3"
+                                    << "1.3";
+        QTest::newRow("three levels") << "1.3.7"
+                                      << "1.3";
+        QTest::newRow("a first level of two digits loses one") << "12.3.7"
+                                                               << "2.3";
+        QTest::newRow("a second level of two digits") << "1.30.7.9"
+                                                      << "1.30";
+    }
+
+    void mainFoldersFollowFromTheFirstTwoLevels()
+    {
+        QFETCH(QString, oid);
+        QTEST(mainFolderOf(oid), "mainFolder");
+    }
+
+    void inactiveFoldersHideWhatIsBelowThem()
+    {
+        Records change;
+        change.add({"1.2", "Letters", "I", "", "1", "1", "U", ""});
+        QCOMPARE(textOf(Folders(*m_session).save(change)), QString());
+        const Result<Records> folders = Folders(*m_session).list(false);
+        for (const QString &row : folders.value().rows)
+            QVERIFY(!row.startsWith(QStringLiteral("1.2")));
+    }
+
+    void theStatusListIsSavedAsAWhole()
+    {
+        const QString id = QString::number(m_archive->addDocument(QStringLiteral("x"), QStringLiteral("0")));
+        Records list = Vocabulary(*m_session).status().value();
+        list.rows.prepend(joinFields({"", "Urgent"}));
+        list.pictures.prepend("PNG");
+        QCOMPARE(textOf(Vocabulary(*m_session).saveStatus(list)), QString());
+        list = Vocabulary(*m_session).status().value();
+        QCOMPARE(list.rows.first(), joinFields({"4", "Urgent"}));
+        QCOMPARE(list.pictures.first(), QByteArray("PNG"));
+        QStringList record = Documents(*m_session).get(id).value().mid(1);
+        record.replace(2, QStringLiteral("4"));
+        QCOMPARE(textOf(Documents(*m_session).save(id, record)), QString());
+        QVERIFY(Documents(*m_session).setTrashed({id}, true).ok());
+        list.rows.removeFirst();
+        list.pictures.removeFirst();
+        QCOMPARE(Vocabulary(*m_session).saveStatus(list).error().code, ErrorCode::InUse);
+        list.rows.removeFirst();
+        QVERIFY(!Vocabulary(*m_session).saveStatus(list).ok());
+        QCOMPARE(Vocabulary(*m_session).status().value().rows.size(), 4);
+    }
+
+    void typesKeepTheOrderSent()
+    {
+        Records list = Vocabulary(*m_session).types().value();
+        list.rows.prepend(joinFields({"", "Contract", "10;0;0"}));
+        list.rows.prepend(joinFields({"", "Invoice", "0;6;"}));
+        QCOMPARE(textOf(Vocabulary(*m_session).saveTypes(list)), QString());
+        QCOMPARE(Vocabulary(*m_session).types().value().rows,
+                 (QStringList{joinFields({"1", "Invoice", "0;6;0"}), joinFields({"2", "Contract", "10;0;0"}),
+                              joinFields({"0", "not assigned", "0;0;0"})}));
+        for (const char *span : {"-1;0;0", "x", "1;2;3;4", "99999999999;0;0"}) {
+            list.rows.replace(0, joinFields({"", "Bad", QString::fromLatin1(span)}));
+            QVERIFY2(!Vocabulary(*m_session).saveTypes(list).ok(), span);
+        }
+    }
+
+    void dateBoundsOfAnEmptyArchiveAreToday()
+    {
+        m_session->setClock([] { return QDateTime(QDate(2022, 2, 2), QTime()); });
+        QCOMPARE(Vocabulary(*m_session).dateBounds().value(), (QStringList{"2022-02-02", "2022-02-02"}));
+        m_archive->addDocument(QStringLiteral("a"), QStringLiteral("0"), QStringLiteral("1999-12-31"));
+        m_archive->addDocument(QStringLiteral("b"), QStringLiteral("0"), QStringLiteral("2030-01-01"));
+        QCOMPARE(Vocabulary(*m_session).dateBounds().value(), (QStringList{"1999-12-31", "2030-01-01"}));
+    }
+
+    void searchesOpenToTheirRoles()
+    {
+        m_archive->addUser(QStringLiteral("clerk"), {});
+        const auto clerk = m_archive->login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const QString definition =
+            QStringLiteral("a") + recordformat::listSeparator + "b" + recordformat::rowSeparator;
+        QVERIFY(Searches(*clerk).save("own", definition, {}).ok());
+        QVERIFY(Searches(*m_session).save("all", definition, {"kelvaUSER"}).ok());
+        QVERIFY(Searches(*m_session).save("boards", definition, {"board"}).ok());
+        QVERIFY(!Searches(*clerk).save("others", definition, {"board"}).ok());
+        const auto names = [](Session &session, const QString &login) {
+            QStringList list;
+            const Result<QStringList> searches = Searches(session).list(login);
+            for (const QString &row : searches.value())
+                list << splitFields(row).at(1);
+            return list;
+        };
+        QCOMPARE(names(*clerk, "clerk"), (QStringList{"all", "own"}));
+        QCOMPARE(names(*clerk, "admin"), (QStringList{"all", "own"}));
+        QCOMPARE(names(*m_session, "admin"), (QStringList{"all", "boards"}));
+        QCOMPARE(splitFields(Searches(*clerk).list("clerk").value().at(1)),
+                 (QStringList{"1", "own", definition, "r_clerk"}));
+        QVERIFY(!Searches(*clerk).remove("2").ok());
+        QVERIFY(Searches(*clerk).remove("1").ok());
+    }
+
+    void theArchiveKeepsAnAdministrator()
+    {
+        Users users(*m_session);
+        QVERIFY(!users.setRolesOf("admin", {"kelvaCLASSIFY"}).ok());
+        QVERIFY(!users.setUsersOf("kelvaADMIN", {}).ok());
+        QVERIFY(!users.remove({"1"}).ok());
+        QVERIFY(users.rolesOf("admin").value().contains(QStringLiteral("kelvaADMIN")));
+    }
+
+    void usersComeAndGoWithTheirPersonalRole()
+    {
+        Users users(*m_session);
+        for (const char *login : {"", " ", "admin",
+                                  "a\xef\xbb\xbf"
+                                  "b"})
+            QVERIFY2(!users.create({QString::fromUtf8(login), "x", "", ""}).ok(), login);
+        const qint64 id = users.create({"neu", "x", "Neuer Nutzer", "nn"}).value();
+        QCOMPARE(users.rolesOf("neu").value(), QStringList{"r_neu"});
+        QVERIFY(users.setRolesOf("neu", {"board"}).ok());
+        QCOMPARE(users.rolesOf("neu").value(), (QStringList{"board", "r_neu"}));
+        QCOMPARE(users.usersOf("board").value(),
+                 QStringList{joinFields({QString::number(id), "neu", "Neuer Nutzer", "nn", "", "0"})});
+        QVERIFY(!users.removeRoles({"r_neu"}).ok());
+        QVERIFY(users.remove({QString::number(id)}).ok());
+        QVERIFY(!users.roles().value().contains(QStringLiteral("r_neu")));
+    }
+
+    void aRestoreWaitsUntilNobodyWorks()
+    {
+        m_archive->addDocument(QStringLiteral("Before"), QStringLiteral("0"));
+        const QString copy = m_archive->path() + QStringLiteral(".copy");
+        QCOMPARE(textOf(archive::backup(m_archive->path(), copy)), QString());
+        QCOMPARE(archive::restore(copy, m_archive->path()).error().code, ErrorCode::Busy);
+        const QString elsewhere = m_archive->path() + QStringLiteral(".other");
+        QCOMPARE(textOf(archive::restore(copy, elsewhere)), QString());
+        QCOMPARE(textOf(archive::restore(copy, elsewhere)), QString());
+        const auto restored = Session::login(elsewhere, QStringLiteral("admin"), QStringLiteral("secret"));
+        QVERIFY(restored.ok());
+        QCOMPARE(Documents(*restored.value()).count(QStringLiteral("1=1")).value(), 1);
+    }
+
+private:
+    std::unique_ptr<TestArchive> m_archive;
+    std::unique_ptr<Session> m_session;
+};
+
+KELVA_TEST(TestVocabulary)
+#include "testvocabulary.moc"
