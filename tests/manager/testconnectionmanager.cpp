@@ -89,7 +89,8 @@ void TestConnectionManager::aClientGetsItsProfileAndItsBlock()
 {
     ManagerSurroundings s;
     const Profile stored = s.added(s.profile("Office"));
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
     kelvaLoginData login;
     kelvaProfileData profile;
@@ -105,8 +106,8 @@ void TestConnectionManager::aClientGetsItsProfileAndItsBlock()
     QCOMPARE(profile.extraList2, QStringList(""));
     WorkbenchData data;
     QVERIFY(readWorkbenchData(::workbenchKey("admin", "localhost", 1, profile.id), data));
-    QTRY_COMPARE(manager.usersOf(stored.id), 1);
-    QCOMPARE(manager.usersOf(stored.id + 1), 0);
+    QTRY_COMPARE(manager.countUsers(stored.id), 1);
+    QCOMPARE(manager.countUsers(stored.id + 1), 0);
 }
 
 void TestConnectionManager::everyProfileHasABlockFromTheStart()
@@ -115,7 +116,8 @@ void TestConnectionManager::everyProfileHasABlockFromTheStart()
     s.archive.addUser("anna", {"kelvaCLASSIFY"});
     const Profile admin = s.added(s.profile("All", "admin"));
     const Profile anna = s.added(s.profile("Some", "anna"));
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
     QTRY_VERIFY(folderNames(admin).contains("Board"));
     QTRY_VERIFY(folderNames(anna).contains("Office"));
@@ -127,7 +129,8 @@ void TestConnectionManager::aReloadIsAnsweredWithTheNewVocabulary()
 {
     ManagerSurroundings s;
     const Profile profile = s.added(s.profile("Office"));
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
     const auto session = s.archive.login("admin", "secret");
     kelvaLoginData login;
@@ -211,7 +214,8 @@ void TestConnectionManager::aFaultyProfileDoesNotStopTheOthers()
     faulty.port = port;
     faulty = s.added(faulty);
     const Profile sound = s.added(s.profile("Sound"));
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
     kelvaLoginData login;
     QString message;
@@ -258,16 +262,17 @@ void TestConnectionManager::aStuckBlockHoldsUpNobody()
 void TestConnectionManager::theProfileFileIsFollowed()
 {
     ManagerSurroundings s;
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
-    QSignalSpy changed(&manager, &ConnectionManager::profilesChanged);
+    QSignalSpy changed(&profiles, &ProfileList::changed);
     const Profile first = ProfileStore().add(s.profile("First")).value();
     QTRY_VERIFY(hasBlock(first));
     const Profile second = ProfileStore().add(s.profile("Second")).value();
     QTRY_VERIFY(hasBlock(second));
-    QCOMPARE(manager.profiles().size(), 2);
+    QCOMPARE(profiles.profiles().size(), 2);
     s.writeFile("{ damaged");
-    QTRY_VERIFY(manager.fault().contains("damaged"));
+    QTRY_VERIFY(profiles.fault().contains("damaged"));
     // What it knew before serves on.
     kelvaLoginData login;
     kelvaProfileData profile;
@@ -282,7 +287,8 @@ void TestConnectionManager::removedProfilesLoseTheirBlock()
     ManagerSurroundings s;
     const Profile first = s.added(s.profile("First"));
     const Profile second = s.added(s.profile("Second"));
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
     QTRY_VERIFY(hasBlock(first) && hasBlock(second));
     QVERIFY(s.store.remove(first.id).ok());
@@ -294,7 +300,8 @@ void TestConnectionManager::requestsOfOneConnectionAreAnsweredInTurn()
 {
     ManagerSurroundings s;
     const Profile profile = s.added(s.profile("Office"));
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
     Client client;
     const QByteArray list = profileListAnswer({profile});
@@ -309,14 +316,15 @@ void TestConnectionManager::requestsOfOneConnectionAreAnsweredInTurn()
         hasty.send("USEPROFILE#" + QByteArray::number(QCoreApplication::applicationPid()) + "#" +
                    QByteArray::number(profile.id) + "#/opt/k\r\n");
     }
-    QTRY_COMPARE(manager.usersOf(profile.id), 1);
+    QTRY_COMPARE(manager.countUsers(profile.id), 1);
 }
 
 void TestConnectionManager::aSlowClientHoldsUpNobody()
 {
     ManagerSurroundings s;
     s.added(s.profile("Office"));
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
     Client slow;
     slow.send("GETPROF");
@@ -347,7 +355,8 @@ void TestConnectionManager::cutOffClients()
     QFETCH(QByteArray, bytes);
     ManagerSurroundings s;
     s.added(s.profile("Office"));
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("a client was cut off"));
     Client client;
@@ -392,7 +401,8 @@ void TestConnectionManager::connectionsAreLimited()
 {
     ManagerSurroundings s;
     s.added(s.profile("Office"));
-    ConnectionManager manager(s.store);
+    ProfileList profiles(s.store);
+    ConnectionManager manager(profiles);
     QVERIFY(manager.start().ok());
     std::vector<std::unique_ptr<Client>> clients;
     for (int i = 0; i < ManagerServer::mostConnections; ++i)
@@ -407,6 +417,7 @@ void TestConnectionManager::connectionsAreLimited()
 void TestConnectionManager::onlyOneManagerRuns()
 {
     ManagerSurroundings s;
+    ProfileList profiles(s.store);
     const QString socketFile = QDir::tempPath() + '/' + socketName();
     {
         // What a killed one leaves behind is in nobody's way.
@@ -414,9 +425,9 @@ void TestConnectionManager::onlyOneManagerRuns()
         QVERIFY(leftover.open(QIODevice::WriteOnly));
     }
     {
-        ConnectionManager first(s.store);
+        ConnectionManager first(profiles);
         QVERIFY(first.start().ok());
-        ConnectionManager second(s.store);
+        ConnectionManager second(profiles);
         QCOMPARE(second.start().error().code, ErrorCode::InUse);
         QVERIFY(ManagerServer::isAnswering());
         QCOMPARE(QFile::permissions(socketFile) & (QFile::ReadOther | QFile::WriteOther | QFile::WriteGroup),
@@ -426,7 +437,7 @@ void TestConnectionManager::onlyOneManagerRuns()
     // One that lost its lock file is found by its answer.
     QLocalServer other;
     QVERIFY(other.listen(socketName()));
-    ConnectionManager third(s.store);
+    ConnectionManager third(profiles);
     QCOMPARE(third.start().error().code, ErrorCode::InUse);
     QVERIFY(QFile::exists(socketFile));
 }

@@ -1,0 +1,136 @@
+#include "manager/managersurroundings.h"
+#include "manager/profiledialog.h"
+#include "support/kelvatest.h"
+
+#include "service/subarchives.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+using namespace kelva;
+
+class TestProfileDialog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void archivesAreLoadedAndChosen();
+    void archivesOfAnotherPortDoNotCount();
+    void aListThatComesTooLateIsDropped();
+    void nothingTypedIsLost();
+};
+
+namespace {
+
+/// The dialog with what it saved.
+struct Opened
+{
+    explicit Opened(const Profile &profile)
+        : dialog(
+              profile,
+              [this](const Profile &entered) -> Result<void> {
+                  if (!refusal.isEmpty())
+                      return Error{ErrorCode::Conflict, refusal};
+                  saved << entered;
+                  return {};
+              },
+              nullptr)
+    {
+        dialog.show();
+    }
+    QString message() const { return dialog.findChild<QLabel *>("message")->text(); }
+    void type(const char *field, const QString &text)
+    {
+        auto *edit = dialog.findChild<QLineEdit *>(field);
+        edit->selectAll();
+        QTest::keyClicks(edit, text);
+    }
+    void load() { dialog.findChild<QPushButton *>("load")->click(); }
+    bool isLoaded() const { return dialog.findChild<QPushButton *>("load")->isEnabled(); }
+    QComboBox *archive() const { return dialog.findChild<QComboBox *>("archive"); }
+
+    QString refusal;
+    QList<Profile> saved;
+    ProfileDialog dialog;
+};
+
+} // namespace
+
+void TestProfileDialog::archivesAreLoadedAndChosen()
+{
+    ManagerSurroundings s;
+    QVERIFY(SubArchives(*s.archive.owner()).create("Zweites Archiv", QString()).ok());
+    Profile fresh;
+    fresh.host = "localhost";
+    Opened opened(fresh);
+    opened.dialog.accept();
+    QVERIFY(opened.message().contains("name"));
+    opened.type("name", "Office");
+    opened.type("port", "01");
+    opened.type("user", " admin ");
+    opened.type("password", "secret");
+    opened.dialog.accept();
+    QVERIFY(opened.message().contains("load the archives"));
+    opened.load();
+    QTRY_VERIFY(opened.isLoaded());
+    QCOMPARE(opened.archive()->count(), 2);
+    opened.archive()->setCurrentIndex(1);
+    // Loaded again, the choice stays.
+    opened.load();
+    QTRY_VERIFY(opened.isLoaded());
+    opened.dialog.accept();
+    QVERIFY(!opened.dialog.isVisible());
+    QCOMPARE(opened.saved.size(), 1);
+    const Profile profile = opened.saved.first();
+    QCOMPARE(profile.port + '|' + profile.user + '|' + profile.displayLine1, QString("1|admin|Office"));
+    QCOMPARE(profile.archiveName(), QString("Zweites Archiv"));
+}
+
+void TestProfileDialog::archivesOfAnotherPortDoNotCount()
+{
+    ManagerSurroundings s;
+    Opened opened(s.profile("Office"));
+    QCOMPARE(opened.archive()->currentText(), QString("Archive"));
+    opened.type("port", "2");
+    QCOMPARE(opened.archive()->count(), 0);
+    opened.load();
+    QTRY_VERIFY(opened.isLoaded());
+    QVERIFY2(opened.message().contains("2.kelva"), qPrintable(opened.message()));
+    opened.dialog.accept();
+    QVERIFY(opened.saved.isEmpty());
+}
+
+void TestProfileDialog::aListThatComesTooLateIsDropped()
+{
+    ManagerSurroundings s;
+    Opened opened(s.profile("Office"));
+    opened.load();
+    opened.type("port", "2");
+    opened.load();
+    QTRY_VERIFY(opened.message().contains("2.kelva"));
+    QVERIFY(opened.isLoaded());
+    QCOMPARE(opened.archive()->count(), 0);
+}
+
+void TestProfileDialog::nothingTypedIsLost()
+{
+    ManagerSurroundings s;
+    Profile original = s.profile("Office");
+    original.id = 1001;
+    Opened opened(original);
+    opened.type("user", "anna");
+    opened.refusal = "Somebody was faster.";
+    opened.dialog.accept();
+    QVERIFY(opened.dialog.isVisible());
+    QCOMPARE(opened.message(), opened.refusal);
+    opened.refusal.clear();
+    opened.dialog.accept();
+    Profile expected = original;
+    expected.user = "anna";
+    QVERIFY(opened.saved == QList<Profile>{expected});
+}
+
+KELVA_TEST(TestProfileDialog)
+#include "testprofiledialog.moc"
