@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QStringList>
 #include <QTreeView>
 
@@ -36,18 +37,32 @@ public:
     void setHtmlMode(bool html) { m_htmlMode = html; }
     void setConnectionData(const QString &host, const QString &port, const QString &archive);
 
+    /// In a dialog the view is for choosing a folder: Return, Enter or a double click choose, Escape gives
+    /// up.
+    void setDialogMode(bool dialog) { m_dialogMode = dialog; }
+    /// Whether the user chose a folder since the last show().
+    bool getSaved() const { return m_picked; }
+    /// Hides the base operation, which is not virtual; a dialog that shows the view does not call it.
+    void show();
+
     /// Restores what setSaveState() keeps. Hides the base operation, which is not virtual.
     void update();
     using QTreeView::update;
 
 public slots:
     void doSaveState();
+    /// Chooses the current folder: doubleClicked() tells the dialog.
+    void doSearchSelection();
 
 signals:
     void kelvaItemChanged();
     void curSelChanged();
     void createNewFolder(QString parentOid);
     void escPressed();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
 
 private slots:
     void emitCurrentIndexChanged();
@@ -56,13 +71,16 @@ private slots:
 
 private:
     QString settingsApplication() const;
+    bool isSelectable(const QModelIndex &proxyIndex) const;
 
     bool m_htmlMode = false;
-    KelvaDocTree *m_tree = nullptr;
+    QPointer<KelvaDocTree> m_tree;
     MySortFilterProxyModel *m_proxy;
     QStringList m_expandedOids;
     bool m_saveState = false;
     bool m_restoring = false;
+    bool m_picked = false;
+    bool m_dialogMode = false;
     QString m_settingsKey;
     QString m_host;
     QString m_port;
