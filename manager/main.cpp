@@ -48,7 +48,8 @@ void endProcess(bool finished, int code)
 int runWithoutWindow(ProfileStore &store)
 {
     TerminationSignals termination;
-    QObject::connect(&termination, &TerminationSignals::requested, qApp, &QCoreApplication::quit);
+    QObject::connect(&termination, &TerminationSignals::requested, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
     ProfileList profiles(store);
     if (!profiles.fault().isEmpty())
         return complain(profiles.fault());
@@ -63,7 +64,8 @@ int runWithoutWindow(ProfileStore &store)
 int runWithWindow(ProfileStore &store)
 {
     TerminationSignals termination;
-    QObject::connect(&termination, &TerminationSignals::requested, qApp, &QCoreApplication::quit);
+    QObject::connect(&termination, &TerminationSignals::requested, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
     ProfileList profiles(store);
     auto manager = std::make_unique<ConnectionManager>(profiles);
     if (const Result<void> started = manager->start(); !started) {

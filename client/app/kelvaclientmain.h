@@ -86,6 +86,8 @@ public slots:
     // folders/kelvaclientmain_folders.cpp
     void subArchiveChanged(int index, bool reload = true);
     void moveToFolder();
+    /// Asks for a new folder below parentOid and reloads the workplace with it.
+    void doCreateFolder(QString parentOid);
 
     // search/kelvaclientmain_filters.cpp
     void resetFilters(bool reload = true, bool resetFolder = true);

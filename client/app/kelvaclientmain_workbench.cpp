@@ -170,8 +170,6 @@ void KelvaClientMain::connectActions()
         {action_ReloadAll, triggered, SLOT(updateAll())},
         {action_PasswortAendern, triggered, SLOT(changePassword())},
         {action_docView, triggered, SLOT(changeDocView())},
-        {action_OrdnerSuchen, triggered, later},
-        {action_Weitersuchen, triggered, later},
         {action_Toolbars, triggered, later},
         {action_InsertClipboard, triggered, later},
         {action_Reset, triggered, SLOT(resetSettings())},
@@ -189,6 +187,10 @@ void KelvaClientMain::connectActions()
         disconnect(wire.sender, wire.signal, this, wire.slot);
         connect(wire.sender, wire.signal, this, wire.slot, wire.type);
     }
+    disconnect(action_OrdnerSuchen, triggered, m_tWOrdner, SLOT(showSearchDlg()));
+    connect(action_OrdnerSuchen, triggered, m_tWOrdner, SLOT(showSearchDlg()));
+    disconnect(action_Weitersuchen, triggered, m_tWOrdner, SLOT(searchAgain()));
+    connect(action_Weitersuchen, triggered, m_tWOrdner, SLOT(searchAgain()));
     if (offlineMode)
         return; // nobody marks documents as read offline
     QCheckBox *unread = statusBarExt->getShowUnReadCheckBox();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDialog>
 #include <QStyledItemDelegate>
 
 /// Base of all cell delegates. They are made for a column of the document table, and clones of them serve the
@@ -16,10 +17,26 @@ public:
     /// A new delegate of the same kind and configuration, a child of parent.
     virtual KelvaDelegate *clone(QWidget *parent) const = 0;
 
+    /// An editor that is a window of its own ends by its own buttons: losing the focus or being hidden must
+    /// not end the editing, and it stays where it opened.
+    static bool isWindow(QObject *editor) { return qobject_cast<QDialog *>(editor) != nullptr; }
+
+    void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const override
+    {
+        if (!isWindow(editor))
+            QStyledItemDelegate::updateEditorGeometry(editor, option, index);
+    }
+
 signals:
     void requestKeyboard();
 
 protected:
+    bool eventFilter(QObject *editor, QEvent *event) override
+    {
+        return !isWindow(editor) && QStyledItemDelegate::eventFilter(editor, event);
+    }
+
     bool serves(const QModelIndex &index) const
     {
         return delegateColumn < 0 || delegateColumn == index.column();

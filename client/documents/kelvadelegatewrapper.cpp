@@ -110,6 +110,12 @@ QSize KelvaDelegateWrapper::sizeHint(const QStyleOptionViewItem &option, const Q
     return delegate ? delegate->sizeHint(option, index) : QStyledItemDelegate::sizeHint(option, index);
 }
 
+bool KelvaDelegateWrapper::eventFilter(QObject *editor, QEvent *event)
+{
+    // The view filters through the wrapper, never through the delegate of the cell.
+    return !KelvaDelegate::isWindow(editor) && QStyledItemDelegate::eventFilter(editor, event);
+}
+
 void KelvaDelegateWrapper::emitCommitData(QWidget *editor)
 {
     emit commitData(editor);

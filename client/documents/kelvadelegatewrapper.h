@@ -37,6 +37,9 @@ public:
                const QModelIndex &index) const override;
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 
+protected:
+    bool eventFilter(QObject *editor, QEvent *event) override;
+
 private slots:
     void emitCommitData(QWidget *editor);
     void emitCloseEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint);

@@ -1,6 +1,7 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/kelvaclientsettings.h"
+#include "app/userrights.h"
 #include "app/waitcursor.h"
 #include "documents/documentcolumns.h"
 #include "documents/kelvacheckboxdelegate.h"
@@ -8,6 +9,7 @@
 #include "documents/kelvalinedelegate.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
+#include "folders/kelvanewfolder.h"
 #include "folders/kelvaviewdelegate.h"
 #include "folders/workbenchdata.h"
 #include "server/classifyinterface.h"
@@ -134,6 +136,10 @@ void KelvaClientMain::makeAttributeDelegates(const WorkbenchData &workbench)
 void KelvaClientMain::showFolderTree(const WorkbenchData &workbench)
 {
     auto *tree = new KelvaDocTree(tr("Folders"), true, QString(), QString(), m_tWOrdner);
+    if (mayDo(userright::createFolder)) {
+        tree->setCanCreateFolder(true);
+        connect(tree, SIGNAL(doCreateFolder(QString)), this, SLOT(doCreateFolder(QString)));
+    }
     tree->loadFromStringList(workbench.folders, workbench.folderPictures, false);
     KelvaDocTree *old = docTree;
     docTree = tree;
@@ -244,7 +250,27 @@ void KelvaClientMain::fillMoveMenu()
 void KelvaClientMain::moveToFolder()
 {
     const QString oid = m_infoView->getCurrentFolder();
-    const KelvaDocItem *folder = oid.isEmpty() ? nullptr : docTree->findItem(oid);
-    if (folder)
-        m_tWOrdner->setCurrentIndex(docTree->indexFromItem(folder));
+    if (!oid.isEmpty())
+        m_tWOrdner->moveToFolder(oid);
+}
+
+void KelvaClientMain::doCreateFolder(QString parentOid)
+{
+    if (!classifyClient) {
+        QMessageBox::critical(this, tr("Error"), tr("The connection has been disconnected."));
+        return;
+    }
+    KelvaNewFolder dialog(this);
+    dialog.m_jumpToFolder->hide();
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    if (!classifyClient->createFolder(parentOid, dialog.m_Name->text(), dialog.m_Key->text(),
+                                      folderKeywords(dialog.m_BuzzWords->toPlainText()))) {
+        QMessageBox::critical(this, tr("Error"),
+                              tr("The folder could not be created: ") + classifyClient->lastMessage());
+        return;
+    }
+    // The whole workplace is rebuilt for one new folder.
+    classifyClient->reloadServerData();
+    updateAll(true);
 }

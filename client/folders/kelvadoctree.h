@@ -59,6 +59,34 @@ public:
     KelvaDocItem *insertItem(const QString &oid, const QString &name, const QByteArray &picture,
                              const QString &flag, const QString &extKey, const QString &buzzWords);
 
+    Qt::DropActions supportedDropActions() const override;
+    /// Documents of this process alone.
+    QStringList mimeTypes() const override;
+    bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+                      const QModelIndex &parent) override;
+
+    // folders/kelvadoctree_edit.cpp
+    /// A new folder below parent, or a main folder without one. Returns its oid.
+    QString newItem(KelvaDocItem *parent);
+    KelvaDocItem *newItem2(KelvaDocItem *parent);
+    KelvaDocItem *newItem(const QString &oid);
+    /// Takes the folder and everything below it out of the tree and returns them, the folder last; they stay
+    /// readable as long as their former parent lives. Nothing, after a word to the user, for a folder with sub
+    /// folders when check is set, and for the root.
+    QList<KelvaDocItem *> removeItem(KelvaDocItem *node, bool check);
+    /// Child count of the root, as decimal text.
+    QString getNextRootNumber() const;
+    /// Records of oid, name, flag, key, parent oid and "1" for a changed folder, depth first, with their
+    /// pictures.
+    void getModelData(QStringList &rows, QList<QByteArray> &pictures) const;
+    /// Hides the folder and everything below it from the search.
+    void setItemHidden(KelvaDocItem *node);
+    /// The next folder from position pos on, in the text order of the oids, in which every word occurs; pos
+    /// ends up behind it. Null, with pos at the end, when there is none.
+    KelvaDocItem *searchItem(const QString &text, int &pos, bool includeHidden) const;
+    /// Position of the folder in that order; 0 for none.
+    int getCurrentSearchIndex(const KelvaDocItem *node) const;
+
 signals:
     void newDocumentFolder(QString docId, QString folder);
     void newDocumentFolders(QStringList docIds, QString folder);
@@ -69,6 +97,7 @@ signals:
 private:
     void loadRow(const QStringList &fields, const QByteArray &picture);
     void addCompletions(const QStringList &fields);
+    KelvaDocItem *insertNew(const QString &oid);
 
     std::unique_ptr<KelvaDocItem> m_root;
     KelvaDocItem *m_top;

@@ -1,10 +1,13 @@
 #include "folders/kelvafolderview.h"
 
+#include "documents/kelvalinedelegate.h"
 #include "documents/mysortfilterproxymodel.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
+#include "folders/kelvasearchdlg.h"
 #include "server/folderoid.h"
 
+#include <QAction>
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QScopedValueRollback>
@@ -16,6 +19,7 @@
 namespace {
 
 constexpr int firstNameWidth = 220;
+constexpr int longestName = 254;
 
 } // namespace
 
@@ -30,30 +34,86 @@ KelvaFolderView::KelvaFolderView(QWidget *parent)
     setAlternatingRowColors(true);
     setUniformRowHeights(true);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setAcceptDrops(true);
+    setDropIndicatorShown(true);
+    setDragDropOverwriteMode(true); // a drop between two folders would reach the wrong one
+    setMouseTracking(true);
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+    setItemDelegate(new KelvaLineDelegate({}, this, longestName, false));
     connect(header(), SIGNAL(sectionMoved(int, int, int)), this, SLOT(doSaveState()));
     connect(header(), SIGNAL(sectionResized(int, int, int)), this, SLOT(doSaveState()));
     connect(header(), SIGNAL(sortIndicatorChanged(int, Qt::SortOrder)), this, SLOT(doSaveState()));
     connect(this, SIGNAL(expanded(QModelIndex)), this, SLOT(itemExpanded(QModelIndex)));
     connect(this, SIGNAL(collapsed(QModelIndex)), this, SLOT(itemCollapsed(QModelIndex)));
+    makeActions();
+    makeSearchBar();
 }
 
 KelvaFolderView::~KelvaFolderView() = default;
 
+void KelvaFolderView::setDialogMode(bool dialog)
+{
+    m_dialogMode = dialog;
+    m_linkAction->setVisible(!dialog);
+}
+
+bool KelvaFolderView::isIndexHidden(const QModelIndex &index) const
+{
+    if (index.model() != m_tree)
+        return QTreeView::isIndexHidden(index);
+    const QList<KelvaDocItem *> hidden = m_tree ? m_tree->getHiddenRows() : QList<KelvaDocItem *>();
+    for (KelvaDocItem *node = item(index); node; node = node->parent())
+        if (hidden.contains(node))
+            return true;
+    return false;
+}
+
+void KelvaFolderView::showAllColumns()
+{
+    for (int column = 0; column < 3; ++column)
+        showColumn(column);
+}
+
+void KelvaFolderView::moveToFolder(const QString &oid)
+{
+    const KelvaDocItem *node = m_tree ? m_tree->findItem(oid) : nullptr;
+    if (!node)
+        return;
+    setCurrentIndex(m_tree->indexFromItem(node));
+    emit doubleClicked(QTreeView::currentIndex());
+    emitCurrentIndexChanged();
+}
+
 void KelvaFolderView::setModel(QAbstractItemModel *tree)
 {
-    if (selectionModel())
-        disconnect(selectionModel(), SIGNAL(currentChanged(QModelIndex, QModelIndex)), this,
-                   SLOT(emitCurrentIndexChanged()));
+    listenToCurrent(false);
+    if (m_tree)
+        disconnect(m_tree, SIGNAL(itemChanged(KelvaDocItem *)), this, SLOT(folderDataChange()));
     // Qt leaves the selection model of the model before behind.
     const std::unique_ptr<QItemSelectionModel> selectionBefore(selectionModel());
+    m_indexBeforeSearch = QModelIndex();
     QTreeView::setModel(nullptr);
     const std::unique_ptr<QItemSelectionModel> selectionBetween(selectionModel());
     m_tree = qobject_cast<KelvaDocTree *>(tree);
     m_proxy->setSourceModel(m_tree);
     QTreeView::setModel(m_proxy);
+    m_searchBar->setCompleter(m_tree ? m_tree->getCompleter() : nullptr);
     update();
-    connect(selectionModel(), SIGNAL(currentChanged(QModelIndex, QModelIndex)), this,
-            SLOT(emitCurrentIndexChanged()));
+    m_createAction->setVisible(m_tree && m_tree->getCanCreateFolder());
+    if (m_tree)
+        connect(m_tree, SIGNAL(itemChanged(KelvaDocItem *)), this, SLOT(folderDataChange()));
+    listenToCurrent(true);
+}
+
+void KelvaFolderView::listenToCurrent(bool listen)
+{
+    if (!selectionModel())
+        return;
+    disconnect(selectionModel(), SIGNAL(currentChanged(QModelIndex, QModelIndex)), this,
+               SLOT(emitCurrentIndexChanged()));
+    if (listen)
+        connect(selectionModel(), SIGNAL(currentChanged(QModelIndex, QModelIndex)), this,
+                SLOT(emitCurrentIndexChanged()));
 }
 
 KelvaDocTree *KelvaFolderView::model() const
@@ -152,7 +212,7 @@ void KelvaFolderView::update()
             const QSignalBlocker viewBlocker(this);
             // The first start shows the main folders.
             m_expandedOids = settings.value("TreeExpandedItems", QStringList(folderoid::all)).toStringList();
-            collapseAll();
+            QTreeView::collapseAll();
             for (const QString &oid : qAsConst(m_expandedOids))
                 if (const KelvaDocItem *node = m_tree->findItem(oid))
                     expand(m_proxy->mapFromSource(m_tree->indexFromItem(node)));
@@ -169,6 +229,8 @@ void KelvaFolderView::emitCurrentIndexChanged()
 {
     if (!m_tree)
         return;
+    if (m_searchBar->isVisible() && hasFocus() && !m_searchBarOpen)
+        m_searchBar->hide();
     m_tree->resetPrevItem();
     if (KelvaDocItem *current = currentItem())
         m_tree->setPrevItem(current);

@@ -2,9 +2,11 @@
 
 #include "documents/kelvadelegate.h"
 
+#include <QPointer>
+
 class KelvaDocTree;
 
-/// The folder column: its value is the oid of a folder of the tree, which is lent.
+/// The folder column: its value is the oid of a folder of the tree, which is lent. The editor is a dialog.
 class KelvaViewDelegate final : public KelvaDelegate
 {
     Q_OBJECT
@@ -13,8 +15,22 @@ public:
     KelvaViewDelegate(KelvaDocTree *tree, QWidget *parent);
 
     KelvaDelegate *clone(QWidget *parent) const override;
-    KelvaDocTree *getTree() const { return m_tree; }
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override;
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+    void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
+
+    /// Null once the tree is gone.
+    KelvaDocTree *getTree() const;
+    /// Oid of the first folder of this name, in the text order of oids; empty when there is none.
+    QString getValue(const QString &name) const;
+    /// What the next dialog looks for when it opens.
+    void setSearchText(const QString &text) { m_searchText = text; }
+
+private slots:
+    void emitCloseEditor(int result);
 
 private:
-    KelvaDocTree *m_tree;
+    QPointer<KelvaDocTree> m_tree;
+    QString m_searchText;
 };

@@ -1,0 +1,163 @@
+#include "support/dialogscript.h"
+#include "support/kelvatest.h"
+#include "support/onecelltable.h"
+#include "support/workbenchfixture.h"
+
+#include "folders/kelvadocitem.h"
+#include "folders/kelvadoctree.h"
+#include "folders/kelvafolderview.h"
+#include "folders/kelvafolderviewdlg.h"
+#include "folders/kelvaviewdelegate.h"
+#include "server/recordformat.h"
+
+#include <QAbstractProxyModel>
+#include <QSettings>
+
+namespace {
+
+/// The picker's tree of the folder column, with a locked folder.
+std::unique_ptr<KelvaDocTree> makeTree()
+{
+    auto tree = std::make_unique<KelvaDocTree>("Folders", true, "not assigned", "0", nullptr);
+    const QStringList locked{"1.4", "Locked", "0", "", "1", "0", "L", "", ""};
+    tree->loadFromStringList(WorkbenchFixture::vocabulary().folders +
+                                 QStringList(locked.join(recordformat::fieldSeparator)),
+                             {}, false);
+    return tree;
+}
+
+KelvaFolderView *treeOf(QWidget *dialog)
+{
+    return qobject_cast<KelvaFolderViewDlg *>(dialog)->getView();
+}
+
+void doubleClick(KelvaFolderView *view, const QString &oid)
+{
+    const auto *proxy = qobject_cast<QAbstractProxyModel *>(view->QTreeView::model());
+    const QModelIndex folder =
+        proxy->mapFromSource(view->model()->indexFromItem(view->model()->findItem(oid)));
+    view->scrollTo(folder);
+    const QRect place = view->visualRect(folder);
+    QVERIFY(!place.isEmpty());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, place.center());
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, place.center());
+}
+
+using Act = std::function<void(QWidget *)>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Act)
+
+class TestKelvaViewDelegate : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void choosing_data()
+    {
+        QTest::addColumn<QString>("raw");
+        QTest::addColumn<Act>("act");
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("return chooses the current folder") << "1.1" << Act([](QWidget *dialog) {
+            QTest::keyClick(treeOf(dialog), Qt::Key_Down);
+            QTest::keyClick(treeOf(dialog), Qt::Key_Return);
+        }) << "Suppliers|1.2|1";
+        QTest::newRow("return on the same folder changes nothing")
+            << "1.1" << Act([](QWidget *dialog) { QTest::keyClick(treeOf(dialog), Qt::Key_Return); })
+            << "Customers|1.1|0";
+        QTest::newRow("a double click chooses")
+            << "1.1" << Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "1.2"); }) << "Suppliers|1.2|1";
+        QTest::newRow("a document leaves its folder for none")
+            << "1.1" << Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "0"); }) << "not assigned|0|1";
+        QTest::newRow("a locked folder cannot be chosen")
+            << "1.1" << Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "1.4"); }) << "Customers|1.1|0";
+        QTest::newRow("escape gives up") << "1.1" << Act([](QWidget *dialog) {
+            QTest::keyClick(treeOf(dialog), Qt::Key_Down);
+            QTest::keyClick(treeOf(dialog), Qt::Key_Escape);
+        }) << "Customers|1.1|0";
+        QTest::newRow("the current folder is in sight, hidden ones are not")
+            << "1.1.1" << Act([](QWidget *dialog) {
+                   KelvaFolderView *view = treeOf(dialog);
+                   QCOMPARE(view->currentOid(), QString("1.1.1"));
+                   QVERIFY(view->viewport()->rect().contains(
+                       view->visualRect(view->QTreeView::currentIndex()).center()));
+                   const QModelIndex closed = view->model()->indexFromItem(view->model()->findItem("1.3"));
+                   view->setCurrentIndex(closed);
+                   QVERIFY(view->visualRect(view->QTreeView::currentIndex()).isEmpty());
+               })
+            << "Customers|1.1.1|0";
+        QTest::newRow("an unknown folder stays when nothing is chosen")
+            << "9.9" << Act([](QWidget *dialog) { QVERIFY(!treeOf(dialog)->currentItem()); })
+            << "Customers|9.9|0";
+    }
+
+    void choosing()
+    {
+        QFETCH(Act, act);
+        QFETCH(QString, raw);
+        DialogScript script;
+        const auto tree = makeTree();
+        OneCellTable table(new KelvaViewDelegate(tree.get(), nullptr));
+        table.setCell("Customers", raw);
+        script.expectDialog("Select folder", false, act);
+        QVERIFY(table.edit());
+        QTRY_VERIFY(!table.isEditing());
+        QTEST(table.outcome(), "outcome");
+        QCOMPARE(script.problems(), QString());
+    }
+
+    void whatIsNotForItGetsNoDialog()
+    {
+        const auto tree = makeTree();
+        auto *delegate = new KelvaViewDelegate(tree.get(), nullptr);
+        OneCellTable table(delegate);
+        table.cell()->setEditable(false);
+        QVERIFY(!table.edit());
+        table.cell()->setEditable(true);
+        delegate->setDelegateColumn(3);
+        QVERIFY(table.edit());
+        QVERIFY(!qobject_cast<KelvaFolderViewDlg *>(table.view().indexWidget(table.index())));
+        const std::unique_ptr<KelvaDelegate> copy(delegate->clone(nullptr));
+        QCOMPARE(qobject_cast<KelvaViewDelegate *>(copy.get())->getTree(), tree.get());
+    }
+
+    void aTreeThatVanishesEndsTheChoice()
+    {
+        DialogScript script;
+        auto tree = makeTree();
+        OneCellTable table(new KelvaViewDelegate(tree.get(), nullptr));
+        table.setCell("Customers", "1.1");
+        script.expectDialog("Select folder", true, [&tree](QWidget *dialog) {
+            tree.reset();
+            QTest::keyClick(treeOf(dialog), Qt::Key_Return);
+        });
+        QVERIFY(table.edit());
+        QTRY_VERIFY(!table.isEditing());
+        QCOMPARE(table.outcome(), QString("Customers|1.1|0"));
+        QVERIFY(!table.edit());
+        QCOMPARE(script.problems(), QString());
+    }
+
+    void theWindowIsRememberedWhenAFolderWasChosen()
+    {
+        DialogScript script;
+        const auto tree = makeTree();
+        OneCellTable table(new KelvaViewDelegate(tree.get(), nullptr));
+        table.setCell("Customers", "1.1");
+        QRect geometry;
+        script.expectDialog("Select folder", false, [&geometry](QWidget *dialog) {
+            geometry = dialog->geometry();
+            QTest::keyClick(treeOf(dialog), Qt::Key_Enter);
+        });
+        QVERIFY(table.edit());
+        QTRY_VERIFY(!table.isEditing());
+        QCOMPARE(QSettings("Norbant GmbH", QCoreApplication::applicationName())
+                     .value("FolderDelegateSize")
+                     .toRect(),
+                 geometry);
+    }
+};
+
+KELVA_TEST(TestKelvaViewDelegate)
+#include "testkelvaviewdelegate.moc"
