@@ -48,7 +48,8 @@ void endProcess(bool finished, int code)
 int runWithoutWindow(ProfileStore &store)
 {
     TerminationSignals termination;
-    QObject::connect(&termination, &TerminationSignals::requested, qApp, &QCoreApplication::quit);
+    QObject::connect(&termination, &TerminationSignals::requested, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
     ProfileList profiles(store);
     if (!profiles.fault().isEmpty())
         return complain(profiles.fault());
@@ -63,7 +64,8 @@ int runWithoutWindow(ProfileStore &store)
 int runWithWindow(ProfileStore &store)
 {
     TerminationSignals termination;
-    QObject::connect(&termination, &TerminationSignals::requested, qApp, &QCoreApplication::quit);
+    QObject::connect(&termination, &TerminationSignals::requested, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
     ProfileList profiles(store);
     auto manager = std::make_unique<ConnectionManager>(profiles);
     if (const Result<void> started = manager->start(); !started) {
@@ -73,7 +75,8 @@ int runWithWindow(ProfileStore &store)
         manager.reset();
     }
     ManagerWindow window(profiles, manager.get());
-    QObject::connect(&window, &ManagerWindow::quitRequested, qApp, &QCoreApplication::quit);
+    QObject::connect(&window, &ManagerWindow::quitRequested, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
     if (manager)
         QObject::connect(manager.get(), &ConnectionManager::windowWanted, &window, &ManagerWindow::present);
     window.present();
@@ -92,7 +95,8 @@ int main(int argc, char *argv[])
     if (command.task == Task::ShowWindow) {
         DisplayProbe display;
         if (!display.isReachable())
-            return complain(QStringLiteral("No display can be reached. With --no-window it runs without one."));
+            return complain(
+                QStringLiteral("No display can be reached. With --no-window it runs without one."));
         QGuiApplication::setFallbackSessionManagementEnabled(false);
         QApplication application(argc, argv);
         display.close();
