@@ -28,6 +28,10 @@ function(kelva_library name)
     target_link_libraries(${name} PUBLIC ${L_LIBS})
 endfunction()
 
+# Windows leave what has no parent to the end of the process, and every plug-in file has a meta object of its own for
+# the interface that it implements: neither is a fault.
+set(KELVA_ASAN_OPTIONS "detect_leaks=0:detect_odr_violation=0")
+
 # kelva_test(area CLASSES TestA TestB... LIBS lib... [SOURCES file...]): one program per folder, one CTest
 # entry per class. Class TestFoo stands in testfoo.cpp and ends with KELVA_TEST(TestFoo).
 function(kelva_test area)
@@ -47,6 +51,6 @@ function(kelva_test area)
     foreach(class IN LISTS T_CLASSES)
         add_test(NAME ${area}.${class} COMMAND test_${area} ${class})
         set_tests_properties(${area}.${class} PROPERTIES TIMEOUT ${T_TIMEOUT} ENVIRONMENT
-            "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1")
+            "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;ASAN_OPTIONS=${KELVA_ASAN_OPTIONS};UBSAN_OPTIONS=print_stacktrace=1")
     endforeach()
 endfunction()

@@ -139,12 +139,15 @@ QStringList KelvaInfoView::getCurrentRealDocIds(bool onlyWritable) const
     return ids;
 }
 
-QStringList KelvaInfoView::getCurrentBemerkungen() const
+QMap<QString, QString> KelvaInfoView::getCurrentBemerkungen(bool onlyWritable) const
 {
-    QStringList descriptions;
+    QMap<QString, QString> descriptions;
     const QModelIndexList rows = selectionModel()->selectedRows();
     for (const QModelIndex &row : rows)
-        descriptions << row.siblingAtColumn(documentcolumn::description).data(Qt::DisplayRole).toString();
+        if (!onlyWritable || row.data(itemrole::readOnly).toInt() != 1)
+            descriptions.insert(
+                row.data(Qt::DisplayRole).toString(),
+                row.siblingAtColumn(documentcolumn::description).data(Qt::DisplayRole).toString());
     return descriptions;
 }
 

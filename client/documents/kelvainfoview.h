@@ -53,7 +53,8 @@ public:
     QStringList getCurrentDocIds(bool onlyWritable, bool notDeleted) const;
     /// Archive ids of the selected rows.
     QStringList getCurrentRealDocIds(bool onlyWritable) const;
-    QStringList getCurrentBemerkungen() const;
+    /// Descriptions of the selected rows by archive id.
+    QMap<QString, QString> getCurrentBemerkungen(bool onlyWritable) const;
 
     /// Look-ups by classification id; an unknown one gives an empty answer.
     QList<QStandardItem *> findItemsByData(const QString &value, int role, Qt::MatchFlags flags,

@@ -3,7 +3,6 @@
 
 #include "clause/clauseparser.h"
 
-#include <QElapsedTimer>
 
 /// What is large or nested deep, and what the database makes of the SQL.
 class TestClauseLimits : public QObject
@@ -140,11 +139,8 @@ void TestClauseLimits::largeAndHostileClauses()
 {
     QFETCH(QString, clause);
     QFETCH(QString, expected);
-    QElapsedTimer timer;
-    timer.start();
+    // Work that grows with the square of these lengths would run into the time limit of the whole test.
     QCOMPARE(outcome(clause), expected);
-    // Far above what any of them takes, and far below what quadratic work on these lengths would.
-    QVERIFY2(timer.elapsed() < 10000, qPrintable(QString("%1 ms").arg(timer.elapsed())));
 }
 
 void TestClauseLimits::indexesAreUsed_data()

@@ -137,7 +137,7 @@ void TestKelvaInfoView::lookUpsByClassification()
     QCOMPARE(view.getCurrentDocIds(false, false), QStringList("2"));
     QCOMPARE(view.getCurrentRealDocIds(true), QStringList("102"));
     QCOMPARE(view.getCurrentFolder(), QString("1.1.1"));
-    QCOMPARE(view.getCurrentBemerkungen(), QStringList("a"));
+    QCOMPARE(view.getCurrentBemerkungen(true), (QMap<QString, QString>{{"102", "a"}}));
     QCOMPARE(view.selectedIndexes().first().row(), 1); // the model's row
     load(view, {header(0), row(5, "deleted", {}, "-1")});
     view.selectRow(0);
