@@ -51,6 +51,12 @@ int ConnectionManager::countUsers(qint64 profileId) const
     return users;
 }
 
+void ConnectionManager::forgetEnded()
+{
+    for (auto it = m_profileOfProgram.begin(); it != m_profileOfProgram.end();)
+        it = isRunning(it.key()) ? it + 1 : m_profileOfProgram.erase(it);
+}
+
 void ConnectionManager::handle(const Request &request, const Answer &answer)
 {
     m_profiles.follow();
@@ -59,6 +65,7 @@ void ConnectionManager::handle(const Request &request, const Answer &answer)
         answerList(answer);
         break;
     case Request::Kind::UseProfile:
+        forgetEnded();
         m_profileOfProgram.insert(request.pid, request.profileId);
         answerRenewed(request.profileId, answer);
         break;

@@ -4,7 +4,7 @@
 #include "manager/managerserver.h"
 #include "manager/profilelist.h"
 
-#include <QHash>
+#include <QMap>
 #include <QObject>
 
 namespace kelva {
@@ -31,12 +31,13 @@ signals:
     void windowWanted();
 
 private:
+    void forgetEnded();
     void handle(const Request &request, const Answer &answer);
     void answerList(const Answer &answer);
     void answerRenewed(qint64 profileId, const Answer &answer);
 
     ProfileList &m_profiles;
-    QHash<qint64, qint64> m_profileOfProgram;
+    QMap<qint64, qint64> m_profileOfProgram; ///< by process id
     BlockPublisher m_blocks;
     ManagerServer m_server;
 };

@@ -75,7 +75,8 @@ int runWithWindow(ProfileStore &store)
         manager.reset();
     }
     ManagerWindow window(profiles, manager.get());
-    QObject::connect(&window, &ManagerWindow::quitRequested, qApp, &QCoreApplication::quit);
+    QObject::connect(&window, &ManagerWindow::quitRequested, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
     if (manager)
         QObject::connect(manager.get(), &ConnectionManager::windowWanted, &window, &ManagerWindow::present);
     window.present();
@@ -94,7 +95,8 @@ int main(int argc, char *argv[])
     if (command.task == Task::ShowWindow) {
         DisplayProbe display;
         if (!display.isReachable())
-            return complain(QStringLiteral("No display can be reached. With --no-window it runs without one."));
+            return complain(
+                QStringLiteral("No display can be reached. With --no-window it runs without one."));
         QGuiApplication::setFallbackSessionManagementEnabled(false);
         QApplication application(argc, argv);
         display.close();

@@ -3,6 +3,7 @@
 #include <QDataStream>
 
 #include <algorithm>
+#include <limits>
 
 #include <unistd.h>
 
@@ -26,6 +27,7 @@ bool parseUse(const QByteArray &rest, Request &request)
     const int afterPid = rest.indexOf('#');
     const int afterId = rest.indexOf('#', afterPid + 1);
     if (afterPid < 0 || afterId < 0 || !parseNumber(rest.left(afterPid), request.pid) || request.pid <= 0 ||
+        request.pid > std::numeric_limits<pid_t>::max() ||
         !parseNumber(rest.mid(afterPid + 1, afterId - afterPid - 1), request.profileId))
         return false;
     // A "#" inside belongs to the program's path, only the last one is a mark.

@@ -321,7 +321,7 @@ void TestConnectionManager::requestsOfOneConnectionAreAnsweredInTurn()
 
 void TestConnectionManager::aSlowClientHoldsUpNobody()
 {
-    ManagerSurroundings s;
+    ProfileFixture s;
     s.added(s.profile("Office"));
     ProfileList profiles(s.store);
     ConnectionManager manager(profiles);
@@ -353,7 +353,7 @@ void TestConnectionManager::cutOffClients_data()
 void TestConnectionManager::cutOffClients()
 {
     QFETCH(QByteArray, bytes);
-    ManagerSurroundings s;
+    ProfileFixture s;
     s.added(s.profile("Office"));
     ProfileList profiles(s.store);
     ConnectionManager manager(profiles);
@@ -369,7 +369,7 @@ void TestConnectionManager::cutOffClients()
 
 void TestConnectionManager::impatienceSparesThoseThatChoose()
 {
-    ManagerSurroundings s;
+    ProfileFixture s;
     QLocalServer::removeServer(socketName());
     QLocalServer server;
     QVERIFY(server.listen(socketName()));
@@ -399,7 +399,7 @@ void TestConnectionManager::impatienceSparesThoseThatChoose()
 
 void TestConnectionManager::connectionsAreLimited()
 {
-    ManagerSurroundings s;
+    ProfileFixture s;
     s.added(s.profile("Office"));
     ProfileList profiles(s.store);
     ConnectionManager manager(profiles);
@@ -416,7 +416,7 @@ void TestConnectionManager::connectionsAreLimited()
 
 void TestConnectionManager::onlyOneManagerRuns()
 {
-    ManagerSurroundings s;
+    ProfileFixture s;
     ProfileList profiles(s.store);
     const QString socketFile = QDir::tempPath() + '/' + socketName();
     {

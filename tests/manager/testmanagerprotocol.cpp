@@ -109,6 +109,7 @@ void TestManagerProtocol::garbageIsRefused_data()
                                   "USEPROFILE#1#2##",
                                   "USEPROFILE#0#2#/p",
                                   "USEPROFILE#-1#2#/p",
+                                  "USEPROFILE#4294967295#2#/p",
                                   "USEPROFILE##2#/p",
                                   "USEPROFILE#1#two#/p",
                                   "HTTP/1.1 200 OK",
