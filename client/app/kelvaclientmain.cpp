@@ -4,7 +4,6 @@
 #include "app/programversion.h"
 #include "app/proxysettings.h"
 #include "app/startoptions.h"
-#include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvatrashbutton.h"
 #include "documents/qinfoviewmodel.h"
@@ -105,6 +104,8 @@ void KelvaClientMain::connectPanels()
     connect(m_currentSubArchiv, SIGNAL(currentIndexChanged(int)), this, SLOT(subArchiveChanged(int)));
     connect(m_infoView->selectionModel(), SIGNAL(selectionChanged(QItemSelection, QItemSelection)), this,
             SLOT(docSelChanged(QItemSelection)));
+    connect(m_infoView->getModel(), SIGNAL(dataChanged(QModelIndex, QModelIndex)), this,
+            SLOT(infoViewItemChanged()));
     connect(m_infoView, SIGNAL(redrawMain()), this, SLOT(repaint()));
     connect(m_bSuchen, SIGNAL(clicked()), this, SLOT(doSearch()));
     connect(m_bClearSuchen, SIGNAL(clicked()), this, SLOT(doClearSearch()));
@@ -128,9 +129,8 @@ KelvaClientMain::~KelvaClientMain()
     for (KelvaLineDelegate *delegate : qAsConst(m_lineDelegates))
         delegate->deleteLater();
     m_lineDelegates.clear();
-    for (KelvaCheckBoxDelegate *delegate : qAsConst(m_checkDelegates))
-        delegate->deleteLater();
-    m_checkDelegates.clear();
+    for (QMap<int, KelvaDelegate *> *delegates : {&m_comboDelegates, &m_checkDelegates, &m_dateDelegates})
+        releaseDelegates(*delegates);
     releaseFixedDelegates();
     toolBarManager->deleteLater();
     statusBarExt->deleteLater();

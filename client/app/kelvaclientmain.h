@@ -10,11 +10,11 @@
 #include <QMutex>
 #include <QPersistentModelIndex>
 
+#include <functional>
 #include <memory>
 
 class ClassifyInterface;
 class KelvaArchiveWorker;
-class KelvaCheckBoxDelegate;
 class KelvaComboDelegate;
 class KelvaDelegate;
 class KelvaDocLogin;
@@ -22,6 +22,7 @@ class KelvaDocTree;
 class KelvaLineDelegate;
 class KelvaTrashButton;
 class KelvaViewDelegate;
+class QStandardItem;
 class QTimer;
 class QToolBar;
 class QtToolBarManager;
@@ -74,6 +75,10 @@ public slots:
     void docSelChanged(const QItemSelection &selection);
     void changeDocView();
     void updateTrash();
+
+    // documents/kelvaclientmain_edit.cpp
+    /// Writes the edited cell back.
+    void infoViewItemChanged();
 
     // documents/kelvaclientmain_search.cpp
     void doSearch(bool special = false);
@@ -150,6 +155,28 @@ private:
     QStringList getCurrentRealDocIds(bool onlyWritable) const;
     void showDocView();
 
+    // documents/kelvaclientmain_edit.cpp
+    enum class EditResult { Saved, ReadFailed, Conflict, Dropped, SaveFailed };
+    /// Changes the fields of a record; false gives the edit up.
+    using RecordChange = std::function<bool(QStringList &fields)>;
+    void infoViewItemChanged(QStandardItem *item);
+    /// The cycle of every edit: read, compare the version token, change, save.
+    EditResult editDocument(const QString &docId, const RecordChange &change);
+    /// The same with a box for each failure and, with update, a refresh at the end.
+    bool editDocument(const QString &docId, const RecordChange &change, const QString &readFailure,
+                      const QString &saveFailure, bool update);
+    bool checkIfChanged(const QString &version, const QString &docId);
+    void updateBemerkung(const QString &docId, const QString &value);
+    void updateStatus(const QString &docId, const QString &status, bool update = true);
+    void updateDocFolder(const QString &id, const QString &folder, bool update = true);
+    void updateMandant(const QString &docId, const QString &folder, bool update = true);
+    void updateDocArt(const QString &docId, const QString &value);
+    void updateDatum(const QString &docId, const QString &value);
+    void updateFromColumn(const QString &value, int column, const QString &docId);
+    void updateDocAfterDrop(const QString &docId, const QString &value);
+    bool askResubmissionDate(const QString &docId, QString &date);
+    QMap<QString, QString> getCurrentBemerkungen(bool onlyWritable) const;
+
     // documents/kelvaclientmain_search.cpp
     void setSearchActive(bool active);
     void searchFullText(const QString &words);
@@ -159,6 +186,8 @@ private:
     bool initFolders();
     void makeFixedDelegates(const WorkbenchData &workbench);
     void makeAttributeDelegates(const WorkbenchData &workbench);
+    void makeLineDelegates(const QMap<int, QString> &columns);
+    void releaseDelegates(QMap<int, KelvaDelegate *> &delegates);
     void showFolderTree(const WorkbenchData &workbench);
     void makeFolderColumn(const WorkbenchData &workbench);
     void enterSubArchive(const QString &archive);
@@ -236,7 +265,11 @@ private:
     KelvaDelegate *m_statusDelegate = nullptr;
     KelvaDelegate *m_folderDelegate = nullptr;
     KelvaDelegate *m_typeDelegate = nullptr;
+    KelvaDelegate *m_dateDelegate = nullptr;
     KelvaDelegate *m_changeTimeDelegate = nullptr;
+    KelvaDelegate *m_resubmissionDelegate = nullptr;
     QMap<int, KelvaLineDelegate *> m_lineDelegates;
-    QMap<int, KelvaCheckBoxDelegate *> m_checkDelegates;
+    QMap<int, KelvaDelegate *> m_comboDelegates;
+    QMap<int, KelvaDelegate *> m_checkDelegates;
+    QMap<int, KelvaDelegate *> m_dateDelegates;
 };

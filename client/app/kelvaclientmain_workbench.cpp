@@ -100,10 +100,9 @@ void KelvaClientMain::applyRights()
             action->setVisible(false);
             action->setEnabled(false);
         }
+        m_infoView->setEditTriggers(QAbstractItemView::NoEditTriggers);
         m_infoView->setDragEnabled(false);
     }
-    // Nothing writes an edited cell back yet, so no cell may be edited, whatever the rights.
-    m_infoView->setEditTriggers(QAbstractItemView::NoEditTriggers);
     if (!mayDo(userright::history)) {
         action_History->setVisible(false);
         action_History->setEnabled(false);

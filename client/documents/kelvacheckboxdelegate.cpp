@@ -1,8 +1,22 @@
 #include "documents/kelvacheckboxdelegate.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
-#include <QWidget>
+
+namespace {
+
+/// Ticking needs no editor, so that the edit triggers, which decide on editors, must be asked here.
+bool takesEdits(const QStyleOptionViewItem &option, const QModelIndex &index)
+{
+    const auto *view = qobject_cast<const QAbstractItemView *>(option.widget);
+    return index.flags().testFlag(Qt::ItemIsEditable) &&
+           !(view && view->editTriggers() == QAbstractItemView::NoEditTriggers);
+}
+
+} // namespace
 
 KelvaCheckBoxDelegate::KelvaCheckBoxDelegate(bool, QObject *parent) : KelvaDelegate(parent) {}
 
@@ -50,4 +64,33 @@ void KelvaCheckBoxDelegate::paint(QPainter *painter, const QStyleOptionViewItem 
         focus.backgroundColor = cell.palette.color(QPalette::Base);
         style->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter, cell.widget);
     }
+}
+
+bool KelvaCheckBoxDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,
+                                        const QStyleOptionViewItem &option, const QModelIndex &index)
+{
+    if (!takesEdits(option, index))
+        return false;
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease: {
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        if (mouse->button() != Qt::LeftButton || !CheckBoxRect(option).contains(mouse->pos()))
+            return false;
+        if (event->type() != QEvent::MouseButtonRelease)
+            return true;
+        break;
+    }
+    case QEvent::KeyPress: {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key != Qt::Key_Space && key != Qt::Key_Select)
+            return false;
+        break;
+    }
+    default:
+        return false;
+    }
+    const QString turned = index.data(Qt::DisplayRole).toBool() ? "0" : "2";
+    return model->setData(index, turned, Qt::EditRole);
 }

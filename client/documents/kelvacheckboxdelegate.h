@@ -17,6 +17,10 @@ public:
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
 
+    /// A click on the box, Space and Select turn it over.
+    bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
+                     const QModelIndex &index) override;
+
     /// Place of the box within a cell.
     static QRect CheckBoxRect(const QStyleOptionViewItem &option);
 };

@@ -138,8 +138,13 @@ void KelvaClientMain::runMissedRefresh()
 void KelvaClientMain::refreshTable(const QStringList &docIds, bool resetPlugins, bool senderIsModel)
 {
     Q_UNUSED(resetPlugins)
-    const auto restoreUpdates = qScopeGuard([this] { m_infoView->setUpdatesEnabled(true); });
+    const char *changed = SIGNAL(dataChanged(QModelIndex, QModelIndex));
+    disconnect(m_infoView->getModel(), changed, this, SLOT(infoViewItemChanged()));
     m_infoView->setUpdatesEnabled(false);
+    const auto restore = qScopeGuard([this, changed] {
+        m_infoView->setUpdatesEnabled(true);
+        connect(m_infoView->getModel(), changed, this, SLOT(infoViewItemChanged()));
+    });
     {
         const QSignalBlocker windowBlocker(this);
         const QSignalBlocker tableBlocker(m_infoView);

@@ -1,9 +1,11 @@
 #include "documents/kelvacombodelegate.h"
 
+#include "documents/celldata.h"
+#include "documents/itemroles.h"
+#include "documents/valuecombobox.h"
 #include "server/recordformat.h"
 
 #include <QPixmap>
-#include <QWidget>
 
 KelvaComboDelegate::KelvaComboDelegate(QStringList values, QList<QByteArray> pics, QObject *parent, bool,
                                        QIcon defaultIcon, bool commitOnActivate, bool closeOnChange)
@@ -58,4 +60,50 @@ QString KelvaComboDelegate::getData(const QString &key, int field) const
 QIcon KelvaComboDelegate::getIcon(const QString &key) const
 {
     return m_icons.value(key, m_defaultIcon);
+}
+
+QWidget *KelvaComboDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                                          const QModelIndex &index) const
+{
+    if (!serves(index))
+        return KelvaDelegate::createEditor(parent, option, index);
+    auto *box = new ValueComboBox(parent, m_showPopup);
+    for (const QString &value : m_values) {
+        const QStringList fields = value.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
+        // Plain values may be taken away again, keys always mean something.
+        if (fields.size() == 1 && box->count() == 0)
+            box->addItem(QString(), QString());
+        const QString &key = fields.first();
+        box->addItem(getIcon(key), fields.value(fields.size() > 1 ? 1 : 0), key);
+    }
+    box->setCurrentIndex(-1);
+    if (m_commitOnActivate)
+        connect(box, SIGNAL(activated(int)), this, SLOT(emitCommitData()));
+    if (m_closeOnChange)
+        connect(box, SIGNAL(currentIndexChanged(int)), this, SLOT(doCloseEditor()));
+    return box;
+}
+
+void KelvaComboDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
+{
+    auto *box = qobject_cast<ValueComboBox *>(editor);
+    if (!box) {
+        KelvaDelegate::setEditorData(editor, index);
+        return;
+    }
+    const QString text = index.data(Qt::DisplayRole).toString();
+    const QVariant raw = index.data(itemrole::rawValue);
+    const QString key = raw.isValid() ? raw.toString() : getValue(text);
+    box->startWith(box->findData(key, Qt::UserRole, Qt::MatchExactly | Qt::MatchCaseSensitive), text);
+}
+
+void KelvaComboDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
+                                      const QModelIndex &index) const
+{
+    const auto *box = qobject_cast<ValueComboBox *>(editor);
+    if (!box)
+        KelvaDelegate::setModelData(editor, model, index);
+    else if (box->isChosen())
+        setCellValue(model, index, box->currentText(), box->itemIcon(box->currentIndex()),
+                     box->currentData().toString());
 }

@@ -6,7 +6,8 @@
 #include <QIcon>
 #include <QStringList>
 
-/// A field whose value is the key of an entry in a list: main folder, status, document type.
+/// A field whose value is the key of an entry in a list: main folder, status, document type. A value that is
+/// in no entry stays until the user chooses another one.
 class KelvaComboDelegate final : public KelvaDelegate
 {
     Q_OBJECT
@@ -18,6 +19,10 @@ public:
                        QIcon defaultIcon, bool commitOnActivate, bool closeOnChange);
 
     KelvaDelegate *clone(QWidget *parent) const override;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override;
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+    void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
 
     const QStringList &getValues() const { return m_values; }
     const QList<QByteArray> &getPics() const { return m_pics; }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDialog>
 #include <QStyledItemDelegate>
 
 /// Base of all cell delegates. They are made for a column of the document table, and clones of them serve the
@@ -19,23 +18,22 @@ public:
 
     /// An editor that is a window of its own ends by its own buttons: losing the focus or being hidden must
     /// not end the editing, and it stays where it opened.
-    static bool isWindow(QObject *editor) { return qobject_cast<QDialog *>(editor) != nullptr; }
+    static bool isWindow(QObject *editor);
 
     void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
-                              const QModelIndex &index) const override
-    {
-        if (!isWindow(editor))
-            QStyledItemDelegate::updateEditorGeometry(editor, option, index);
-    }
+                              const QModelIndex &index) const override;
 
 signals:
     void requestKeyboard();
 
+protected slots:
+    /// For an editor's own signals: writes what the sending editor holds.
+    void emitCommitData();
+    /// The same, and ends the editing.
+    void doCloseEditor();
+
 protected:
-    bool eventFilter(QObject *editor, QEvent *event) override
-    {
-        return !isWindow(editor) && QStyledItemDelegate::eventFilter(editor, event);
-    }
+    bool eventFilter(QObject *editor, QEvent *event) override;
 
     bool serves(const QModelIndex &index) const
     {

@@ -1,12 +1,16 @@
 #include "documents/kelvalinedelegate.h"
 
+#include "documents/mydoublevalidator.h"
+
 #include <QApplication>
+#include <QCompleter>
 #include <QDesktopServices>
+#include <QLineEdit>
+#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStandardItemModel>
 #include <QUrl>
-#include <QWidget>
 
 KelvaLineDelegate::KelvaLineDelegate(const QStringList &completions, QObject *parent, int maxLength,
                                      bool numeric)
@@ -32,12 +36,55 @@ void KelvaLineDelegate::setCompletor(const QStringList &completions)
 {
     m_completions->clear();
     for (const QString &completion : completions)
-        m_completions->appendRow(new QStandardItem(completion));
+        if (completion != numericMark)
+            m_completions->appendRow(new QStandardItem(completion));
 }
 
 bool KelvaLineDelegate::isURL(const QString &text)
 {
     return text.contains("://") && QUrl(text).isValid();
+}
+
+QWidget *KelvaLineDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                                         const QModelIndex &index) const
+{
+    if (!serves(index))
+        return KelvaDelegate::createEditor(parent, option, index);
+    auto *line = new QLineEdit(parent);
+    line->setFrame(false);
+    line->setMaxLength(m_maxLength);
+    auto *completer = new QCompleter(m_completions, line);
+    completer->setWrapAround(true);
+    completer->setCaseSensitivity(Qt::CaseInsensitive);
+    line->setCompleter(completer);
+    if (m_numeric)
+        line->setValidator(new MyDoubleValidator(line));
+    return line;
+}
+
+void KelvaLineDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
+{
+    if (auto *line = qobject_cast<QLineEdit *>(editor); line && serves(index))
+        line->setText(index.data(Qt::DisplayRole).toString().trimmed().left(m_maxLength));
+    else
+        KelvaDelegate::setEditorData(editor, index);
+}
+
+void KelvaLineDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
+                                     const QModelIndex &index) const
+{
+    const auto *line = qobject_cast<QLineEdit *>(editor);
+    if (!line || !serves(index)) {
+        KelvaDelegate::setModelData(editor, model, index);
+        return;
+    }
+    QString text = line->text().trimmed();
+    if (m_numeric)
+        text.remove(QLocale().groupSeparator());
+    text.truncate(m_maxLength);
+    if (!text.isEmpty() && m_completions->findItems(text).isEmpty())
+        m_completions->appendRow(new QStandardItem(text));
+    model->setData(index, text, Qt::EditRole);
 }
 
 void KelvaLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,

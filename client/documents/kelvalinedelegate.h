@@ -12,9 +12,17 @@ class KelvaLineDelegate final : public KelvaDelegate
     Q_OBJECT
 
 public:
+    /// Stands among the values of an attribute that is a number. It is no completion.
+    static constexpr char numericMark[] = "type:Numeric";
+
     KelvaLineDelegate(const QStringList &completions, QObject *parent, int maxLength, bool numeric);
 
     KelvaDelegate *clone(QWidget *parent) const override;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override;
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+    /// A text that is new becomes a completion for the next time.
+    void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
     bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,

@@ -4,9 +4,11 @@
 #include "app/userrights.h"
 #include "app/waitcursor.h"
 #include "documents/documentcolumns.h"
+#include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
+#include "documents/kelvasimplecombodelegate.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvanewfolder.h"
@@ -70,8 +72,9 @@ void KelvaClientMain::setColumnDelegate(int column, KelvaDelegate *&member, Kelv
 
 void KelvaClientMain::releaseFixedDelegates()
 {
-    for (KelvaDelegate **delegate : {&m_mainFolderDelegate, &m_descriptionDelegate, &m_statusDelegate,
-                                     &m_typeDelegate, &m_changeTimeDelegate}) {
+    for (KelvaDelegate **delegate :
+         {&m_mainFolderDelegate, &m_descriptionDelegate, &m_statusDelegate, &m_typeDelegate, &m_dateDelegate,
+          &m_changeTimeDelegate, &m_resubmissionDelegate}) {
         if (*delegate)
             (*delegate)->deleteLater();
         *delegate = nullptr;
@@ -91,6 +94,10 @@ void KelvaClientMain::makeFixedDelegates(const WorkbenchData &workbench)
                       combo(workbench.status, workbench.statusPictures, QIcon()));
     setColumnDelegate(documentcolumn::type, m_typeDelegate,
                       combo(workbench.types, workbench.typePictures, QIcon()));
+    setColumnDelegate(documentcolumn::date, m_dateDelegate,
+                      new KelvaCalendarDelegate(m_infoView, false, false, false));
+    setColumnDelegate(documentcolumn::resubmission, m_resubmissionDelegate,
+                      new KelvaCalendarDelegate(m_infoView, true, false, false));
     setColumnDelegate(documentcolumn::changeTime, m_changeTimeDelegate,
                       new KelvaLineDelegate({}, m_infoView, longestText, false));
     setColumnDelegate(
@@ -98,22 +105,50 @@ void KelvaClientMain::makeFixedDelegates(const WorkbenchData &workbench)
         new KelvaLineDelegate(classifyClient->getDescriptionCompletions(), m_infoView, longestText, false));
 }
 
+void KelvaClientMain::releaseDelegates(QMap<int, KelvaDelegate *> &delegates)
+{
+    for (auto delegate = delegates.cbegin(); delegate != delegates.cend(); ++delegate) {
+        m_infoView->setItemDelegateForColumn(delegate.key(), nullptr);
+        delegate.value()->deleteLater();
+    }
+    delegates.clear();
+}
+
 void KelvaClientMain::makeAttributeDelegates(const WorkbenchData &workbench)
 {
     // First everything old goes: a column may have become one of another kind.
-    for (auto check = m_checkDelegates.cbegin(); check != m_checkDelegates.cend(); ++check) {
-        m_infoView->setItemDelegateForColumn(check.key(), nullptr);
-        check.value()->deleteLater();
+    for (QMap<int, KelvaDelegate *> *delegates : {&m_comboDelegates, &m_checkDelegates, &m_dateDelegates})
+        releaseDelegates(*delegates);
+    makeLineDelegates(workbench.lineColumns);
+    const auto install = [this](QMap<int, KelvaDelegate *> &delegates, int column, KelvaDelegate *delegate,
+                                const QString &values) {
+        qDebug() << "DELEGATEVALS: " << column << values;
+        delegates.insert(column, delegate);
+        m_infoView->setItemDelegateForColumn(column, delegate);
+    };
+    for (auto combo = workbench.comboColumns.cbegin(); combo != workbench.comboColumns.cend(); ++combo) {
+        QStringList values = combo.value().split(recordformat::listSeparator, Qt::SkipEmptyParts);
+        values.prepend(QString());
+        install(m_comboDelegates, combo.key(),
+                new KelvaSimpleComboDelegate(values, m_infoView, true, true, false, true), combo.value());
     }
-    m_checkDelegates.clear();
+    for (auto check = workbench.checkColumns.cbegin(); check != workbench.checkColumns.cend(); ++check)
+        install(m_checkDelegates, check.key(), new KelvaCheckBoxDelegate(false, m_infoView), check.value());
+    for (auto date = workbench.dateColumns.cbegin(); date != workbench.dateColumns.cend(); ++date)
+        install(m_dateDelegates, date.key(), new KelvaCalendarDelegate(m_infoView, false, false, true),
+                date.value());
+}
+
+void KelvaClientMain::makeLineDelegates(const QMap<int, QString> &columns)
+{
     const QList<int> known = m_lineDelegates.keys();
     for (const int column : known) {
-        if (workbench.lineColumns.contains(column))
+        if (columns.contains(column))
             continue;
         m_infoView->setItemDelegateForColumn(column, nullptr);
         m_lineDelegates.take(column)->deleteLater();
     }
-    for (auto line = workbench.lineColumns.cbegin(); line != workbench.lineColumns.cend(); ++line) {
+    for (auto line = columns.cbegin(); line != columns.cend(); ++line) {
         QStringList values = line.value().split(recordformat::listSeparator, Qt::KeepEmptyParts);
         const bool numeric = values.removeAll(numericMark) > 0; // a mark, and no value to offer
         KelvaLineDelegate *&delegate = m_lineDelegates[line.key()];
@@ -124,12 +159,6 @@ void KelvaClientMain::makeAttributeDelegates(const WorkbenchData &workbench)
         qDebug() << "DELEGATEVALS: " << line.key() << values;
         delegate = new KelvaLineDelegate(values, m_infoView, longestText, numeric);
         m_infoView->setItemDelegateForColumn(line.key(), delegate);
-    }
-    for (auto check = workbench.checkColumns.cbegin(); check != workbench.checkColumns.cend(); ++check) {
-        qDebug() << "DELEGATEVALS: " << check.key() << check.value();
-        auto *delegate = new KelvaCheckBoxDelegate(false, m_infoView);
-        m_checkDelegates.insert(check.key(), delegate);
-        m_infoView->setItemDelegateForColumn(check.key(), delegate);
     }
 }
 
@@ -174,8 +203,8 @@ KelvaDelegate *KelvaClientMain::getDelegateForColumn(int column) const
 
 void KelvaClientMain::blockDelegateSignals(bool block)
 {
-    for (KelvaDelegate *delegate :
-         {m_mainFolderDelegate, m_folderDelegate, m_statusDelegate, m_typeDelegate, m_descriptionDelegate})
+    for (KelvaDelegate *delegate : {m_mainFolderDelegate, m_folderDelegate, m_statusDelegate, m_dateDelegate,
+                                    m_typeDelegate, m_descriptionDelegate})
         if (delegate)
             delegate->blockSignals(block);
 }

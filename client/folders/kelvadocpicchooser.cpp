@@ -5,7 +5,8 @@
 #include <QFileDialog>
 
 KelvaDocPicChooser::KelvaDocPicChooser(QWidget *parent)
-    : QDialog(parent), m_ui(std::make_unique<Ui::KelvaPicForFolder>())
+    : QDialog(parent),
+      m_ui(std::make_unique<Ui::KelvaPicForFolder>())
 {
     m_ui->setupUi(this);
     connect(m_ui->m_getPicFile, SIGNAL(clicked()), this, SLOT(chooseFile()));

@@ -71,8 +71,8 @@ public:
     KelvaDocItem *newItem2(KelvaDocItem *parent);
     KelvaDocItem *newItem(const QString &oid);
     /// Takes the folder and everything below it out of the tree and returns them, the folder last; they stay
-    /// readable as long as their former parent lives. Nothing, after a word to the user, for a folder with sub
-    /// folders when check is set, and for the root.
+    /// readable as long as their former parent lives. Nothing, after a word to the user, for a folder with
+    /// sub folders when check is set, and for the root.
     QList<KelvaDocItem *> removeItem(KelvaDocItem *node, bool check);
     /// Child count of the root, as decimal text.
     QString getNextRootNumber() const;

@@ -77,7 +77,8 @@ KelvaDocItem *KelvaDocTree::insertNew(const QString &oid)
     QBuffer buffer(&picture);
     buffer.open(QIODevice::WriteOnly);
     QPixmap(":/icons/folder.png").save(&buffer, "PNG");
-    KelvaDocItem *node = insertItem(oid, tr("New folder"), picture, QStringLiteral("0"), QString(), QString());
+    KelvaDocItem *node =
+        insertItem(oid, tr("New folder"), picture, QStringLiteral("0"), QString(), QString());
     node->setChanged(true);
     return node;
 }

@@ -44,8 +44,8 @@ public:
     void setDialogMode(bool dialog);
     /// A press clears the selection first and takes the mark off the current folder after.
     void setSpecialMouseHandle(bool special) { m_specialMouse = special; }
-    /// For a tree index: the item or an item above it is hidden in the tree. Qt asks with the proxy's indexes and
-    /// is told what the view hides.
+    /// For a tree index: the item or an item above it is hidden in the tree. Qt asks with the proxy's indexes
+    /// and is told what the view hides.
     bool isIndexHidden(const QModelIndex &index) const override;
     void showAllColumns();
     /// Goes to the folder as if the user had chosen it.

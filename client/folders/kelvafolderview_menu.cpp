@@ -19,7 +19,8 @@
 void KelvaFolderView::makeActions()
 {
     const auto add = [this](const QString &text, const char *icon, const char *slot) {
-        auto *action = new QAction(QIcon(QStringLiteral(":/icons/%1.png").arg(QLatin1String(icon))), text, this);
+        auto *action =
+            new QAction(QIcon(QStringLiteral(":/icons/%1.png").arg(QLatin1String(icon))), text, this);
         if (slot)
             connect(action, SIGNAL(triggered()), this, slot);
         return action;
@@ -29,7 +30,8 @@ void KelvaFolderView::makeActions()
     m_linkAction = add(tr("Link..."), "computer_link", nullptr);
     auto *linkMenu = new QMenu(this);
     linkMenu->addAction(add(tr("... send per E-Mail"), "email_link", SLOT(doSendFolderLinkMail())));
-    linkMenu->addAction(add(tr("... send to clipboard"), "zwischenablage_link", SLOT(doSendFolderLinkClipboard())));
+    linkMenu->addAction(
+        add(tr("... send to clipboard"), "zwischenablage_link", SLOT(doSendFolderLinkClipboard())));
     m_linkAction->setMenu(linkMenu);
     addActions({m_createAction, m_linkAction, add(tr("Expand"), "order_ausklappen", SLOT(expandItems())),
                 add(tr("Collapse"), "order_einklappen", SLOT(collapseItems())),

@@ -4,7 +4,8 @@
 
 #include <QDialog>
 
-/// Asks for name, key and keywords of a new folder. Has no logic of its own: whoever shows it reads its fields.
+/// Asks for name, key and keywords of a new folder. Has no logic of its own: whoever shows it reads its
+/// fields.
 class KelvaNewFolder final : public QDialog, public Ui_KelvaNewFolder
 {
     Q_OBJECT

@@ -9,7 +9,9 @@
 #include <QKeyEvent>
 
 KelvaSearchDlg::KelvaSearchDlg(QWidget *view, QWidget *parent)
-    : QWidget(parent), m_ui(std::make_unique<Ui::KelvaSearchDlg>()), m_view(view)
+    : QWidget(parent),
+      m_ui(std::make_unique<Ui::KelvaSearchDlg>()),
+      m_view(view)
 {
     m_ui->setupUi(this);
     setFixedHeight(80);

@@ -1,0 +1,220 @@
+#include "app/kelvaclientmain.h"
+
+#include "app/waitcursor.h"
+#include "documents/classificationedit.h"
+#include "documents/documentcolumns.h"
+#include "documents/itemroles.h"
+#include "documents/kelvacalendar.h"
+#include "documents/qinfoviewmodel.h"
+#include "server/classifyinterface.h"
+
+#include <QHoverEvent>
+#include <QMessageBox>
+#include <QStandardItem>
+
+namespace edit = classificationedit;
+
+void KelvaClientMain::infoViewItemChanged()
+{
+    if (QStandardItem *item = m_infoView->getModel()->itemFromIndex(m_infoView->currentIndex()))
+        infoViewItemChanged(item);
+}
+
+void KelvaClientMain::infoViewItemChanged(QStandardItem *item)
+{
+    const WaitCursor cursor;
+    // The refresh at the end of an edit deletes the item: everything is read from it before.
+    const int column = item->column();
+    const QString text = item->text();
+    const QString raw = item->data(itemrole::rawValue).toString();
+    const QString docId = m_infoView->itemFromSource(item->row(), documentcolumn::id)
+                              ->data(itemrole::classificationId)
+                              .toString();
+    switch (column) {
+    case documentcolumn::folder:
+        if (edit::isStatusNode(raw))
+            updateStatus(docId, edit::statusOfNode(raw), true);
+        else
+            updateDocFolder(docId, raw, true);
+        break;
+    case documentcolumn::mainFolder:
+        updateMandant(docId, raw, true);
+        break;
+    case documentcolumn::description:
+        updateBemerkung(docId, text);
+        break;
+    case documentcolumn::status:
+        updateStatus(docId, raw, true);
+        break;
+    case documentcolumn::type:
+        updateDocArt(docId, raw);
+        break;
+    case documentcolumn::date:
+        updateDatum(docId, text);
+        break;
+    default:
+        if (column < documentcolumn::changeTime)
+            updateDocuments({}); // throws the edit away
+        else
+            updateFromColumn(text, column, docId);
+    }
+}
+
+bool KelvaClientMain::checkIfChanged(const QString &version, const QString &docId)
+{
+    if (m_infoView->getVersion(docId) == version)
+        return false;
+    QMessageBox::critical(this, tr("Warning"),
+                          tr("Classify not possible, the entry has been processed in the meantime!"));
+    return true;
+}
+
+KelvaClientMain::EditResult KelvaClientMain::editDocument(const QString &docId, const RecordChange &change)
+{
+    QStringList fields = classifyClient->getDocument(docId, QString());
+    if (fields.isEmpty())
+        return EditResult::ReadFailed;
+    fields.removeFirst();
+    if (checkIfChanged(fields.value(edit::version), docId))
+        return EditResult::Conflict;
+    if (!change(fields))
+        return EditResult::Dropped;
+    return classifyClient->saveDocument(docId, fields) ? EditResult::Saved : EditResult::SaveFailed;
+}
+
+bool KelvaClientMain::editDocument(const QString &docId, const RecordChange &change,
+                                   const QString &readFailure, const QString &saveFailure, bool update)
+{
+    const EditResult result = editDocument(docId, change);
+    if (result == EditResult::Dropped)
+        return false; // neither saved nor refreshed
+    if (result == EditResult::ReadFailed || result == EditResult::SaveFailed)
+        QMessageBox::critical(this, tr("Error"),
+                              result == EditResult::ReadFailed ? readFailure : saveFailure);
+    if (update)
+        updateDocuments({});
+    return result == EditResult::Saved;
+}
+
+void KelvaClientMain::updateBemerkung(const QString &docId, const QString &value)
+{
+    editDocument(
+        docId,
+        [&](QStringList &fields) {
+            edit::replaceField(fields, edit::description, value);
+            return true;
+        },
+        tr("The document data could not be read!"), tr("The description could not be saved!"), true);
+}
+
+void KelvaClientMain::updateDocArt(const QString &docId, const QString &value)
+{
+    const QString failure = tr("The document type could not be changed!");
+    editDocument(
+        docId,
+        [&](QStringList &fields) {
+            edit::replaceField(fields, edit::type, value);
+            return true;
+        },
+        failure, failure, true);
+}
+
+void KelvaClientMain::updateDatum(const QString &docId, const QString &value)
+{
+    const QString failure = tr("The date could not be changed!");
+    editDocument(
+        docId,
+        [&](QStringList &fields) {
+            edit::replaceField(fields, edit::date, value);
+            return true;
+        },
+        failure, failure, true);
+}
+
+void KelvaClientMain::updateDocFolder(const QString &id, const QString &folder, bool update)
+{
+    // The two texts differ in their last character.
+    editDocument(
+        id,
+        [&](QStringList &fields) {
+            edit::moveToFolder(fields, folder);
+            return true;
+        },
+        tr("The document cannot be moved."), tr("The document cannot be moved!"), update);
+}
+
+void KelvaClientMain::updateMandant(const QString &docId, const QString &folder, bool update)
+{
+    const EditResult result = editDocument(docId, [&](QStringList &fields) {
+        edit::replaceField(fields, edit::mainFolder, folder);
+        edit::replaceField(fields, edit::folder, folder);
+        return true;
+    });
+    // After the warning of a conflict as well.
+    if (result != EditResult::Saved)
+        QMessageBox::critical(this, tr("Error"), tr("The main folder could not be changed!"));
+    if (update)
+        updateDocuments({});
+}
+
+void KelvaClientMain::updateStatus(const QString &docId, const QString &status, bool update)
+{
+    const auto change = [&](QStringList &fields) {
+        QString date;
+        if (status == QLatin1String(documentstatus::resubmission) && !askResubmissionDate(docId, date))
+            return false;
+        edit::setStatus(fields, status, date);
+        return true;
+    };
+    const EditResult result = editDocument(docId, change);
+    if (result == EditResult::Dropped)
+        return;
+    if (result == EditResult::ReadFailed)
+        QMessageBox::critical(this, tr("Error"),
+                              tr("The status could not be changed! (%1)").arg(classifyClient->lastMessage()));
+    else if (result == EditResult::SaveFailed)
+        QMessageBox::critical(this, tr("Error"), tr("The status could not be changed!"));
+    if (update)
+        updateDocuments({});
+}
+
+bool KelvaClientMain::askResubmissionDate(const QString &docId, QString &date)
+{
+    const SuspendedWaitCursor pointer;
+    KelvaCalendar calendar(this, true, false);
+    calendar.setExtended(false);
+    calendar.setWindowTitle(QString("%1 wiedervorlegen am...").arg(docId)); // fixed German text
+    if (calendar.exec() != QDialog::Accepted || !calendar.selectedDate().isValid())
+        return false;
+    date = calendar.selectedDate().toString("yyyy-MM-dd");
+    return true;
+}
+
+void KelvaClientMain::updateFromColumn(const QString &value, int column, const QString &docId)
+{
+    const EditResult result = editDocument(docId, [&](QStringList &fields) {
+        edit::setColumn(fields, column, value);
+        return true;
+    });
+    if (result == EditResult::ReadFailed || result == EditResult::SaveFailed)
+        QMessageBox::critical(this, tr("Error"),
+                              tr("The document could not be classified: ") + classifyClient->lastError());
+    updateDocuments({});
+}
+
+void KelvaClientMain::updateDocAfterDrop(const QString &docId, const QString &value)
+{
+    if (edit::isStatusNode(value))
+        updateStatus(docId, edit::statusOfNode(value), false);
+    else
+        updateDocFolder(docId, value, false);
+    // The tree takes back the highlight of the drop when the pointer seems to move.
+    const QPointF pointer = m_tWOrdner->viewport()->mapFromGlobal(QCursor::pos());
+    QCoreApplication::postEvent(m_tWOrdner->viewport(),
+                                new QHoverEvent(QEvent::HoverLeave, pointer, pointer));
+}
+
+QMap<QString, QString> KelvaClientMain::getCurrentBemerkungen(bool onlyWritable) const
+{
+    return offlineMode ? QMap<QString, QString>() : m_infoView->getCurrentBemerkungen(onlyWritable);
+}

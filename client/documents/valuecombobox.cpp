@@ -1,0 +1,49 @@
+#include "documents/valuecombobox.h"
+
+#include <QListView>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QTimer>
+
+ValueComboBox::ValueComboBox(QWidget *parent, bool openList) : QComboBox(parent), m_openList(openList)
+{
+    setView(new QListView(this));
+}
+
+void ValueComboBox::startWith(int index, const QString &text)
+{
+    const QSignalBlocker blocker(this);
+    m_start = index;
+    setPlaceholderText(text);
+    setCurrentIndex(index);
+}
+
+void ValueComboBox::showEvent(QShowEvent *event)
+{
+    QComboBox::showEvent(event);
+    openListOnce();
+}
+
+void ValueComboBox::focusInEvent(QFocusEvent *event)
+{
+    QComboBox::focusInEvent(event);
+    openListOnce();
+}
+
+void ValueComboBox::openListOnce()
+{
+    if (!m_openList)
+        return;
+    m_openList = false;
+    // The box is on its way to the screen; its list opens where it will be.
+    QTimer::singleShot(0, this, SLOT(doShowPopup()));
+}
+
+void ValueComboBox::doShowPopup()
+{
+    if (!isVisible())
+        return;
+    // A narrow column must not cut the values off.
+    view()->setMinimumWidth(view()->sizeHintForColumn(0) + view()->verticalScrollBar()->sizeHint().width());
+    showPopup();
+}

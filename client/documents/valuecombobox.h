@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QComboBox>
+
+/// Editor of a cell with values to choose from. Typing looks for a value by its first letters.
+class ValueComboBox final : public QComboBox
+{
+    Q_OBJECT
+
+public:
+    /// With openList the list opens by itself, once, as soon as the box is shown or gets the focus.
+    ValueComboBox(QWidget *parent, bool openList);
+
+    /// Selects the cell's value without a signal; -1 when it is not among the values, then the box shows
+    /// text.
+    void startWith(int index, const QString &text);
+    /// Whether another value than the cell's is selected.
+    bool isChosen() const { return currentIndex() >= 0 && currentIndex() != m_start; }
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+
+private slots:
+    void doShowPopup();
+
+private:
+    void openListOnce();
+
+    bool m_openList;
+    int m_start = -1;
+};

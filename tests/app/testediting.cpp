@@ -1,0 +1,212 @@
+#include "app/workplace.h"
+#include "support/dialogscript.h"
+#include "support/kelvatest.h"
+
+#include "documents/itemroles.h"
+#include "documents/mysortfilterproxymodel.h"
+
+#include <QCalendarWidget>
+#include <QLineEdit>
+#include <QSettings>
+
+/// A cell is changed as its editor would change it; what the archive holds afterwards is what counts.
+class TestEditing : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QCoreApplication::setApplicationName("kelvaclient");
+        QCoreApplication::setOrganizationName("Norbant GmbH");
+    }
+
+    void init()
+    {
+        FakeArchive::instance().reset();
+        QSettings("Norbant GmbH", QCoreApplication::applicationName()).clear();
+        FakeArchive::instance().addDocument("Invoice", "1.1.1", "1");
+    }
+
+    void edits_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("role");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>(
+            "record"); // main folder, description, status, folder, type, date, resubmission, 11, 12
+        QTest::addColumn<QString>("readFailure");
+        QTest::addColumn<QString>("saveFailure");
+        const int text = Qt::DisplayRole;
+        const int raw = itemrole::rawValue;
+        QTest::newRow("description") << 2 << text << "Reminder"
+                                     << "1.1|Reminder|1|1.1.1|1|2024-03-05|||0"
+                                     << "The document data could not be read!"
+                                     << "The description could not be saved!";
+        QTest::newRow("status") << 3 << raw << "3"
+                                << "1.1|Invoice|3|1.1.1|1|2024-03-05|||0"
+                                << "The status could not be changed! (no)"
+                                << "The status could not be changed!";
+        QTest::newRow("folder under another main folder") << 5 << raw << "1.2"
+                                                          << "1.2|Invoice|1|1.2|1|2024-03-05|||0"
+                                                          << "The document cannot be moved."
+                                                          << "The document cannot be moved!";
+        QTest::newRow("status node of the folder tree") << 5 << raw << "0.3"
+                                                        << "1.1|Invoice|3|1.1.1|1|2024-03-05|||0"
+                                                        << "The status could not be changed! (no)"
+                                                        << "The status could not be changed!";
+        QTest::newRow("type") << 6 << raw << "2"
+                              << "1.1|Invoice|1|1.1.1|2|2024-03-05|||0"
+                              << "The document type could not be changed!"
+                              << "The document type could not be changed!";
+        QTest::newRow("date") << 8 << text << "2023-12-24"
+                              << "1.1|Invoice|1|1.1.1|1|2023-12-24|||0"
+                              << "The date could not be changed!"
+                              << "The date could not be changed!";
+        QTest::newRow("resubmission date") << 10 << text << "2030-01-01"
+                                           << "1.1|Invoice|2|1.1.1|1|2024-03-05|2030-01-01||0"
+                                           << "The document could not be classified: no"
+                                           << "The document could not be classified: no";
+        QTest::newRow("number") << 11 << text << "12.5"
+                                << "1.1|Invoice|1|1.1.1|1|2024-03-05||12.5|0"
+                                << "The document could not be classified: no"
+                                << "The document could not be classified: no";
+        QTest::newRow("check box") << 12 << text << "2"
+                                   << "1.1|Invoice|1|1.1.1|1|2024-03-05|||2"
+                                   << "The document could not be classified: no"
+                                   << "The document could not be classified: no";
+        QTest::newRow("main folder") << 1 << raw << "1.2"
+                                     << "1.2|Invoice|1|1.2|1|2024-03-05|||0"
+                                     << "The main folder could not be changed!"
+                                     << "The main folder could not be changed!";
+        QTest::newRow("column that is no field of a user's") << 7 << text << "me" << unchanged() << ""
+                                                             << "";
+    }
+
+    void edits()
+    {
+        QFETCH(QString, record);
+        QFETCH(QString, readFailure);
+        QFETCH(QString, saveFailure);
+        FakeArchive &archive = FakeArchive::instance();
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        const int queries = archive.queries.size();
+        change(workplace);
+        QCOMPARE(stored(), record);
+        QCOMPARE(archive.queries.size(), queries + 1); // one refresh
+        if (readFailure.isEmpty())
+            return;
+
+        archive.reset();
+        archive.addDocument("Invoice", "1.1.1", "1");
+        workplace.action("action_Neuladen")->trigger();
+        for (const QString &operation : {QString("getDocument"), QString("saveDocument")}) {
+            archive.failNext(operation, "no");
+            DialogScript script;
+            script.expectBox("Error", operation == "getDocument" ? readFailure : saveFailure);
+            change(workplace);
+            QCOMPARE(script.problems(), QString());
+            QCOMPARE(stored(), unchanged());
+            QCOMPARE(workplace.column(2), QStringList("Invoice"));
+        }
+    }
+
+    void aRecordThatSomebodyElseChanged_data() { edits_data(); }
+
+    void aRecordThatSomebodyElseChanged()
+    {
+        QFETCH(QString, readFailure);
+        if (readFailure.isEmpty())
+            return; // nothing is read for it
+        FakeArchive &archive = FakeArchive::instance();
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        archive.meanwhile("getDocument", [&archive] {
+            archive.documents[1].fields[2] = "Theirs";
+            archive.documents[1].fields[4] = "1_99";
+        });
+        DialogScript script;
+        script.expectBox("Warning", "Classify not possible, the entry has been processed in the meantime!");
+        if (QString(QTest::currentDataTag()) == "main folder") // alone in having a second box
+            script.expectBox("Error", "The main folder could not be changed!");
+        change(workplace);
+        QCOMPARE(script.problems(), QString());
+        QCOMPARE(stored(), "1.1|Theirs|1|1.1.1|1|2024-03-05|||0");
+        QCOMPARE(workplace.column(2), QStringList("Theirs"));
+    }
+
+    void resubmissionAsksForItsDate()
+    {
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        const QDate date = QDate::currentDate().addDays(9);
+        {
+            DialogScript script;
+            script.expectDialog("1 wiedervorlegen am...", true, [date](QWidget *dialog) {
+                dialog->findChild<QCalendarWidget *>()->setSelectedDate(date);
+            });
+            set(workplace, 3, itemrole::rawValue, "2");
+            QCOMPARE(script.problems(), QString());
+        }
+        QCOMPARE(stored(), "1.1|Invoice|2|1.1.1|1|2024-03-05|" + date.toString("yyyy-MM-dd") + "||0");
+        // Given up, nothing is saved and nothing refreshed.
+        FakeArchive &archive = FakeArchive::instance();
+        archive.calls.clear();
+        DialogScript script;
+        script.expectDialog("1 wiedervorlegen am...", false);
+        set(workplace, 3, itemrole::rawValue, "3");
+        archive.calls.clear();
+        set(workplace, 3, itemrole::rawValue, "2");
+        QCOMPARE(script.problems(), QString());
+        QCOMPARE(archive.calls, QStringList("getDocument 1"));
+    }
+
+    void theEditorsWriteThroughTheTable()
+    {
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        KelvaInfoView *table = workplace.table();
+        const QModelIndex cell = table->model()->index(0, 2);
+        table->setFocus();
+        table->QTableView::setCurrentIndex(cell);
+        QTest::keyClick(table, Qt::Key_Return);
+        auto *editor = table->findChild<QLineEdit *>();
+        QVERIFY(editor);
+        editor->setText("  Typed  ");
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTRY_COMPARE(stored(), QString("1.1|Typed|1|1.1.1|1|2024-03-05|||0"));
+        QCOMPARE(workplace.column(2), QStringList("Typed"));
+        QTRY_VERIFY(!table->findChild<QLineEdit *>());
+    }
+
+private:
+    static QString unchanged() { return "1.1|Invoice|1|1.1.1|1|2024-03-05|||0"; }
+
+    static QString stored()
+    {
+        const QStringList fields = FakeArchive::instance().documents.value(1).fields;
+        QStringList kept;
+        for (const int column : {1, 2, 3, 5, 6, 8, 10, 11, 12})
+            kept << fields.value(column);
+        return kept.join('|');
+    }
+
+    static void set(Workplace &workplace, int column, int role, const QString &value)
+    {
+        KelvaInfoView *table = workplace.table();
+        table->QTableView::setCurrentIndex(table->model()->index(0, column));
+        table->model()->setData(table->model()->index(0, column), value, role);
+    }
+
+    static void change(Workplace &workplace)
+    {
+        QFETCH(int, column);
+        QFETCH(int, role);
+        QFETCH(QString, value);
+        set(workplace, column, role, value);
+    }
+};
+
+KELVA_TEST(TestEditing)
+#include "testediting.moc"

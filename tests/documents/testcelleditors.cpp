@@ -1,0 +1,432 @@
+#include "support/dialogscript.h"
+#include "support/kelvatest.h"
+#include "support/onecelltable.h"
+
+#include "documents/itemroles.h"
+#include "documents/kelvacheckboxdelegate.h"
+#include "documents/kelvacombodelegate.h"
+#include "documents/kelvadelegatewrapper.h"
+#include "documents/kelvalinedelegate.h"
+#include "documents/kelvamultiselection.h"
+#include "documents/kelvasimplecombodelegate.h"
+#include "documents/valuecombobox.h"
+#include "server/recordformat.h"
+
+#include <QAbstractItemView>
+#include <QAction>
+#include <QCompleter>
+#include <QDesktopServices>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScopeGuard>
+#include <QSignalSpy>
+#include <QTableWidget>
+
+namespace {
+
+QStringList entries()
+{
+    const QChar f = recordformat::fieldSeparator;
+    return {QString("1") + f + "open", QString("2") + f + "resubmission", QString("3") + f + "done"};
+}
+
+KelvaComboDelegate *makeCombo(bool popup = false)
+{
+    auto *delegate = new KelvaComboDelegate(entries(), {}, nullptr, false, QIcon(), true, true);
+    delegate->setShowPopup(popup);
+    return delegate;
+}
+
+KelvaSimpleComboDelegate *makeSimpleCombo()
+{
+    return new KelvaSimpleComboDelegate({"", "red", "green", "Blue"}, nullptr, true, true, true, false);
+}
+
+using MakeDelegate = std::function<KelvaDelegate *()>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(MakeDelegate)
+
+/// What the delegates show and write: one cell, one editor.
+class TestCellEditors : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void boxes_data()
+    {
+        QTest::addColumn<MakeDelegate>("make");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("raw");
+        QTest::addColumn<QString>("choice"); // null: the editor closes as it opened
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<QString>("outcome");
+        const MakeDelegate combo = [] { return makeCombo(); };
+        const MakeDelegate simple = [] { return makeSimpleCombo(); };
+        QTest::newRow("another entry is written once") << combo << "open"
+                                                       << "1"
+                                                       << "done"
+                                                       << "open"
+                                                       << "done|3|1";
+        QTest::newRow("the same entry changes nothing") << combo << "open"
+                                                        << "1"
+                                                        << "open"
+                                                        << "open"
+                                                        << "open|1|0";
+        QTest::newRow("an entry of a new cell") << combo << ""
+                                                << ""
+                                                << "done"
+                                                << ""
+                                                << "done|3|1";
+        QTest::newRow("a cell without raw value is known by its text")
+            << combo << "done" << QString() << QString() << "done"
+            << "done||0";
+        QTest::newRow("an unknown value stays") << combo << "not assigned"
+                                                << "77" << QString() << ""
+                                                << "not assigned|77|0";
+        QTest::newRow("an unknown value can be replaced") << combo << "not assigned"
+                                                          << "77"
+                                                          << "open"
+                                                          << ""
+                                                          << "open|1|1";
+        QTest::newRow("a key is not another key's text") << combo << "x"
+                                                         << "open" << QString() << ""
+                                                         << "x|open|0";
+        QTest::newRow("another text is written once") << simple << "red"
+                                                      << ""
+                                                      << "Blue"
+                                                      << "red"
+                                                      << "Blue||1";
+        QTest::newRow("a text can be taken away") << simple << "red"
+                                                  << ""
+                                                  << ""
+                                                  << "red"
+                                                  << "||1";
+        QTest::newRow("an unknown text stays") << simple << "mauve"
+                                               << "" << QString() << ""
+                                               << "mauve||0";
+        QTest::newRow("case makes another text") << simple << "RED"
+                                                 << "" << QString() << ""
+                                                 << "RED||0";
+    }
+
+    void boxes()
+    {
+        QFETCH(MakeDelegate, make);
+        QFETCH(QString, text);
+        QFETCH(QString, raw);
+        QFETCH(QString, choice);
+        OneCellTable table(make());
+        table.setCell(text, raw);
+        auto *box = qobject_cast<ValueComboBox *>(table.edit());
+        QVERIFY(box);
+        QTEST(box->currentText(), "shown");
+        if (choice.isNull())
+            table.commit();
+        else
+            choose(box, choice);
+        if (table.isEditing()) // the same value was chosen again
+            table.commit();
+        QTEST(table.outcome(), "outcome");
+    }
+
+    void theListOpensWithTheEditor()
+    {
+        OneCellTable table(makeCombo(true));
+        table.setCell("open", "1");
+        auto *box = qobject_cast<ValueComboBox *>(table.edit());
+        QTRY_VERIFY(box->view()->isVisible());
+        QTest::keyClick(box->view(), Qt::Key_Down);
+        QTest::keyClick(box->view(), Qt::Key_Return);
+        QVERIFY(!table.isEditing());
+        QCOMPARE(table.outcome(), QString("resubmission|2|1"));
+        // Escape closes the list, a second one the editor.
+        box = qobject_cast<ValueComboBox *>(table.edit());
+        QTRY_VERIFY(box->view()->isVisible());
+        QTest::keyClick(box->view(), Qt::Key_Down);
+        QTest::keyClick(box->view(), Qt::Key_Escape);
+        QTRY_VERIFY(!box->view()->isVisible());
+        QTest::keyClick(box, Qt::Key_Escape);
+        QVERIFY(!table.isEditing());
+        QCOMPARE(table.outcome(), QString("resubmission|2|0"));
+    }
+
+    void boxesListTheirValues()
+    {
+        const auto texts = [](QWidget *editor) {
+            const auto *box = qobject_cast<QComboBox *>(editor);
+            QStringList list;
+            for (int i = 0; i < box->count(); ++i)
+                list << box->itemText(i) + '=' + box->itemData(i).toString();
+            return list;
+        };
+        OneCellTable keyed(makeCombo());
+        QCOMPARE(texts(keyed.edit()), QStringList({"open=1", "resubmission=2", "done=3"}));
+        OneCellTable plain(new KelvaComboDelegate({"a", "b"}, {}, nullptr, false, QIcon(), true, true));
+        QCOMPARE(texts(plain.edit()), QStringList({"=", "a=a", "b=b"}));
+        OneCellTable sorted(makeSimpleCombo());
+        QCOMPARE(texts(sorted.edit()).first(), QString("="));
+        OneCellTable asGiven(
+            new KelvaSimpleComboDelegate({"", "red", "green"}, nullptr, true, true, false, false));
+        QCOMPARE(texts(asGiven.edit()), QStringList({"=", "red=", "green="}));
+    }
+
+    void lines_data()
+    {
+        QTest::addColumn<bool>("numeric");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("typed"); // null: nothing
+        QTest::addColumn<QString>("outcome");
+        const QString tooLong(300, 'x');
+        QTest::newRow("text is trimmed") << false << "old"
+                                         << "  new text "
+                                         << "new text||1";
+        QTest::newRow("the same text changes nothing") << false << "old"
+                                                       << "old"
+                                                       << "old||0";
+        QTest::newRow("254 characters go in") << false << tooLong << QString() << tooLong.left(254) + "||1";
+        QTest::newRow("254 characters come out") << false << "" << tooLong << tooLong.left(254) + "||1";
+        QTest::newRow("text can be taken away") << false << "old"
+                                                << ""
+                                                << "||1";
+        QTest::newRow("a number can be taken away") << true << "12.50"
+                                                    << ""
+                                                    << "||1";
+        QTest::newRow("a number loses its thousands separator") << true << "1"
+                                                                << "1,234.5"
+                                                                << "1234.5||1";
+        QTest::newRow("a whole number keeps its point") << true << "12." << QString() << "12.||0";
+        QTest::newRow("letters are no number") << true << "12"
+                                               << "abc"
+                                               << "12||0";
+        QTest::newRow("five decimals are too many") << true << ""
+                                                    << "1.23456"
+                                                    << "1.2345||1";
+        QTest::newRow("half a number is not written") << true << "12"
+                                                      << "-"
+                                                      << "12||0";
+    }
+
+    void lines()
+    {
+        QFETCH(bool, numeric);
+        QFETCH(QString, text);
+        QFETCH(QString, typed);
+        OneCellTable table(new KelvaLineDelegate({}, nullptr, 254, numeric));
+        table.setCell(text);
+        auto *line = qobject_cast<QLineEdit *>(table.edit());
+        QVERIFY(line);
+        if (!typed.isNull()) {
+            line->selectAll();
+            typed.isEmpty() ? line->del() : QTest::keyClicks(line, typed);
+        }
+        QTest::keyClick(line, Qt::Key_Return);
+        QTRY_VERIFY(!table.isEditing() || !line->hasAcceptableInput());
+        QTEST(table.outcome(), "outcome");
+    }
+
+    void numbersFollowTheLocale()
+    {
+        const auto restore = qScopeGuard([before = QLocale()] { QLocale::setDefault(before); });
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        OneCellTable table(new KelvaLineDelegate({}, nullptr, 254, true));
+        table.setCell("12,");
+        auto *line = qobject_cast<QLineEdit *>(table.edit());
+        QVERIFY(line->hasAcceptableInput());
+        line->selectAll();
+        QTest::keyClicks(line, "1.234,5");
+        QTest::keyClick(line, Qt::Key_Return);
+        QTRY_COMPARE(table.outcome(), QString("1234,5||1"));
+    }
+
+    void whatWasTypedIsOfferedNextTime()
+    {
+        OneCellTable table(new KelvaLineDelegate({"alpha", "type:Numeric"}, nullptr, 254, false));
+        const auto offered = [&table](const QString &prefix) {
+            QCompleter *completer = qobject_cast<QLineEdit *>(table.edit())->completer();
+            completer->setCompletionPrefix(prefix);
+            const int count = completer->completionCount();
+            table.commit();
+            return count;
+        };
+        QCOMPARE(offered("AL"), 1);
+        QCOMPARE(offered("type"), 0);
+        for (int i = 0; i < 2; ++i) { // the second time it is known
+            auto *line = qobject_cast<QLineEdit *>(table.edit());
+            line->setText("beta");
+            table.commit();
+        }
+        QCOMPARE(offered("b"), 1);
+        auto *delegate = qobject_cast<KelvaLineDelegate *>(table.view().itemDelegate());
+        OneCellTable other(delegate->clone(nullptr));
+        QCompleter *completer = qobject_cast<QLineEdit *>(other.edit())->completer();
+        completer->setCompletionPrefix("b");
+        QCOMPARE(completer->completionCount(), 1);
+        delegate->setCompletor({"gamma"});
+        QCOMPARE(offered("b"), 0);
+    }
+
+    void linksOpenWithControl()
+    {
+        QDesktopServices::setUrlHandler("test", this, "openUrl");
+        OneCellTable table(new KelvaLineDelegate({}, nullptr, 254, false));
+        table.setCell("test://host/page");
+        const QPoint place = table.view().visualRect(table.index()).center();
+        QTest::mouseClick(table.view().viewport(), Qt::LeftButton, Qt::ControlModifier, place);
+        QTest::mouseDClick(table.view().viewport(), Qt::LeftButton, Qt::ControlModifier, place);
+        QVERIFY(!table.isEditing());
+        QCOMPARE(m_opened, QList<QUrl>{QUrl("test://host/page")});
+        QTest::mouseDClick(table.view().viewport(), Qt::LeftButton, Qt::NoModifier, place);
+        QVERIFY(table.isEditing());
+        QCOMPARE(m_opened.size(), 1);
+        QDesktopServices::unsetUrlHandler("test");
+        QVERIFY(!KelvaLineDelegate::isURL("no link"));
+        QVERIFY(!KelvaLineDelegate::isURL("a b://c"));
+    }
+
+    void ticks_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<bool>("editable");
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("space sets an empty cell") << ""
+                                                  << "space" << true << "2||1";
+        QTest::newRow("space unsets") << "2"
+                                      << "space" << true << "0||1";
+        QTest::newRow("select sets") << "0"
+                                     << "select" << true << "2||1";
+        QTest::newRow("other keys do not") << "0"
+                                           << "x" << true << "0||0";
+        QTest::newRow("a click on the box unsets") << "1"
+                                                   << "click" << true << "0||1";
+        QTest::newRow("a click beside the box does not") << "0"
+                                                         << "beside" << true << "0||0";
+        QTest::newRow("the right button does not") << "0"
+                                                   << "right" << true << "0||0";
+        QTest::newRow("a locked cell stays under a click") << "0"
+                                                           << "click" << false << "0||0";
+        QTest::newRow("a locked cell stays under space") << "0"
+                                                         << "space" << false << "0||0";
+        QTest::newRow("a table without edits stays") << "0"
+                                                     << "no triggers" << true << "0||0";
+    }
+
+    void ticks()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, input);
+        QFETCH(bool, editable);
+        OneCellTable table(new KelvaCheckBoxDelegate(false, nullptr));
+        table.setCell(text);
+        table.cell()->setEditable(editable);
+        QTableView &view = table.view();
+        view.setColumnWidth(0, 200);
+        QVERIFY(!table.edit()); // it has no editor, only the box
+        const QRect cell = view.visualRect(table.index());
+        const auto click = [&view](const QPoint &place, Qt::MouseButton button) {
+            QTest::mouseClick(view.viewport(), button, Qt::NoModifier, place);
+        };
+        if (input == "no triggers")
+            view.setEditTriggers(QAbstractItemView::NoEditTriggers);
+        const QMap<QString, int> keys{{"space", Qt::Key_Space}, {"select", Qt::Key_Select}, {"x", Qt::Key_X}};
+        QKeyEvent key(QEvent::KeyPress, keys.value(input), Qt::NoModifier);
+        if (keys.contains(input))
+            QCoreApplication::sendEvent(&view, &key);
+        else if (input == "beside")
+            click(QPoint(cell.left() + 3, cell.center().y()), Qt::LeftButton);
+        else
+            click(cell.center(), input == "right" ? Qt::RightButton : Qt::LeftButton);
+        QTEST(table.outcome(), "outcome");
+    }
+
+    void whatIsNotForThemIsLeftToOthers_data()
+    {
+        QTest::addColumn<MakeDelegate>("make");
+        QTest::newRow("combo") << MakeDelegate([] { return makeCombo(); });
+        QTest::newRow("simple combo") << MakeDelegate([] { return makeSimpleCombo(); });
+        QTest::newRow("line") << MakeDelegate([] { return new KelvaLineDelegate({}, nullptr, 5, true); });
+        QTest::newRow("check box") << MakeDelegate([] { return new KelvaCheckBoxDelegate(false, nullptr); });
+    }
+
+    void whatIsNotForThemIsLeftToOthers()
+    {
+        QFETCH(MakeDelegate, make);
+        std::unique_ptr<KelvaDelegate> original(make());
+        original->setDelegateColumn(3);
+        OneCellTable table(original->clone(nullptr)); // the clone knows its column, too
+        table.setCell("old", "1");
+        table.cell()->setEditable(false);
+        QVERIFY(!table.edit());
+        table.cell()->setEditable(true);
+        auto *plain = qobject_cast<QLineEdit *>(table.edit());
+        QVERIFY(plain && !plain->validator());
+        plain->setText("longer text");
+        table.commit();
+        QCOMPARE(table.outcome(), QString("longer text|1|1"));
+    }
+
+    void wrappedDelegatesEditTheirCells()
+    {
+        QTableWidget table(2, 1);
+        KelvaDelegateWrapper wrapper;
+        auto *delegate = makeCombo();
+        wrapper.addDelegate(1, 0, delegate);
+        table.setItemDelegate(&wrapper);
+        table.setItem(1, 0, new QTableWidgetItem("open"));
+        table.show();
+        QSignalSpy changes(&table, SIGNAL(itemChanged(QTableWidgetItem *)));
+        table.editItem(table.item(1, 0));
+        auto *box = qobject_cast<ValueComboBox *>(table.indexWidget(table.model()->index(1, 0)));
+        QVERIFY(box);
+        choose(box, "done");
+        QVERIFY(!table.indexWidget(table.model()->index(1, 0)));
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(table.item(1, 0)->data(itemrole::rawValue).toString(), QString("3"));
+    }
+
+    void severalValuesAreCollected()
+    {
+        const std::unique_ptr<KelvaDelegate> delegate(makeCombo());
+        QTableWidgetItem given("open");
+        given.setData(itemrole::rawValue, "1");
+        KelvaMultiSelection dialog(delegate.get(), {&given, &given}, nullptr);
+        dialog.show();
+        auto *table = dialog.findChild<QTableWidget *>("m_extSelection");
+        auto *add = dialog.findChild<QPushButton *>("m_bAdd");
+        add->click(); // stays empty
+        add->click();
+        table->editItem(table->item(3, 0));
+        auto *box = qobject_cast<ValueComboBox *>(table->indexWidget(table->model()->index(3, 0)));
+        QVERIFY(box);
+        choose(box, "done");
+        table->setCurrentCell(1, 0);
+        table->actions().first()->trigger();
+        dialog.accept();
+        QStringList values;
+        for (int row = 0; row < dialog.getRows(); ++row)
+            values << dialog.getItem(row)->text() + '=' +
+                          dialog.getItem(row)->data(itemrole::rawValue).toString();
+        QCOMPARE(values, QStringList({"open=1", "done=3"}));
+    }
+
+public slots:
+    void openUrl(const QUrl &url) { m_opened << url; }
+
+private:
+    static void choose(QComboBox *box, const QString &text)
+    {
+        box->showPopup();
+        const QModelIndex item = box->model()->index(box->findText(text), 0);
+        box->view()->scrollTo(item);
+        box->view()->setCurrentIndex(item);
+        QTest::keyClick(box->view(), Qt::Key_Return);
+    }
+
+    QList<QUrl> m_opened;
+};
+
+KELVA_TEST(TestCellEditors)
+#include "testcelleditors.moc"

@@ -1,0 +1,222 @@
+#include "support/dialogscript.h"
+#include "support/kelvatest.h"
+#include "support/onecelltable.h"
+
+#include "documents/datemacro.h"
+#include "documents/kelvacalendar.h"
+#include "documents/kelvacalendardelegate.h"
+#include "documents/kelvadelegatewrapper.h"
+
+#include <QCalendarWidget>
+#include <QComboBox>
+#include <QPushButton>
+#include <QSpinBox>
+
+using Act = std::function<void(KelvaCalendar *)>;
+Q_DECLARE_METATYPE(Act)
+
+class TestKelvaCalendar : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void macros_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("days ahead") << "[HEUTE+7]"
+                                    << "[HEUTE+7]:2014-08-21";
+        QTest::newRow("days back") << "[HEUTE-3]"
+                                   << "[HEUTE-3]:2014-08-11";
+        QTest::newRow("today") << "[HEUTE+0]"
+                               << "[HEUTE+0]:2014-08-14";
+        QTest::newRow("no minus before nothing") << "[HEUTE-0]"
+                                                 << "[HEUTE+0]:2014-08-14";
+        QTest::newRow("months back") << "[MONAT-2]"
+                                     << "[MONAT-2]:2014-06-14";
+        QTest::newRow("months ahead") << "[MONAT+6]"
+                                      << "[MONAT+6]:2015-02-14";
+        QTest::newRow("years ahead") << "[JAHR+1]"
+                                     << "[JAHR+1]:2015-08-14";
+        QTest::newRow("with the date of its choice") << "[HEUTE+7]:2001-01-01"
+                                                     << "[HEUTE+7]:2014-08-21";
+        QTest::newRow("no number") << "[JAHR+x]"
+                                   << "[JAHR+0]:2014-08-14";
+        QTest::newRow("a number too large") << "[JAHR+99999999999]"
+                                            << "[JAHR+0]:2014-08-14";
+        QTest::newRow("the word alone") << "[MONAT"
+                                        << "[MONAT+0]:2014-08-14";
+        QTest::newRow("a date") << "2014-08-11"
+                                << "";
+        QTest::newRow("another word") << "[WOCHE+1]"
+                                      << "";
+        QTest::newRow("nothing") << ""
+                                 << "";
+    }
+
+    void macros()
+    {
+        QFETCH(QString, stored);
+        QTEST(DateMacro::parse(stored).text(QDate(2014, 8, 14)), "text");
+        // The dialog shows what is stored and gives it back.
+        KelvaCalendar dialog(nullptr, false, false, QDate(2014, 8, 14));
+        dialog.setExtendedString(stored);
+        QFETCH(QString, text);
+        QCOMPARE(dialog.getExtendedString(), text.section(':', 0, 0));
+        QCOMPARE(dialog.selectedDate().toString("yyyy-MM-dd"),
+                 text.isEmpty() ? QString("2014-08-14") : text.section(':', 1));
+    }
+
+    void theLastOfAMonthFitsIntoAShorterOne()
+    {
+        QCOMPARE(DateMacro::parse("[MONAT+1]").date(QDate(2015, 1, 31)), QDate(2015, 2, 28));
+        QCOMPARE(DateMacro::parse("[JAHR-1]").date(QDate(2016, 2, 29)), QDate(2015, 2, 28));
+    }
+
+    void aMacroIsChosenAndCleared()
+    {
+        KelvaCalendar dialog(nullptr, false, false, QDate(2014, 8, 14));
+        dialog.setExtended(true);
+        auto *kind = dialog.findChild<QComboBox *>("m_kind");
+        auto *sign = dialog.findChild<QComboBox *>("m_sign");
+        auto *value = dialog.findChild<QSpinBox *>("m_value");
+        dialog.setExtendedString("[MONAT-2]");
+        QCOMPARE(kind->currentData().toString() + sign->currentText() + value->text(),
+                 QString("Diesen Monat-2"));
+        value->setValue(3);
+        QCOMPARE(dialog.getExtendedString(), QString("[MONAT-3]"));
+        QCOMPARE(dialog.selectedDate(), QDate(2014, 5, 14));
+        sign->setCurrentIndex(0);
+        QCOMPARE(dialog.getExtendedString(), QString("[MONAT+3]"));
+        dialog.findChild<QCalendarWidget *>("m_calendar")->setSelectedDate(QDate(2014, 8, 20));
+        QCOMPARE(dialog.getExtendedString(), QString());
+        QCOMPARE(kind->currentData().toString(), QString());
+        QCOMPARE(dialog.selectedDate(), QDate(2014, 8, 20));
+        // "Today" is a date, even where a macro stands for it already.
+        dialog.setExtendedString("[HEUTE+0]");
+        dialog.findChild<QPushButton *>("m_today")->click();
+        QCOMPARE(dialog.getExtendedString(), QString());
+        QCOMPARE(dialog.selectedDate(), QDate(2014, 8, 14));
+    }
+
+    void dates_data()
+    {
+        QTest::addColumn<QString>("kind"); // letters: m offers macros, n no date
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("raw");
+        QTest::addColumn<Act>("act");
+        QTest::addColumn<QString>("outcome");
+        const Act nothing = [](KelvaCalendar *dialog) { dialog->accept(); };
+        const Act another = [](KelvaCalendar *dialog) {
+            dialog->setSelectedDate(QDate(2031, 2, 3));
+            dialog->accept();
+        };
+        const Act macro = [](KelvaCalendar *dialog) {
+            dialog->setExtendedString("[JAHR-1]");
+            dialog->accept();
+        };
+        const Act press = [](KelvaCalendar *dialog) { dialog->findChild<QPushButton *>("m_null")->click(); };
+        QTest::newRow("another date is written once") << ""
+                                                      << "2024-03-05"
+                                                      << "2024-03-05" << another << "2031-02-03|2024-03-05|1";
+        QTest::newRow("the same date writes nothing") << ""
+                                                      << "2024-03-05"
+                                                      << "2024-03-05" << nothing << "2024-03-05|2024-03-05|0";
+        QTest::newRow("the same date of a cell without raw value") << ""
+                                                                   << "2024-03-05"
+                                                                   << "" << nothing << "2024-03-05||0";
+        QTest::newRow("a cancelled dialog writes nothing") << ""
+                                                           << "2024-03-05"
+                                                           << "" << Act([](KelvaCalendar *dialog) {
+                                                                  dialog->setSelectedDate(QDate(2031, 2, 3));
+                                                                  QTest::keyClick(dialog, Qt::Key_Escape);
+                                                              })
+                                                           << "2024-03-05||0";
+        QTest::newRow("return in the calendar accepts")
+            << ""
+            << "2024-03-05"
+            << "" << Act([](KelvaCalendar *dialog) {
+                   QWidget *days = dialog->findChild<QWidget *>("qt_calendar_calendarview");
+                   QTest::keyClick(days, Qt::Key_Right);
+                   QTest::keyClick(days, Qt::Key_Return);
+               })
+            << "2024-03-06||1";
+        QTest::newRow("a date is taken away") << "n"
+                                              << "2024-03-05"
+                                              << "" << press << "||1";
+        QTest::newRow("a macro is written") << "m"
+                                            << "2024-03-05"
+                                            << "" << macro << "[JAHR-1]||1";
+        QTest::newRow("the same macro writes nothing") << "m"
+                                                       << "[JAHR-1]"
+                                                       << "" << nothing << "[JAHR-1]||0";
+        QTest::newRow("a macro gives way to a date") << "m"
+                                                     << "[JAHR-1]"
+                                                     << "" << another << "2031-02-03||1";
+        QTest::newRow("a plain date where macros are offered") << "m"
+                                                               << "2024-03-05"
+                                                               << "" << nothing << "2024-03-05||0";
+    }
+
+    void dates()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, text);
+        QFETCH(QString, raw);
+        QFETCH(Act, act);
+        DialogScript script;
+        OneCellTable table(new KelvaCalendarDelegate(nullptr, false, kind.contains('m'), kind.contains('n')));
+        table.setCell(text, raw);
+        script.expectDialog("Select date", false,
+                            [&act](QWidget *dialog) { act(qobject_cast<KelvaCalendar *>(dialog)); });
+        QVERIFY(table.edit());
+        QTRY_VERIFY(!table.isEditing());
+        QTEST(table.outcome(), "outcome");
+        QCOMPARE(script.problems(), QString());
+    }
+
+    void buttonsFollowTheKind()
+    {
+        KelvaCalendarDelegate delegate(nullptr, true, false, true);
+        const std::unique_ptr<KelvaDelegate> copy(delegate.clone(nullptr));
+        const QModelIndex none;
+        std::unique_ptr<QWidget> dialog(copy->createEditor(nullptr, {}, none));
+        const auto visible = [&dialog](const char *name) {
+            return dialog->findChild<QWidget *>(name)->isVisible();
+        };
+        QVERIFY(visible("m_null") && !visible("m_kind") && !visible("m_value") && !visible("m_macro"));
+        auto *calendar = qobject_cast<KelvaCalendar *>(dialog.get());
+        calendar->setSelectedDate(QDate(2001, 1, 1));
+        QCOMPARE(calendar->selectedDate(), QDate::currentDate());
+        calendar->setSelectedDate(QDate());
+        QCOMPARE(calendar->selectedDate(), QDate::currentDate());
+        qobject_cast<KelvaCalendarDelegate *>(copy.get())->setExtended(true);
+        dialog.reset(copy->createEditor(nullptr, {}, none));
+        QVERIFY(visible("m_kind") && visible("m_sign") && visible("m_value"));
+    }
+
+    void aWrappedDialogWritesOnce()
+    {
+        DialogScript script;
+        QStandardItemModel model(1, 1);
+        model.setItem(0, 0, new QStandardItem("2024-03-05"));
+        QTableView view;
+        KelvaDelegateWrapper wrapper;
+        wrapper.addDelegate(0, 0, new KelvaCalendarDelegate(nullptr, false, false, false));
+        view.setModel(&model);
+        view.setItemDelegate(&wrapper);
+        view.show();
+        int changes = 0;
+        connect(&model, &QStandardItemModel::dataChanged, this, [&changes] { ++changes; });
+        script.expectDialog("Select date", true, [](QWidget *dialog) {
+            qobject_cast<KelvaCalendar *>(dialog)->setSelectedDate(QDate(2031, 2, 3));
+        });
+        view.edit(model.index(0, 0));
+        QTRY_VERIFY(!view.indexWidget(model.index(0, 0)));
+        QCOMPARE(model.item(0, 0)->text() + QString::number(changes), QString("2031-02-031"));
+        QCOMPARE(script.problems(), QString());
+    }
+};
+
+KELVA_TEST(TestKelvaCalendar)
+#include "testkelvacalendar.moc"
