@@ -100,7 +100,7 @@ void KelvaClientMain::setupPanels()
 
 void KelvaClientMain::connectPanels()
 {
-    connect(m_infoView, SIGNAL(doubleClicked(QModelIndex)), this, SLOT(notAvailableYet()));
+    connect(m_infoView, SIGNAL(doubleClicked(QModelIndex)), this, SLOT(documentDoubleClicked(QModelIndex)));
     connect(m_currentSubArchiv, SIGNAL(currentIndexChanged(int)), this, SLOT(subArchiveChanged(int)));
     connect(m_infoView->selectionModel(), SIGNAL(selectionChanged(QItemSelection, QItemSelection)), this,
             SLOT(docSelChanged(QItemSelection)));

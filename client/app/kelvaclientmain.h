@@ -76,6 +76,11 @@ public slots:
     void changeDocView();
     void updateTrash();
 
+    // documents/kelvaclientmain_export.cpp
+    void exportDocument();
+    void showDocument();
+    void documentDoubleClicked(const QModelIndex &index);
+
     // documents/kelvaclientmain_edit.cpp
     /// Writes the edited cell back.
     void infoViewItemChanged();
@@ -154,6 +159,11 @@ private:
     QStringList getCurrentDocIds(bool onlyWritable, bool notDeleted) const;
     QStringList getCurrentRealDocIds(bool onlyWritable) const;
     void showDocView();
+
+    // documents/kelvaclientmain_export.cpp
+    /// Exports the selected documents to a directory, or opens them. index: 0 to view, 1 to export, -1 for what
+    /// fits. Returns the files that are there now.
+    QStringList doExportDocument(const QString &path, bool open, int index);
 
     // documents/kelvaclientmain_edit.cpp
     enum class EditResult { Saved, ReadFailed, Conflict, Dropped, SaveFailed };

@@ -36,13 +36,14 @@ void KelvaMultiSelection::addLineMan(QTableWidgetItem *item)
     const int row = m_ui->m_extSelection->rowCount();
     m_ui->m_extSelection->insertRow(row);
     m_ui->m_extSelection->setItem(row, 0, item);
-    m_ui->m_extSelection->setCurrentItem(item);
 }
 
 void KelvaMultiSelection::addLine()
 {
-    addLineMan(new QTableWidgetItem);
-    m_ui->m_extSelection->setFocus();
+    auto *item = new QTableWidgetItem;
+    addLineMan(item);
+    m_ui->m_extSelection->setCurrentItem(item);
+    m_ui->m_extSelection->editItem(item);
 }
 
 void KelvaMultiSelection::removeLine()

@@ -3,6 +3,7 @@
 #include <QListView>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QStylePainter>
 #include <QTimer>
 
 ValueComboBox::ValueComboBox(QWidget *parent, bool openList) : QComboBox(parent), m_openList(openList)
@@ -14,7 +15,7 @@ void ValueComboBox::startWith(int index, const QString &text)
 {
     const QSignalBlocker blocker(this);
     m_start = index;
-    setPlaceholderText(text);
+    m_startText = text;
     setCurrentIndex(index);
 }
 
@@ -28,6 +29,18 @@ void ValueComboBox::focusInEvent(QFocusEvent *event)
 {
     QComboBox::focusInEvent(event);
     openListOnce();
+}
+
+void ValueComboBox::paintEvent(QPaintEvent *)
+{
+    // The box's own placeholder text is not drawn by every style.
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    if (currentIndex() < 0)
+        option.currentText = m_startText;
+    QStylePainter painter(this);
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }
 
 void ValueComboBox::openListOnce()

@@ -20,6 +20,7 @@ public:
 protected:
     void showEvent(QShowEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private slots:
     void doShowPopup();
@@ -29,4 +30,5 @@ private:
 
     bool m_openList;
     int m_start = -1;
+    QString m_startText;
 };

@@ -5,14 +5,20 @@
 #include <QCoreApplication>
 #include <QDebug>
 #include <QDir>
+#include <QFile>
 #include <QMessageBox>
 #include <QPluginLoader>
 
-KelvaArchiveWorker::KelvaArchiveWorker(QObject *parent) : QObject(parent) {}
+KelvaArchiveWorker::KelvaArchiveWorker(QObject *parent) : QObject(parent)
+{
+    connect(&uploadProgress, SIGNAL(cancelClicked()), this, SLOT(cancelStreaming()));
+}
 
 KelvaArchiveWorker::~KelvaArchiveWorker()
 {
     doDisconnect();
+    for (const QString &file : qAsConst(temporaryFiles))
+        QFile::remove(file);
     qDebug("Destroy KelvaArchiveWorker");
     delete client;
     qDebug("KelvaArchiveWorker destroyed.");
@@ -50,6 +56,9 @@ bool KelvaArchiveWorker::loadClient()
         lastError = tr("Failed to load the archive client.");
         return false;
     }
+    connect(client, SIGNAL(totalFileSize(QString)), &uploadProgress, SLOT(setProgressMax(QString)));
+    connect(client, SIGNAL(currentReadSize(QString)), &uploadProgress, SLOT(setProgressValue(QString)));
+    connect(client, SIGNAL(saveDocEnd()), &uploadProgress, SLOT(copyFinished()));
     return true;
 }
 

@@ -398,7 +398,6 @@ private slots:
         auto *add = dialog.findChild<QPushButton *>("m_bAdd");
         add->click(); // stays empty
         add->click();
-        table->editItem(table->item(3, 0));
         auto *box = qobject_cast<ValueComboBox *>(table->indexWidget(table->model()->index(3, 0)));
         QVERIFY(box);
         choose(box, "done");

@@ -25,6 +25,10 @@ void FakeArchive::reset()
     settings.clear();
     minMaxDates = QStringList{"2020-01-01", "2024-12-31"};
     openedDocuments.clear();
+    contents.clear();
+    pieceSize = 64 * 1024;
+    duringTransfer = {};
+    losesDownloads = false;
     failures.clear();
     interludes.clear();
     calls.clear();
@@ -46,6 +50,13 @@ bool FakeArchive::begin(const QString &operation, const QString &arguments)
     return true;
 }
 
+int FakeArchive::addContent(const QString &fileName, const QByteArray &bytes)
+{
+    const int id = contents.isEmpty() ? 1001 : qMax(contents.lastKey(), 1000) + 1;
+    contents.insert(id, {fileName, bytes});
+    return id;
+}
+
 QString FakeArchive::addDocument(const QString &description, const QString &folder, const QString &status)
 {
     const int id = documents.isEmpty() ? 1 : documents.lastKey() + 1;
@@ -64,5 +75,6 @@ QString FakeArchive::addDocument(const QString &description, const QString &fold
                                   "",
                                   "0"};
     documents.insert(id, document);
+    contents.insert(100 + id, {"scan.pdf", description.toUtf8()});
     return QString::number(id);
 }

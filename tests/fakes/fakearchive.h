@@ -15,8 +15,14 @@ struct FakeDocument
     QStringList fields; ///< a row of getDocuments() without the rights letters
     QString rights = QStringLiteral("W");
     QString creator = QStringLiteral("anna");
-    QString fileName = QStringLiteral("scan.pdf");
     bool trashed = false;
+};
+
+/// A stored file.
+struct FakeContent
+{
+    QString fileName;
+    QByteArray bytes;
 };
 
 /// A small working archive behind the fake clients, shared by all of them in the process. Tests fill it,
@@ -38,6 +44,8 @@ public:
     /// Adds a live document in the given folder and returns its classification id.
     QString addDocument(const QString &description, const QString &folder = QStringLiteral("1.1"),
                         const QString &status = QStringLiteral("1"));
+    /// Stores a file of a document that has no classification and returns its archive id.
+    int addContent(const QString &fileName, const QByteArray &bytes);
     /// Called by the fake clients first thing: records the call. False when the call is scripted to fail.
     bool begin(const QString &operation, const QString &arguments = QString());
 
@@ -51,7 +59,11 @@ public:
     QStringList statusRows;
     QMap<QString, QByteArray> settings; ///< by section "/" key
     QStringList minMaxDates;
-    QStringList openedDocuments; ///< archive ids
+    QStringList openedDocuments;          ///< archive ids
+    QMap<int, FakeContent> contents;      ///< by archive id
+    int pieceSize = 64 * 1024;            ///< transfers report after each
+    std::function<void()> duringTransfer; ///< runs after each report
+    bool losesDownloads = false;          ///< files are gone before the client gets them
     QMap<QString, QQueue<QString>> failures;
     QMap<QString, std::function<void()>> interludes;
     QStringList calls;

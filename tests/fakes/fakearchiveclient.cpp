@@ -3,6 +3,12 @@
 #include "fakes/fakearchive.h"
 #include "server/recordformat.h"
 
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QScopedValueRollback>
+#include <QTemporaryFile>
+
 namespace {
 
 FakeArchive &archive()
@@ -14,8 +20,81 @@ FakeArchive &archive()
 
 bool FakeArchiveClient::unsupported()
 {
-    archive().lastError = "This is not available yet.";
+    return refuse("This is not available yet.");
+}
+
+bool FakeArchiveClient::refuse(const QString &text)
+{
+    archive().lastError = text;
     return false;
+}
+
+bool FakeArchiveClient::transfer(qint64 bytes)
+{
+    m_cancelled = false;
+    emit totalFileSize(QString::number(bytes));
+    qint64 done = 0;
+    do {
+        done = qMin<qint64>(bytes, done + archive().pieceSize);
+        emit currentReadSize(QString::number(done));
+        QCoreApplication::processEvents();
+        if (archive().duringTransfer)
+            archive().duringTransfer();
+    } while (done < bytes && !m_cancelled);
+    return !m_cancelled || refuse("The transfer was cancelled.");
+}
+
+bool FakeArchiveClient::uploadDocument(QString, QString localFile, bool newDocument)
+{
+    if (m_transferring)
+        return refuse("A transfer is running.");
+    const QScopedValueRollback<bool> transferring(m_transferring, true);
+    QFile file(localFile);
+    const QString name = QFileInfo(localFile).fileName();
+    if (!archive().begin("uploadDocument", name + (newDocument ? " new" : " version")))
+        return false;
+    if (!file.open(QIODevice::ReadOnly))
+        return refuse("The file cannot be read.");
+    if (!transfer(file.size()))
+        return false;
+    emit saveDocEnd();
+    QList<int> known = archive().contents.keys();
+    while (!known.isEmpty() && (newDocument || archive().contents[known.last()].fileName != name))
+        known.removeLast();
+    const QByteArray bytes = file.readAll();
+    m_lastDocument = known.isEmpty() ? archive().addContent(name, bytes) : known.last();
+    archive().contents[int(m_lastDocument)].bytes = bytes;
+    return true;
+}
+
+bool FakeArchiveClient::downloadDocument(int docId, QString &path, int mode)
+{
+    path.clear();
+    if (m_transferring)
+        return refuse("A transfer is running.");
+    const QScopedValueRollback<bool> transferring(m_transferring, true);
+    if (!archive().begin("downloadDocument", QString("%1 %2").arg(docId).arg(mode)))
+        return false;
+    if (!archive().contents.contains(docId))
+        return refuse("The document does not exist.");
+    const FakeContent content = archive().contents.value(docId);
+    if (!transfer(content.bytes.size()))
+        return false;
+    const QString suffix = QFileInfo(content.fileName).suffix();
+    QTemporaryFile file(QDir::tempPath() + "/fake-XXXXXX" + (suffix.isEmpty() ? QString() : '.' + suffix));
+    file.setAutoRemove(archive().losesDownloads);
+    if (!file.open() || file.write(content.bytes) != content.bytes.size())
+        return refuse("The file cannot be written.");
+    path = file.fileName();
+    if (mode == 0)
+        archive().openedDocuments << QString::number(docId);
+    return true;
+}
+
+bool FakeArchiveClient::countSubArchiveDocuments(int &count)
+{
+    count = archive().contents.size();
+    return archive().begin("countSubArchiveDocuments");
 }
 
 kelvaArchiveClientInterface *FakeArchiveClient::createClient(QString)
@@ -79,10 +158,11 @@ QStringList FakeArchiveClient::getDocumentInfo(QStringList docIds)
     if (!archive().begin("getDocumentInfo", docIds.join(',')))
         return infos;
     const QChar l = recordformat::listSeparator;
-    for (const FakeDocument &document : qAsConst(archive().documents)) {
-        const QString id = document.fields.at(0).section('#', 0, 0);
+    for (auto content = archive().contents.cbegin(); content != archive().contents.cend(); ++content) {
+        const QString id = QString::number(content.key());
+        const QString name = content->fileName;
         if (docIds.contains(id))
-            infos << id + l + document.fileName + l + l + document.fileName.section('.', -1);
+            infos << id + l + name + l + l + name.section('.', -1);
     }
     return infos;
 }

@@ -14,15 +14,15 @@ public:
     bool connectToArchive(QString host, int port) override;
     bool disconnectFromArchive() override;
     QString lastError() override;
-    bool countSubArchiveDocuments(int &) override { return unsupported(); }
+    bool countSubArchiveDocuments(int &count) override;
     bool getSubArchives(QStringList &archives) override;
     bool selectArchive(QString archiveKey) override;
-    bool downloadDocument(int, QString &, int) override { return unsupported(); }
-    qint64 getLastDocId() override { return 0; }
+    bool downloadDocument(int docId, QString &path, int mode) override;
+    qint64 getLastDocId() override { return m_lastDocument; }
     bool createSubArchive(QString, QString) override { return unsupported(); }
-    void cancelStreaming() override {}
+    void cancelStreaming() override { m_cancelled = true; }
     QStringList searchDocuments(QString query) override;
-    bool uploadDocument(QString, QString, bool) override { return unsupported(); }
+    bool uploadDocument(QString archive, QString localFile, bool newDocument) override;
     bool login(QString user, QString password) override;
     QStringList getDocumentInfo(QStringList docIds) override;
     bool deleteDocument(QString, QStringList) override { return unsupported(); }
@@ -38,4 +38,11 @@ public:
 
 private:
     bool unsupported();
+    bool refuse(const QString &text);
+    /// Reports and lets events run, piece by piece; false when the transfer was cancelled.
+    bool transfer(qint64 bytes);
+
+    bool m_transferring = false;
+    bool m_cancelled = false;
+    qint64 m_lastDocument = 0;
 };

@@ -1,5 +1,7 @@
 #include "support/dialogscript.h"
 
+#include "server/kelvafilecopy.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
@@ -35,6 +37,10 @@ void DialogScript::look()
     QWidget *window = QApplication::activeModalWidget();
     auto *dialog = qobject_cast<QDialog *>(window);
     if (!dialog || qobject_cast<QProgressDialog *>(window))
+        return;
+    // A transfer comes and goes by itself; only a script that names it means it.
+    if (qobject_cast<KelvaFileCopy *>(window) &&
+        (m_entries.isEmpty() || m_entries.first().title != window->windowTitle()))
         return;
     const auto *box = qobject_cast<QMessageBox *>(window);
     const QString text = box ? box->text() : QString();

@@ -1,0 +1,201 @@
+#include "server/kelvaarchiveworker.h"
+
+#include "server/exportfilename.h"
+#include "server/kelvaarchiveclientinterface.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QProcess>
+#include <QUrl>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// What a document is fetched for, as the service records it.
+enum TransferMode { toView = 0, toExport = 1, toMail = 2 };
+
+/// Never overwrites. On one file system the file only gets a second name, which happens whole or not at all.
+bool placeFile(const QString &from, const QString &to)
+{
+    const QByteArray target = QFile::encodeName(to);
+    if (::link(QFile::encodeName(from).constData(), target.constData()) != 0 && !QFile::copy(from, to))
+        return false;
+    // The temporary file was this user's alone; an exported one is like any other that he saves.
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::chmod(target.constData(), 0666 & ~mask);
+    return true;
+}
+
+} // namespace
+
+bool KelvaArchiveWorker::requireClient()
+{
+    if (!client)
+        lastError = tr("There is no connection to the archive.");
+    return client;
+}
+
+void KelvaArchiveWorker::setFileCount(int count)
+{
+    fileCount = count;
+    finishedCount = 0;
+    if (count == 0)
+        uploadProgress.hide();
+}
+
+bool KelvaArchiveWorker::uploadFile(const QString &archive, const QString &file, bool newDocument)
+{
+    canceled = false;
+    if (!requireClient())
+        return false;
+    uploadProgress.setTotal(fileCount);
+    // Fixed text.
+    uploadProgress.setWindowTitle("Archiviere Dokument...");
+    uploadProgress.setFinishedFilesCount(finishedCount);
+    uploadProgress.showOver(parentWidget);
+    uploadProgress.setText(tr("Uploading %1...").arg(QFileInfo(file).fileName()));
+    const bool done = client->uploadDocument(archive, file, newDocument);
+    if (done) {
+        lastArchivedDocId = client->getLastDocId();
+        // The dialog stays for the next file of the batch.
+        if (finishedCount < fileCount - 1)
+            return true;
+    } else {
+        fail();
+    }
+    uploadProgress.hide();
+    return done;
+}
+
+void KelvaArchiveWorker::startDownloads(KelvaFileCopy &progress, int count)
+{
+    canceled = false;
+    connect(client, SIGNAL(totalFileSize(QString)), &progress, SLOT(setProgressMax(QString)));
+    connect(client, SIGNAL(currentReadSize(QString)), &progress, SLOT(setProgressValue(QString)));
+    connect(&progress, SIGNAL(cancelClicked()), this, SLOT(cancelStreaming()));
+    progress.setTotal(count);
+    progress.showOver(parentWidget);
+    progress.setText(tr("Downloading ..."));
+}
+
+bool KelvaArchiveWorker::download(KelvaFileCopy &progress, int index, qint64 id, int mode, QString &path)
+{
+    progress.setFinishedFilesCount(index);
+    QCoreApplication::processEvents();
+    return client->downloadDocument(static_cast<int>(id), path, mode) || fail();
+}
+
+QString KelvaArchiveWorker::getNewFileName(const QString &path, const QMap<QString, QString> &names,
+                                           qint64 id) const
+{
+    const auto name = names.constFind(QString::number(id));
+    if (name == names.constEnd())
+        return path;
+    const QString directory = QDir::toNativeSeparators(QFileInfo(path).absolutePath() + QDir::separator());
+    int counter = 0;
+    QString candidate;
+    do {
+        candidate = directory + exportFileName(id, *name, path, counter++);
+    } while (QFile::exists(candidate));
+    return QFile::rename(path, candidate) ? candidate : path;
+}
+
+bool KelvaArchiveWorker::exportDocuments(const QList<qint64> &ids, const QMap<QString, QString> &names,
+                                         const QString &target, bool openOnly, QStringList &files, int mode)
+{
+    if (!requireClient())
+        return false;
+    // Fixed text.
+    KelvaFileCopy progress("Exportiere Dokument...");
+    startDownloads(progress, ids.size());
+    if (mode == -1)
+        mode = openOnly ? toView : toExport;
+    for (int i = 0; i < ids.size(); ++i) {
+        QString path;
+        if (!download(progress, i, ids.at(i), mode, path))
+            return false;
+        if (canceled) {
+            QFile::remove(path);
+            break;
+        }
+        path = getNewFileName(path, names, ids.at(i));
+        qDebug() << "EXPORT TO" << path;
+        if (openOnly) {
+            files << path;
+            QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+        } else {
+            saveExported(path, target, files);
+        }
+    }
+    return true;
+}
+
+void KelvaArchiveWorker::saveExported(const QString &path, const QString &directory, QStringList &files)
+{
+    const QString separator = directory.endsWith(QDir::separator()) ? QString() : QString(QDir::separator());
+    const QString target = directory + separator + QFileInfo(path).fileName();
+    if (QFile::exists(target)) {
+        // A refused file stays where it was fetched to.
+        if (QMessageBox::question(nullptr, tr("File exists"),
+                                  tr("The file %1 alredy exists, overwrite?").arg(target),
+                                  QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+            return;
+        if (!QFile::remove(target)) {
+            QMessageBox::critical(nullptr, tr("Error"), tr("The file could not be overwritten."));
+            QFile::remove(path);
+            return;
+        }
+    }
+    if (placeFile(path, target))
+        files << target;
+    else
+        QMessageBox::critical(nullptr, tr("Error"), tr("The file could not be saved!"));
+    QFile::remove(path);
+}
+
+bool KelvaArchiveWorker::mailDocuments(const QList<qint64> &ids, const QMap<QString, QString> &names,
+                                       const QString &command)
+{
+    if (!requireClient())
+        return false;
+    // Fixed text.
+    KelvaFileCopy progress("Dokument(e) verschicken");
+    startDownloads(progress, ids.size());
+    QString mail = "mailto:?subject=&body=";
+    QStringList quoted;
+    for (int i = 0; i < ids.size(); ++i) {
+        QString path;
+        if (!download(progress, i, ids.at(i), toMail, path))
+            return false;
+        path = getNewFileName(path, names, ids.at(i));
+        temporaryFiles << path;
+        if (canceled)
+            return false;
+        mail += "&attach=" + path;
+        quoted << '"' + path + '"';
+    }
+    progress.hide();
+    startMailProgram(command, mail, quoted.join(','));
+    return true;
+}
+
+void KelvaArchiveWorker::startMailProgram(const QString &command, const QString &mail, const QString &quoted)
+{
+    if (command.isEmpty()) {
+        QProcess::startDetached("xdg-email", QStringList(mail));
+        return;
+    }
+    QStringList words = QProcess::splitCommand(command.arg(quoted));
+    const QString program = words.isEmpty() ? QString() : words.takeFirst();
+    if (!QProcess::startDetached(program, words))
+        QMessageBox::critical(nullptr, tr("E-Mail Command"),
+                              tr("The e-mail could not be created, unable to start Mail-Client!"));
+}
