@@ -8,6 +8,7 @@
 
 #include <QCommandLineParser>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTextStream>
 
 #include <functional>
@@ -66,9 +67,15 @@ int outcome(const Result<T> &result, const QString &success)
 
 Result<QString> archiveFile(const QString &argument)
 {
+    static const QRegularExpression digits(QStringLiteral("^\\d+$"));
+    if (!digits.match(argument).hasMatch())
+        return argument;
     bool isNumber = false;
     const int number = argument.toInt(&isNumber);
-    return isNumber ? archive::fileFor(QStringLiteral("localhost"), number) : Result<QString>(argument);
+    if (!isNumber)
+        return Error{ErrorCode::BadInput,
+                     QStringLiteral("%1 is too large for the number of an archive.").arg(argument)};
+    return archive::fileFor(QStringLiteral("localhost"), number);
 }
 
 QString readPassword()
@@ -125,6 +132,15 @@ int addUser(const Call &call)
     user.name = call.options.value(QStringLiteral("name"));
     user.password = readPassword();
     Users users(*session.value());
+    // Before the user is made: half a user would stand in the way of a second try.
+    const Result<QStringList> known = users.roles();
+    if (!known)
+        return complain(known.error().text);
+    const QStringList wanted = call.options.values(QStringLiteral("role"));
+    for (const QString &role : wanted)
+        if (!known.value().contains(role))
+            return complain(QStringLiteral("There is no role %1. There are: %2.")
+                                .arg(role, known.value().join(QStringLiteral(", "))));
     if (const Result<qint64> made = users.create(user); !made)
         return complain(made.error().text);
     const QStringList roles = call.options.values(QStringLiteral("role"))

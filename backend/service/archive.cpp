@@ -73,8 +73,10 @@ Result<void> putAside(const QString &path)
                              "The archive is in use. It can be restored when all programs that work with it "
                              "are closed.")};
     }
-    const QString kept = path + QStringLiteral(".before-restore");
-    removeDatabaseFile(kept);
+    // Numbered: what an earlier restore has kept is kept as well.
+    QString kept = path + QStringLiteral(".before-restore");
+    for (int number = 2; QFile::exists(kept); ++number)
+        kept = QStringLiteral("%1.before-restore.%2").arg(path).arg(number);
     if (!QFile::rename(path, kept))
         return Error{ErrorCode::Storage, QStringLiteral("The archive %1 could not be put aside.").arg(path)};
     removeDatabaseFile(path);

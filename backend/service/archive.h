@@ -30,7 +30,8 @@ Result<void> create(const NewArchive &archive);
 Result<QStringList> check(const QString &path);
 /// Copies an archive while it is in use. The target must not exist.
 Result<void> backup(const QString &path, const QString &target);
-/// Puts a checked copy of a backup in place. An archive that stands there is kept under ".before-restore".
+/// Puts a checked copy of a backup in place. An archive that stands there is kept under ".before-restore",
+/// with a number when that name is taken.
 Result<void> restore(const QString &backup, const QString &path);
 /// Sub-archives without a login, for the profile window: name and key, joined by the field separator.
 Result<QStringList> subArchives(const QString &path);

@@ -8,18 +8,18 @@
 namespace kelva {
 
 enum class ErrorCode {
-    BadInput,       ///< the request itself is wrong: unknown field, malformed clause, missing name
-    NotFound,       ///< no such record, file or archive
-    Refused,        ///< the session may not do this
-    Conflict,       ///< somebody else changed the record in the meantime
-    InUse,          ///< the record is still referenced
+    BadInput, ///< the request itself is wrong: unknown field, malformed clause, missing name
+    NotFound, ///< no such record, file or archive
+    Refused,  ///< the session may not do this
+    Conflict, ///< somebody else changed the record in the meantime
+    InUse,    ///< the record is still referenced
     WrongPassword,
     PasswordExpired,
-    WrongVersion,   ///< the archive file is of a newer schema
-    NotAnArchive,   ///< the file is no archive or is damaged
-    Busy,           ///< locked by another process for longer than the busy time
-    Storage,        ///< the medium failed: full, read-only, unreadable
-    NotAvailable,   ///< this build cannot do it
+    WrongVersion, ///< the archive file is of a newer schema
+    NotAnArchive, ///< the file is no archive or is damaged
+    Busy,         ///< locked by another process for longer than the busy time
+    Storage,      ///< the medium failed: full, read-only, unreadable
+    NotAvailable, ///< this build cannot do it
 };
 
 struct Error

@@ -19,6 +19,7 @@
 #include <QDebug>
 #include <QDesktopServices>
 #include <QDir>
+#include <QDockWidget>
 #include <QEventLoopLocker>
 #include <QHeaderView>
 #include <QHostInfo>
@@ -83,6 +84,11 @@ void KelvaClientMain::setupPanels()
     m_infoView->horizontalHeader()->setSectionsMovable(true);
     m_infoView->horizontalHeader()->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_infoView->verticalHeader()->hide();
+
+    // A dock that was closed comes back from here.
+    m_menuView->addSeparator();
+    for (const QDockWidget *dock : {m_dockFolder, m_dockStatus, m_dockSearch, m_dockDocuments})
+        m_menuView->addAction(dock->toggleViewAction());
 
     auto *linkMenu = new QMenu(this);
     linkMenu->addActions({action_Link_Email, action_Link_Clip});

@@ -161,8 +161,8 @@ private:
     void showDocView();
 
     // documents/kelvaclientmain_export.cpp
-    /// Exports the selected documents to a directory, or opens them. index: 0 to view, 1 to export, -1 for what
-    /// fits. Returns the files that are there now.
+    /// Exports the selected documents to a directory, or opens them. index: 0 to view, 1 to export, -1 for
+    /// what fits. Returns the files that are there now.
     QStringList doExportDocument(const QString &path, bool open, int index);
 
     // documents/kelvaclientmain_edit.cpp

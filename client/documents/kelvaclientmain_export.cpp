@@ -15,7 +15,8 @@ void KelvaClientMain::exportDocument()
     QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
     // The default is the name of the place, not its path.
     const QString start =
-        settings.value("lastArchiveDir", QStandardPaths::displayName(QStandardPaths::DocumentsLocation)).toString();
+        settings.value("lastArchiveDir", QStandardPaths::displayName(QStandardPaths::DocumentsLocation))
+            .toString();
     QFileDialogZip dialog(this, tr("Select folder"), start);
     if (dialog.exec() != QDialog::Accepted)
         return;

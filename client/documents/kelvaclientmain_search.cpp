@@ -50,8 +50,10 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
         m_SearchString->closePersistentEditor(m_SearchString->item(0, 0));
         m_SearchString->setItem(0, 0, cell);
         KelvaDelegate *delegate = searchDelegate(column);
-        delete m_SearchString->itemDelegateForColumn(0);
+        // Before the old one dies: the table would keep an entry without a delegate and paint with it.
+        QAbstractItemDelegate *old = m_SearchString->itemDelegateForColumn(0);
         m_SearchString->setItemDelegateForColumn(0, delegate);
+        delete old;
         if (qobject_cast<KelvaLineDelegate *>(delegate))
             cell->setText(text);
     }

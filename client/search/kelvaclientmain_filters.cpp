@@ -47,8 +47,9 @@ void KelvaClientMain::loadFilters()
         m_SearchCombo->setCurrentIndex(0);
         m_SearchCombo->model()->sort(0);
         m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(tr("full text")));
-        delete m_SearchString->itemDelegateForColumn(0);
+        QAbstractItemDelegate *old = m_SearchString->itemDelegateForColumn(0);
         m_SearchString->setItemDelegateForColumn(0, new KelvaLineDelegate({}, m_SearchString, 254, false));
+        delete old;
         doClearSearch(false);
     }
     connect(m_SearchCombo, SIGNAL(activated(int)), this, SLOT(searchComboChanged(int)), Qt::DirectConnection);

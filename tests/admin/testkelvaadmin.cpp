@@ -77,6 +77,8 @@ private slots:
         QCOMPARE(run({"set-password", path, "clerk"}, "other\n").code, 0);
         QVERIFY(!canLogIn(path, "clerk", "pass"));
         QVERIFY(canLogIn(path, "clerk", "other"));
+        QCOMPARE(run({"add-user", "11", "half", "--role", "nosuch"}, "pass\n").code, 1);
+        QVERIFY(!canLogIn(path, "half", "pass"));
         // What is there already is not overwritten.
         QCOMPARE(run({"create", "11", "thief"}, "mine\n").code, 1);
         QVERIFY(!canLogIn(path, "thief", "mine"));
@@ -91,6 +93,8 @@ private slots:
         QCOMPARE(run({"set-password", "12", "chief"}, "second\n").code, 0);
         QCOMPARE(run({"restore", home("12.backup"), "12"}).code, 0);
         QVERIFY(canLogIn(home("12.kelva"), "chief", "first"));
+        QCOMPARE(run({"restore", home("12.backup"), "12"}).code, 0);
+        QVERIFY(canLogIn(home("12.kelva.before-restore"), "chief", "second")); // what the first one kept
         QFile damaged(home("13.kelva"));
         QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write(QByteArray(5000, 'x')) == 5000);
         damaged.close();

@@ -52,6 +52,7 @@ private slots:
     void resettingLeavesTheWindowMaximised();
     void fullTextNeedsThreeCharacters();
     void aNewSearchColumnDropsTheOldSearch();
+    void everySearchColumnCanBeChosen();
     void aLostConnectionEndsTheLogin();
     void aReloadCannotBeStartedTwice();
 };
@@ -473,6 +474,23 @@ void TestKelvaClientMain::aNewSearchColumnDropsTheOldSearch()
     QCOMPARE(table->item(0, 0)->text(), QString());
     QCOMPARE(archive.queries.last(), QStringList({"1=1", "OPT:LIMIT;100"}));
     QVERIFY(!workplace.window->findChild<QPushButton *>("m_bClearSuchen")->isEnabled());
+}
+
+void TestKelvaClientMain::everySearchColumnCanBeChosen()
+{
+    FakeArchive::instance().addDocument("Invoice");
+    Workplace workplace;
+    QVERIFY(workplace.start());
+    auto *cell = workplace.window->findChild<QTableWidget *>("m_SearchString");
+    auto *combo = workplace.window->findChild<QComboBox *>("m_SearchCombo");
+    for (int round = 0; round < 2; ++round)
+        for (int i = 0; i < combo->count(); ++i) {
+            combo->setCurrentIndex(i);
+            emit combo->activated(i);
+            QVERIFY(!cell->grab().isNull()); // painted with the column's delegate, or without one
+            cell->item(0, 0)->setText("1");
+            QVERIFY(!cell->grab().isNull());
+        }
 }
 
 void TestKelvaClientMain::aLostConnectionEndsTheLogin()

@@ -3,7 +3,6 @@
 
 #include "clause/clauseparser.h"
 
-
 /// What is large or nested deep, and what the database makes of the SQL.
 class TestClauseLimits : public QObject
 {
