@@ -488,7 +488,7 @@ void TestKelvaClientMain::everySearchColumnCanBeChosen()
             combo->setCurrentIndex(i);
             emit combo->activated(i);
             QVERIFY(!cell->grab().isNull()); // painted with the column's delegate, or without one
-            cell->item(0, 0)->setText("1");
+            cell->item(0, 0)->setText("100");
             QVERIFY(!cell->grab().isNull());
         }
 }
