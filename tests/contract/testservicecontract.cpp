@@ -9,7 +9,10 @@
 #include "service/session.h"
 #include "service/users.h"
 
+#include <QDirIterator>
 #include <QPluginLoader>
+#include <QSignalSpy>
+#include <QTemporaryDir>
 
 #include <memory>
 
@@ -101,6 +104,12 @@ private slots:
     void countsAreNegativeOnFailure();
     void trashHidesAndGivesBack();
     void contentAnswersForDocuments();
+    void filesComeBackAsTheyWent_data();
+    void filesComeBackAsTheyWent();
+    void aNewVersionKeepsItsId();
+    void aCancelledTransferLeavesNothing();
+    void oneTransferAtATime();
+    void whatCannotBeMovedIsRefused();
 
 private:
     template<typename Interface>
@@ -138,6 +147,49 @@ private:
         return QString();
     }
 
+    /// The content client, ready for transfers.
+    void connectContent()
+    {
+        QVERIFY(m_content->connectToArchive("localhost", archiveNumber));
+        QVERIFY2(m_content->login("anna", "secret"), qPrintable(m_content->lastError()));
+        QVERIFY(m_content->selectArchive("1"));
+    }
+
+    QString writeFile(const QString &name, const QByteArray &bytes)
+    {
+        QFile file(m_directory.filePath(name));
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName()
+                                                                                    : QString();
+    }
+
+    QByteArray download(qint64 id)
+    {
+        QString path;
+        if (!m_content->downloadDocument(int(id), path, 1))
+            return "refused: " + m_content->lastError().toUtf8();
+        QFile file(path);
+        const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : "no file";
+        file.remove();
+        return bytes;
+    }
+
+    int storedDocuments()
+    {
+        int count = -1;
+        m_content->countSubArchiveDocuments(count);
+        return count;
+    }
+
+    static int temporaryFiles()
+    {
+        int count = 0;
+        for (QDirIterator files(QDir::tempPath(), QDir::Files, QDirIterator::Subdirectories); files.hasNext();
+             files.next())
+            ++count;
+        return count;
+    }
+
+    QTemporaryDir m_directory;
     std::unique_ptr<ClassifyInterface> m_client;
     std::unique_ptr<kelvaArchiveClientInterface> m_content;
 };
@@ -274,6 +326,112 @@ void TestServiceContract::contentAnswersForDocuments()
     m_content->disconnectFromArchive();
     QVERIFY(m_content->connectToArchive("localhost", archiveNumber));
     QVERIFY(m_content->login("anna", "secret"));
+}
+
+void TestServiceContract::filesComeBackAsTheyWent_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("an empty file") << 0;
+    QTest::newRow("one byte") << 1;
+    QTest::newRow("a piece and a byte") << 256 * 1024 + 1;
+    QTest::newRow("several pieces") << 3000000;
+}
+
+void TestServiceContract::filesComeBackAsTheyWent()
+{
+    QFETCH(int, size);
+    connectContent();
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (int i = 0; i < size; ++i)
+        bytes[i] = char(i * 7 + i / 251);
+    const int before = storedDocuments();
+    QSignalSpy total(m_content.get(), SIGNAL(totalFileSize(QString)));
+    QSignalSpy current(m_content.get(), SIGNAL(currentReadSize(QString)));
+    QSignalSpy sent(m_content.get(), SIGNAL(saveDocEnd()));
+    QVERIFY2(m_content->uploadDocument(" ", writeFile("a b.dat", bytes), true),
+             qPrintable(m_content->lastError()));
+    QCOMPARE(total.first().first().toString(), QString::number(size));
+    QCOMPARE(current.last().first().toString(), QString::number(size));
+    QCOMPARE(sent.count(), 1);
+    const qint64 id = m_content->getLastDocId();
+    QCOMPARE(storedDocuments(), before + 1);
+    QCOMPARE(m_content->getDocumentInfo({QString::number(id)})
+                 .value(0)
+                 .split(recordformat::listSeparator)
+                 .value(1),
+             QString("a b.dat"));
+    QCOMPARE(download(id), bytes);
+    QCOMPARE(total.last().first().toString(), QString::number(size));
+    QCOMPARE(sent.count(), 1);
+}
+
+void TestServiceContract::aNewVersionKeepsItsId()
+{
+    connectContent();
+    QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", "one"), true));
+    const qint64 id = m_content->getLastDocId();
+    QVERIFY(m_content->uploadDocument("1", writeFile("a.txt", "two"), false));
+    QCOMPARE(m_content->getLastDocId(), id);
+    QCOMPARE(download(id), QByteArray("two"));
+    QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", "three"), true));
+    QVERIFY(m_content->getLastDocId() != id);
+    QCOMPARE(download(id), QByteArray("two"));
+    // Of a name that is new, the first version.
+    QVERIFY(m_content->uploadDocument(" ", writeFile("b.txt", "four"), false));
+    QCOMPARE(download(m_content->getLastDocId()), QByteArray("four"));
+}
+
+void TestServiceContract::aCancelledTransferLeavesNothing()
+{
+    connectContent();
+    const QByteArray bytes(2000000, 'x');
+    QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", bytes), true));
+    const qint64 id = m_content->getLastDocId();
+    const int before = storedDocuments();
+    const QString path = writeFile("a.txt", QByteArray(2000000, 'y'));
+    const int files = temporaryFiles();
+    const auto cancelling = connect(m_content.get(), &kelvaArchiveClientInterface::currentReadSize, this,
+                                    [this] { m_content->cancelStreaming(); });
+    for (const bool newDocument : {true, false}) {
+        QVERIFY(!m_content->uploadDocument(" ", path, newDocument));
+        QVERIFY(!m_content->lastError().isEmpty());
+        QCOMPARE(storedDocuments(), before);
+    }
+    QString target("left from before");
+    QVERIFY(!m_content->downloadDocument(int(id), target, 1));
+    QCOMPARE(target, QString());
+    QCOMPARE(temporaryFiles(), files);
+    disconnect(cancelling);
+    QCOMPARE(download(id), bytes);
+    QVERIFY(m_content->uploadDocument(" ", path, false));
+    QCOMPARE(m_content->getLastDocId(), id);
+}
+
+void TestServiceContract::oneTransferAtATime()
+{
+    connectContent();
+    QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", "one"), true));
+    const qint64 id = m_content->getLastDocId();
+    QByteArray within;
+    connect(m_content.get(), &kelvaArchiveClientInterface::currentReadSize, this,
+            [this, id, &within] { within = download(id); });
+    QVERIFY(m_content->uploadDocument(" ", writeFile("b.txt", "two"), true));
+    QVERIFY(within.startsWith("refused: ") && within.size() > 10);
+    m_content->disconnect(this);
+    QCOMPARE(download(m_content->getLastDocId()), QByteArray("two"));
+}
+
+void TestServiceContract::whatCannotBeMovedIsRefused()
+{
+    connectContent();
+    QString path;
+    QVERIFY(!m_content->downloadDocument(99999, path, 1));
+    QVERIFY(!m_content->lastError().isEmpty());
+    QVERIFY(!m_content->uploadDocument(" ", m_directory.filePath("gone"), true));
+    QVERIFY(!m_content->lastError().isEmpty());
+    QVERIFY(!m_content->uploadDocument(" ", m_directory.path(), true));
+    QVERIFY(!m_content->lastError().isEmpty());
+    QVERIFY(!m_content->uploadDocument("77", writeFile("a.txt", "x"), true));
 }
 
 KELVA_TEST(TestServiceContract)

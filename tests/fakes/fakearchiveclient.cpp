@@ -16,6 +16,14 @@ FakeArchive &archive()
     return FakeArchive::instance();
 }
 
+bool knowsArchive(const QString &key)
+{
+    for (const QString &entry : qAsConst(archive().subArchives))
+        if (entry.section(recordformat::fieldSeparator, 1, 1) == key)
+            return true;
+    return false;
+}
+
 } // namespace
 
 bool FakeArchiveClient::unsupported()
@@ -44,7 +52,7 @@ bool FakeArchiveClient::transfer(qint64 bytes)
     return !m_cancelled || refuse("The transfer was cancelled.");
 }
 
-bool FakeArchiveClient::uploadDocument(QString, QString localFile, bool newDocument)
+bool FakeArchiveClient::uploadDocument(QString archiveKey, QString localFile, bool newDocument)
 {
     if (m_transferring)
         return refuse("A transfer is running.");
@@ -53,6 +61,8 @@ bool FakeArchiveClient::uploadDocument(QString, QString localFile, bool newDocum
     const QString name = QFileInfo(localFile).fileName();
     if (!archive().begin("uploadDocument", name + (newDocument ? " new" : " version")))
         return false;
+    if (!archiveKey.trimmed().isEmpty() && !knowsArchive(archiveKey))
+        return refuse("There is no such archive.");
     if (!file.open(QIODevice::ReadOnly))
         return refuse("The file cannot be read.");
     if (!transfer(file.size()))
@@ -127,11 +137,7 @@ bool FakeArchiveClient::selectArchive(QString archiveKey)
 {
     if (!archive().begin("selectArchive", archiveKey))
         return false;
-    for (const QString &entry : qAsConst(archive().subArchives))
-        if (entry.section(recordformat::fieldSeparator, 1, 1) == archiveKey)
-            return true;
-    archive().lastError = "There is no such archive.";
-    return false;
+    return knowsArchive(archiveKey) || refuse("There is no such archive.");
 }
 
 QStringList FakeArchiveClient::searchDocuments(QString query)
