@@ -21,7 +21,6 @@ KelvaDelegate *KelvaViewDelegate::clone(QWidget *parent) const
 {
     auto *copy = new KelvaViewDelegate(m_tree, parent);
     copy->setDelegateColumn(delegateColumn);
-    copy->setSearchText(m_searchText);
     return copy;
 }
 

@@ -24,13 +24,10 @@ public:
     KelvaDocTree *getTree() const;
     /// Oid of the first folder of this name, in the text order of oids; empty when there is none.
     QString getValue(const QString &name) const;
-    /// What the next dialog looks for when it opens.
-    void setSearchText(const QString &text) { m_searchText = text; }
 
 private slots:
     void emitCloseEditor(int result);
 
 private:
     QPointer<KelvaDocTree> m_tree;
-    QString m_searchText;
 };

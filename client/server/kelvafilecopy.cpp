@@ -30,7 +30,6 @@ void KelvaFileCopy::setText(const QString &text)
 {
     m_ui->m_Text->setText(
         m_ui->m_Text->fontMetrics().elidedText(text, Qt::ElideMiddle, m_ui->m_Text->width()));
-    m_ui->m_Text->setToolTip(text.toHtmlEscaped());
 }
 
 void KelvaFileCopy::setTotal(int files)
