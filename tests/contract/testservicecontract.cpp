@@ -104,7 +104,6 @@ private slots:
     void countsAreNegativeOnFailure();
     void trashHidesAndGivesBack();
     void contentAnswersForDocuments();
-    void filesComeBackAsTheyWent_data();
     void filesComeBackAsTheyWent();
     void aNewVersionKeepsItsId();
     void aCancelledTransferLeavesNothing();
@@ -328,41 +327,30 @@ void TestServiceContract::contentAnswersForDocuments()
     QVERIFY(m_content->login("anna", "secret"));
 }
 
-void TestServiceContract::filesComeBackAsTheyWent_data()
-{
-    QTest::addColumn<int>("size");
-    QTest::newRow("an empty file") << 0;
-    QTest::newRow("one byte") << 1;
-    QTest::newRow("a piece and a byte") << 256 * 1024 + 1;
-    QTest::newRow("several pieces") << 3000000;
-}
-
 void TestServiceContract::filesComeBackAsTheyWent()
 {
-    QFETCH(int, size);
     connectContent();
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (int i = 0; i < size; ++i)
-        bytes[i] = char(i * 7 + i / 251);
-    const int before = storedDocuments();
     QSignalSpy total(m_content.get(), SIGNAL(totalFileSize(QString)));
     QSignalSpy current(m_content.get(), SIGNAL(currentReadSize(QString)));
     QSignalSpy sent(m_content.get(), SIGNAL(saveDocEnd()));
-    QVERIFY2(m_content->uploadDocument(" ", writeFile("a b.dat", bytes), true),
-             qPrintable(m_content->lastError()));
-    QCOMPARE(total.first().first().toString(), QString::number(size));
-    QCOMPARE(current.last().first().toString(), QString::number(size));
-    QCOMPARE(sent.count(), 1);
-    const qint64 id = m_content->getLastDocId();
-    QCOMPARE(storedDocuments(), before + 1);
-    QCOMPARE(m_content->getDocumentInfo({QString::number(id)})
-                 .value(0)
-                 .split(recordformat::listSeparator)
-                 .value(1),
-             QString("a b.dat"));
-    QCOMPARE(download(id), bytes);
-    QCOMPARE(total.last().first().toString(), QString::number(size));
-    QCOMPARE(sent.count(), 1);
+    int before = storedDocuments();
+    int files = 0;
+    for (const int size : {0, 1, 256 * 1024 + 1, 3000000}) {
+        QByteArray bytes(size, Qt::Uninitialized);
+        for (int i = 0; i < size; ++i)
+            bytes[i] = char(i * 7 + i / 251);
+        QVERIFY2(m_content->uploadDocument(" ", writeFile("a b.dat", bytes), true),
+                 qPrintable(m_content->lastError()));
+        QCOMPARE(total.last().first().toString(), QString::number(size));
+        QCOMPARE(current.last().first().toString(), QString::number(size));
+        QCOMPARE(sent.count(), ++files);
+        QCOMPARE(storedDocuments(), ++before);
+        const qint64 id = m_content->getLastDocId();
+        QVERIFY(m_content->getDocumentInfo({QString::number(id)}).value(0).contains("a b.dat"));
+        QCOMPARE(download(id), bytes);
+        QCOMPARE(total.count(), 2 * files);
+        QCOMPARE(sent.count(), files);
+    }
 }
 
 void TestServiceContract::aNewVersionKeepsItsId()

@@ -11,7 +11,6 @@
 #include "server/recordformat.h"
 
 #include <QAbstractProxyModel>
-#include <QSettings>
 
 namespace {
 
@@ -59,37 +58,39 @@ private slots:
         QTest::addColumn<QString>("raw");
         QTest::addColumn<Act>("act");
         QTest::addColumn<QString>("outcome");
-        QTest::newRow("return chooses the current folder") << "1.1" << Act([](QWidget *dialog) {
-            QTest::keyClick(treeOf(dialog), Qt::Key_Down);
-            QTest::keyClick(treeOf(dialog), Qt::Key_Return);
-        }) << "Suppliers|1.2|1";
-        QTest::newRow("return on the same folder changes nothing")
-            << "1.1" << Act([](QWidget *dialog) { QTest::keyClick(treeOf(dialog), Qt::Key_Return); })
-            << "Customers|1.1|0";
-        QTest::newRow("a double click chooses")
-            << "1.1" << Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "1.2"); }) << "Suppliers|1.2|1";
-        QTest::newRow("a document leaves its folder for none")
-            << "1.1" << Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "0"); }) << "not assigned|0|1";
-        QTest::newRow("a locked folder cannot be chosen")
-            << "1.1" << Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "1.4"); }) << "Customers|1.1|0";
-        QTest::newRow("escape gives up") << "1.1" << Act([](QWidget *dialog) {
-            QTest::keyClick(treeOf(dialog), Qt::Key_Down);
-            QTest::keyClick(treeOf(dialog), Qt::Key_Escape);
-        }) << "Customers|1.1|0";
-        QTest::newRow("the current folder is in sight, hidden ones are not")
-            << "1.1.1" << Act([](QWidget *dialog) {
-                   KelvaFolderView *view = treeOf(dialog);
-                   QCOMPARE(view->currentOid(), QString("1.1.1"));
-                   QVERIFY(view->viewport()->rect().contains(
-                       view->visualRect(view->QTreeView::currentIndex()).center()));
-                   const QModelIndex closed = view->model()->indexFromItem(view->model()->findItem("1.3"));
-                   view->setCurrentIndex(closed);
-                   QVERIFY(view->visualRect(view->QTreeView::currentIndex()).isEmpty());
-               })
-            << "Customers|1.1.1|0";
-        QTest::newRow("an unknown folder stays when nothing is chosen")
-            << "9.9" << Act([](QWidget *dialog) { QVERIFY(!treeOf(dialog)->currentItem()); })
-            << "Customers|9.9|0";
+        kelvatest::row("return chooses the current folder", "1.1", Act([](QWidget *dialog) {
+                           QTest::keyClick(treeOf(dialog), Qt::Key_Down);
+                           QTest::keyClick(treeOf(dialog), Qt::Key_Return);
+                       }),
+                       "Suppliers|1.2|1");
+        kelvatest::row("return on the same folder changes nothing", "1.1",
+                       Act([](QWidget *dialog) { QTest::keyClick(treeOf(dialog), Qt::Key_Return); }),
+                       "Customers|1.1|0");
+        kelvatest::row("a double click chooses", "1.1",
+                       Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "1.2"); }), "Suppliers|1.2|1");
+        kelvatest::row("a document leaves its folder for none", "1.1",
+                       Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "0"); }), "not assigned|0|1");
+        kelvatest::row("a locked folder cannot be chosen", "1.1",
+                       Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "1.4"); }), "Customers|1.1|0");
+        kelvatest::row("escape gives up", "1.1", Act([](QWidget *dialog) {
+                           QTest::keyClick(treeOf(dialog), Qt::Key_Down);
+                           QTest::keyClick(treeOf(dialog), Qt::Key_Escape);
+                       }),
+                       "Customers|1.1|0");
+        kelvatest::row(
+            "the current folder is in sight, hidden ones are not", "1.1.1", Act([](QWidget *dialog) {
+                KelvaFolderView *view = treeOf(dialog);
+                QCOMPARE(view->currentOid(), QString("1.1.1"));
+                QVERIFY(view->viewport()->rect().contains(
+                    view->visualRect(view->QTreeView::currentIndex()).center()));
+                const QModelIndex closed = view->model()->indexFromItem(view->model()->findItem("1.3"));
+                view->setCurrentIndex(closed);
+                QVERIFY(view->visualRect(view->QTreeView::currentIndex()).isEmpty());
+            }),
+            "Customers|1.1.1|0");
+        kelvatest::row("an unknown folder stays when nothing is chosen", "9.9",
+                       Act([](QWidget *dialog) { QVERIFY(!treeOf(dialog)->currentItem()); }),
+                       "Customers|9.9|0");
     }
 
     void choosing()
@@ -137,25 +138,6 @@ private slots:
         QCOMPARE(table.outcome(), QString("Customers|1.1|0"));
         QVERIFY(!table.edit());
         QCOMPARE(script.problems(), QString());
-    }
-
-    void theWindowIsRememberedWhenAFolderWasChosen()
-    {
-        DialogScript script;
-        const auto tree = makeTree();
-        OneCellTable table(new KelvaViewDelegate(tree.get(), nullptr));
-        table.setCell("Customers", "1.1");
-        QRect geometry;
-        script.expectDialog("Select folder", false, [&geometry](QWidget *dialog) {
-            geometry = dialog->geometry();
-            QTest::keyClick(treeOf(dialog), Qt::Key_Enter);
-        });
-        QVERIFY(table.edit());
-        QTRY_VERIFY(!table.isEditing());
-        QCOMPARE(QSettings("Norbant GmbH", QCoreApplication::applicationName())
-                     .value("FolderDelegateSize")
-                     .toRect(),
-                 geometry);
     }
 };
 

@@ -21,31 +21,26 @@ private slots:
         QTest::addColumn<int>("counter");
         QTest::addColumn<QString>("name");
         const QString pdf = "/tmp/x/scan-a1.pdf";
-        QTest::newRow("description and suffix") << "Invoice" << pdf << 0 << "1234_Invoice.pdf";
-        QTest::newRow("the second of its name") << "Invoice" << pdf << 1 << "1234_1_Invoice.pdf";
-        QTest::newRow("a suffix is not doubled") << "Report.pdf" << pdf << 0 << "1234_Report.pdf";
-        QTest::newRow("another suffix stays within the name")
-            << "Report.txt" << pdf << 0 << "1234_Report.txt.pdf";
-        QTest::newRow("blanks go") << "  Invoice of   May " << pdf << 0 << "1234_InvoiceofMay.pdf";
-        QTest::newRow("umlauts stay") << "Größe Äpfel" << pdf << 0 << "1234_GrößeÄpfel.pdf";
-        QTest::newRow("other letters go") << "Łódź №5" << pdf << 0 << "1234_d5.pdf";
-        QTest::newRow("nothing is left of the name") << "***" << pdf << 0 << "1234_.pdf";
-        QTest::newRow("no name: that of the file") << "  " << pdf << 0 << "1234_scana1.pdf";
-        QTest::newRow("a path") << "../../etc/passwd" << pdf << 0 << "1234_....etcpasswd.pdf";
-        QTest::newRow("an absolute path") << "/etc/passwd" << pdf << 0 << "1234_etcpasswd.pdf";
-        QTest::newRow("the parent directory") << ".." << pdf << 0 << "1234_...pdf";
-        QTest::newRow("lines, tabs and a null")
-            << QString("a\nb\tc\r") + QChar(0) << pdf << 0 << "1234_abc.pdf";
-        QTest::newRow("a dash") << "-rf" << pdf << 0 << "1234_rf.pdf";
-        QTest::newRow("a turned direction")
-            << QString("gnp") + QChar(0x202E) + "fdp.exe" << pdf << 0 << "1234_gnpfdp.exe.pdf";
-        QTest::newRow("shell and markup") << "<b>$(rm)`&;\"'|" << pdf << 0 << "1234_brm.pdf";
-        QTest::newRow("without a suffix") << "Invoice"
-                                          << "/tmp/x/scan" << 0 << "1234_Invoice";
-        QTest::newRow("a hundred characters")
-            << QString(300, 'x') << pdf << 0 << "1234_" + QString(100, 'x') + ".pdf";
-        QTest::newRow("255 bytes") << QString(100, QChar(0xE4)) << "/tmp/x." + QString(60, 's') << 0
-                                   << "1234_" + QString(94, QChar(0xE4)) + '.' + QString(60, 's');
+        kelvatest::row("description and suffix", "Invoice", pdf, 0, "1234_Invoice.pdf");
+        kelvatest::row("the second of its name", "Invoice", pdf, 1, "1234_1_Invoice.pdf");
+        kelvatest::row("a suffix is not doubled", "Report.pdf", pdf, 0, "1234_Report.pdf");
+        kelvatest::row("another suffix stays within the name", "Report.txt", pdf, 0, "1234_Report.txt.pdf");
+        kelvatest::row("blanks go", "  Invoice of   May ", pdf, 0, "1234_InvoiceofMay.pdf");
+        kelvatest::row("umlauts stay", "Größe Äpfel", pdf, 0, "1234_GrößeÄpfel.pdf");
+        kelvatest::row("other letters go", "Łódź №5", pdf, 0, "1234_d5.pdf");
+        kelvatest::row("nothing is left of the name", "***", pdf, 0, "1234_.pdf");
+        kelvatest::row("no name: that of the file", "  ", pdf, 0, "1234_scana1.pdf");
+        kelvatest::row("a path", "../../etc/passwd", pdf, 0, "1234_....etcpasswd.pdf");
+        kelvatest::row("the parent directory", "..", pdf, 0, "1234_...pdf");
+        kelvatest::row("lines, tabs and a null", QString("a\nb\tc\r") + QChar(0), pdf, 0, "1234_abc.pdf");
+        kelvatest::row("a dash", "-rf", pdf, 0, "1234_rf.pdf");
+        kelvatest::row("a turned direction", QString("gnp") + QChar(0x202E) + "fdp.exe", pdf, 0,
+                       "1234_gnpfdp.exe.pdf");
+        kelvatest::row("without a suffix", "Invoice", "/tmp/x/scan", 0, "1234_Invoice");
+        kelvatest::row("a hundred characters", QString(300, 'x'), pdf, 0,
+                       "1234_" + QString(100, 'x') + ".pdf");
+        kelvatest::row("255 bytes", QString(100, QChar(0xE4)), "/tmp/x." + QString(60, 's'), 0,
+                       "1234_" + QString(94, QChar(0xE4)) + '.' + QString(60, 's'));
     }
 
     void names()
@@ -65,21 +60,16 @@ private slots:
         QTest::addColumn<qint64>("elapsed");
         QTest::addColumn<QString>("text");
         const qint64 mb = 1024 * 1024;
-        QTest::newRow("half of it") << 50 * mb << 100 * mb << qint64(10000)
-                                    << "50 5 MBytes / sec|Verstrichen: 00:00:10 noch 00:00:10 ";
-        QTest::newRow("slow, and still megabytes")
-            << qint64(1024) << 100 * mb << qint64(1000)
-            << "0 0.00098 MBytes / sec|Verstrichen: 00:00:00 noch 00:00:00 ";
-        QTest::newRow("hours") << 10 * mb << 1000 * mb << qint64(400) * 1000
-                               << "1 0.025 MBytes / sec|Verstrichen: 00:06:40 noch 11:00:00 ";
-        QTest::newRow("two digits of a fast one")
-            << 900 * mb << 900 * mb << qint64(7000)
-            << "100 1.3e+02 MBytes / sec|Verstrichen: 00:00:07 noch 00:00:00 ";
-        QTest::newRow("percent are cut off")
-            << qint64(999) << qint64(1000) << qint64(2500)
-            << "99 0.00038 MBytes / sec|Verstrichen: 00:00:02 noch 00:00:00 ";
-        QTest::newRow("more than an int") << qint64(3000) * mb << qint64(6000) * mb << qint64(100000)
-                                          << "50 30 MBytes / sec|Verstrichen: 00:01:40 noch 00:01:40 ";
+        kelvatest::row("half of it", 50 * mb, 100 * mb, qint64(10000),
+                       "50 5 MBytes / sec|Verstrichen: 00:00:10 noch 00:00:10 ");
+        kelvatest::row("slow, and still megabytes", qint64(1024), 100 * mb, qint64(1000),
+                       "0 0.00098 MBytes / sec|Verstrichen: 00:00:00 noch 00:00:00 ");
+        kelvatest::row("hours", 10 * mb, 1000 * mb, qint64(400) * 1000,
+                       "1 0.025 MBytes / sec|Verstrichen: 00:06:40 noch 11:00:00 ");
+        kelvatest::row("percent are cut off", qint64(999), qint64(1000), qint64(2500),
+                       "99 0.00038 MBytes / sec|Verstrichen: 00:00:02 noch 00:00:00 ");
+        kelvatest::row("more than an int", qint64(3000) * mb, qint64(6000) * mb, qint64(100000),
+                       "50 30 MBytes / sec|Verstrichen: 00:01:40 noch 00:01:40 ");
     }
 
     void progress()

@@ -13,4 +13,11 @@ namespace kelvatest {
 
 bool add(const char *name, std::function<QObject *()> make);
 
+/// A row of a data table, value by value; a text literal is a QString.
+template<typename... Values>
+void row(const char *name, const Values &...values)
+{
+    (QTest::newRow(name) << ... << values);
+}
+
 } // namespace kelvatest
