@@ -191,6 +191,7 @@ private:
     void setSearchActive(bool active);
     void searchFullText(const QString &words);
     KelvaDelegate *searchDelegate(const QString &column) const;
+    void presetChoice(QTableWidgetItem *cell, const KelvaDelegate *delegate);
 
     // folders/kelvaclientmain_folders.cpp
     bool initFolders();

@@ -2,12 +2,16 @@
 
 #include "app/waitcursor.h"
 #include "documents/itemroles.h"
+#include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
+#include "documents/kelvasimplecombodelegate.h"
 #include "documents/onelinesearch.h"
+#include "folders/kelvaviewdelegate.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
+#include "server/recordformat.h"
 
 #include <QLocale>
 #include <QMessageBox>
@@ -27,6 +31,8 @@ OneLineSearch::Editor editorOf(const QAbstractItemDelegate *delegate)
         return line->getIsNumeric() ? OneLineSearch::Editor::NumericLine : OneLineSearch::Editor::Line;
     if (qobject_cast<const KelvaCheckBoxDelegate *>(delegate))
         return OneLineSearch::Editor::CheckBox;
+    if (qobject_cast<const KelvaCalendarDelegate *>(delegate))
+        return OneLineSearch::Editor::Calendar;
     return OneLineSearch::Editor::Other;
 }
 
@@ -56,8 +62,12 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
         delete old;
         if (qobject_cast<KelvaLineDelegate *>(delegate))
             cell->setText(text);
+        else
+            presetChoice(cell, delegate);
     }
-    if (cell->text().isEmpty()) {
+    const bool active = m_bClearSuchen->isEnabled();
+    const bool putBack = !text.isEmpty() && cell->text() == text;
+    if (active ? cell->text().isEmpty() : !putBack) {
         doClearSearch(true);
     } else {
         m_searchWhere = QStringLiteral("1=1");
@@ -65,8 +75,28 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
         m_fullTextOption.clear();
         doSearch(false);
     }
-    if (focus)
-        m_SearchString->setFocus(Qt::OtherFocusReason);
+    if (!focus)
+        return;
+    m_SearchString->setFocus(Qt::OtherFocusReason);
+    const QAbstractItemDelegate *delegate = m_SearchString->itemDelegateForColumn(0);
+    if (qobject_cast<const KelvaCalendarDelegate *>(delegate) ||
+        qobject_cast<const KelvaViewDelegate *>(delegate))
+        m_SearchString->editItem(cell);
+}
+
+/// A list of choices stands open in the search cell, on its first entry.
+void KelvaClientMain::presetChoice(QTableWidgetItem *cell, const KelvaDelegate *delegate)
+{
+    if (const auto *combo = qobject_cast<const KelvaComboDelegate *>(delegate)) {
+        if (combo->getValues().isEmpty())
+            return;
+        const QString key = combo->getValues().first().section(recordformat::fieldSeparator, 0, 0);
+        cell->setText(combo->getData(key));
+        cell->setData(itemrole::rawValue, key);
+    } else if (!qobject_cast<const KelvaSimpleComboDelegate *>(delegate)) {
+        return;
+    }
+    m_SearchString->openPersistentEditor(cell);
 }
 
 /// A delegate for the search cell: words for the full text, otherwise a clone of the column's, or null.
@@ -77,6 +107,11 @@ KelvaDelegate *KelvaClientMain::searchDelegate(const QString &column) const
         delegate = new KelvaLineDelegate({}, m_SearchString, 254, false);
     else if (const KelvaDelegate *source = getDelegateForColumn(getColumnIndex(column)))
         delegate = source->clone(m_SearchString);
+    // In the search bar the list opens when the user wants it to.
+    if (auto *combo = qobject_cast<KelvaComboDelegate *>(delegate))
+        combo->setShowPopup(false);
+    if (auto *combo = qobject_cast<KelvaSimpleComboDelegate *>(delegate))
+        combo->setShowPopup(false);
     if (delegate)
         delegate->setDelegateColumn(0);
     return delegate;

@@ -28,7 +28,6 @@
 namespace {
 
 constexpr int longestText = 254;
-const char numericMark[] = "type:Numeric";
 
 } // namespace
 
@@ -150,7 +149,8 @@ void KelvaClientMain::makeLineDelegates(const QMap<int, QString> &columns)
     }
     for (auto line = columns.cbegin(); line != columns.cend(); ++line) {
         QStringList values = line.value().split(recordformat::listSeparator, Qt::KeepEmptyParts);
-        const bool numeric = values.removeAll(numericMark) > 0; // a mark, and no value to offer
+        const bool numeric =
+            values.removeAll(KelvaLineDelegate::numericMark) > 0; // a mark, and no value to offer
         KelvaLineDelegate *&delegate = m_lineDelegates[line.key()];
         if (delegate) {
             delegate->setCompletor(values); // numeric or not stays as it was when the column came

@@ -11,6 +11,7 @@
 #include "server/recordformat.h"
 
 #include <QAbstractProxyModel>
+#include <QSignalSpy>
 
 namespace {
 
@@ -74,7 +75,9 @@ private slots:
                        Act([](QWidget *dialog) { doubleClick(treeOf(dialog), "1.4"); }), "Customers|1.1|0");
         kelvatest::row("escape gives up", "1.1", Act([](QWidget *dialog) {
                            QTest::keyClick(treeOf(dialog), Qt::Key_Down);
+                           QSignalSpy finished(dialog, SIGNAL(finished(int)));
                            QTest::keyClick(treeOf(dialog), Qt::Key_Escape);
+                           QCOMPARE(finished.count(), 1);
                        }),
                        "Customers|1.1|0");
         kelvatest::row(
