@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 
+#include <cerrno>
+#include <csignal>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,25 +22,71 @@ bool isOurs(const QString &directory)
            info.st_uid == ::getuid() && (info.st_mode & 0077) == 0;
 }
 
+bool isRunning(qint64 pid)
+{
+    return ::kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH;
+}
+
+/// The copies of this process, in a directory named after it within the user's. They go when it ends; what a
+/// killed process has left goes when the next one begins.
+class ProcessDirectory
+{
+public:
+    ProcessDirectory()
+    {
+        const QString parent =
+            QStringLiteral("%1/kelva-files-%2").arg(QDir::tempPath()).arg(::getuid(), 0, 16);
+        ::mkdir(QFile::encodeName(parent).constData(), 0700);
+        if (isOurs(parent)) {
+            removeLeftovers(parent);
+            m_path = QStringLiteral("%1/%2").arg(parent).arg(::getpid());
+            ::mkdir(QFile::encodeName(m_path).constData(), 0700);
+        }
+        if (!m_path.isEmpty() && isOurs(m_path))
+            return;
+        QTemporaryDir fresh(QDir::tempPath() + QStringLiteral("/kelva-files-XXXXXX"));
+        fresh.setAutoRemove(false);
+        m_path = fresh.isValid() ? fresh.path() : QString();
+    }
+    ~ProcessDirectory()
+    {
+        if (!m_path.isEmpty())
+            QDir(m_path).removeRecursively();
+    }
+    Q_DISABLE_COPY(ProcessDirectory)
+
+    const QString &path() const { return m_path; }
+
+private:
+    static void removeLeftovers(const QString &parent)
+    {
+        const QStringList names = QDir(parent).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        for (const QString &name : names) {
+            bool isPid = false;
+            const qint64 pid = name.toLongLong(&isPid);
+            if (isPid && pid > 0 && !isRunning(pid))
+                QDir(parent + QLatin1Char('/') + name).removeRecursively();
+        }
+    }
+
+    QString m_path;
+};
+
 QString privateDirectory()
 {
-    const QString directory =
-        QStringLiteral("%1/kelva-files-%2").arg(QDir::tempPath()).arg(::getuid(), 0, 16);
-    ::mkdir(QFile::encodeName(directory).constData(), 0700);
-    if (isOurs(directory))
-        return directory;
-    QTemporaryDir fresh(QDir::tempPath() + QStringLiteral("/kelva-files-XXXXXX"));
-    fresh.setAutoRemove(false);
-    return fresh.isValid() ? fresh.path() : QString();
+    static const ProcessDirectory directory;
+    return directory.path();
 }
 
 QString plainPart(QString text)
 {
-    constexpr int longest = 60;
+    constexpr int longest = 100;
     for (QChar &c : text)
         if (!c.isLetterOrNumber() && c != QLatin1Char('-'))
             c = QLatin1Char('_');
-    text.truncate(longest);
+    // In bytes: a name may hold 255 of them, and a letter up to four.
+    while (text.toUtf8().size() > longest)
+        text.chop(1);
     return text;
 }
 

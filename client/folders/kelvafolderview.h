@@ -48,6 +48,8 @@ public:
     /// and is told what the view hides.
     bool isIndexHidden(const QModelIndex &index) const override;
     void showAllColumns();
+    /// What was last searched for.
+    QString searchText() const { return m_searchText; }
     /// Goes to the folder as if the user had chosen it.
     void moveToFolder(const QString &oid);
     /// Whether the user chose a folder since the last show().

@@ -21,6 +21,7 @@ KelvaDelegate *KelvaViewDelegate::clone(QWidget *parent) const
 {
     auto *copy = new KelvaViewDelegate(m_tree, parent);
     copy->setDelegateColumn(delegateColumn);
+    copy->setSearchText(m_searchText);
     return copy;
 }
 
@@ -67,6 +68,8 @@ void KelvaViewDelegate::setEditorData(QWidget *editor, const QModelIndex &index)
     }
     // The header comes first: restoring it folds the tree, and a folder must be in sight to be found.
     dialog->updateHeader();
+    if (!m_searchText.isEmpty())
+        dialog->getView()->showSearchDlg(m_searchText);
     const QString oid = index.data(itemrole::rawValue).toString();
     const KelvaDocItem *folder = m_tree ? m_tree->findItem(oid) : nullptr;
     if (folder && folder->getFlags().testFlag(Qt::ItemIsSelectable))
@@ -96,6 +99,9 @@ void KelvaViewDelegate::emitCloseEditor(int result)
         qDebug() << "UNABLE TO CAST";
         return;
     }
+    dialog->getView()->hideSearchDlg();
+    m_searchText = dialog->getView()->searchText();
+    dialog->blockSignals(false);
     if (result == QDialog::Accepted) {
         qDebug() << "SUBMIT MODEL CACHE";
         emit commitData(dialog);

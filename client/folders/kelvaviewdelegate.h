@@ -20,6 +20,8 @@ public:
     void setEditorData(QWidget *editor, const QModelIndex &index) const override;
     void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
 
+    /// The dialog opens with a search for this; it keeps what was last searched for.
+    void setSearchText(const QString &text) { m_searchText = text; }
     /// Null once the tree is gone.
     KelvaDocTree *getTree() const;
     /// Oid of the first folder of this name, in the text order of oids; empty when there is none.
@@ -30,4 +32,5 @@ private slots:
 
 private:
     QPointer<KelvaDocTree> m_tree;
+    QString m_searchText;
 };
