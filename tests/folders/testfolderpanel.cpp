@@ -1,0 +1,173 @@
+#include "support/dialogscript.h"
+#include "support/kelvatest.h"
+
+#include "folders/folderlink.h"
+#include "folders/foldersearchtext.h"
+#include "folders/kelvadocitem.h"
+#include "folders/kelvadoctree.h"
+#include "folders/kelvafolderview.h"
+#include "folders/kelvanewfolder.h"
+#include "folders/kelvasearchdlg.h"
+#include "server/recordformat.h"
+
+#include <QAbstractItemModelTester>
+#include <QClipboard>
+#include <QHostInfo>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QVBoxLayout>
+
+namespace {
+
+QString record(const QStringList &fields)
+{
+    return fields.join(recordformat::fieldSeparator);
+}
+
+/// The panel in a window, with folders whose order on screen is not that of their oids.
+struct Panel
+{
+    Panel() : tree("Folders", true, QString(), QString(), nullptr)
+    {
+        tree.loadFromStringList({record({"1", "Zebra", "0", "K1", "", "", "", "", "inv 2013"}),
+                                 record({"1.1", "Inventory (old)", "0", "K2", "", "", "", "", "2014"}),
+                                 record({"1.2", "Invoices", "I", "K3", "", "", "", "", "2014"}),
+                                 record({"2", "Ant", "0", "INV-4", "", "", "", "", "year 2014"})},
+                                {}, false);
+        auto *layout = new QVBoxLayout(&window);
+        view = new KelvaFolderView(&window);
+        layout->addWidget(view);
+        view->setModel(&tree);
+        view->setCurrentIndex(tree.index(0, 0));
+        window.show();
+        bar = window.findChild<KelvaSearchDlg *>();
+        input = bar->findChild<QLineEdit *>();
+    }
+
+    KelvaDocTree tree;
+    QWidget window;
+    KelvaFolderView *view;
+    KelvaSearchDlg *bar;
+    QLineEdit *input;
+};
+
+} // namespace
+
+class TestFolderPanel : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyWordMustOccurSomewhere()
+    {
+        Panel panel;
+        const auto found = [&panel](const QString &text, bool hidden) {
+            QStringList oids;
+            int position = 0;
+            while (const KelvaDocItem *node = panel.tree.searchItem(text, position, hidden))
+                oids << node->getOid();
+            return oids.join(' ');
+        };
+        QCOMPARE(found("inv 2014", false), QString("1.1 2"));
+        QCOMPARE(found("INV 2014", true), QString("1.1 1.2 2"));
+        QCOMPARE(found("all folders", true), QString());
+        QCOMPARE(found("", false), QString("1 1.1 2"));
+    }
+
+    void typingSearchesAndGoesRound()
+    {
+        Panel panel;
+        QSignalSpy moves(panel.view, SIGNAL(curSelChanged()));
+        QTest::keyClick(panel.view, 'a');
+        QVERIFY(panel.bar->isVisible());
+        QCOMPARE(panel.input->text(), QString("a"));
+        panel.input->setText("inv");
+        QCOMPARE(panel.view->currentOid(), QString("1"));
+        panel.view->searchAgain();
+        QCOMPARE(panel.view->currentOid(), QString("1.1"));
+        panel.view->searchAgain();
+        QCOMPARE(panel.view->currentOid(), QString("2"));
+        panel.view->searchAgain(); // on from the top
+        QCOMPARE(panel.view->currentOid(), QString("1"));
+        panel.input->setText("nowhere");
+        QVERIFY(panel.input->styleSheet().contains("red"));
+        QCOMPARE(panel.view->currentOid(), QString("1"));
+        QCOMPARE(moves.count(), 0); // the list is refreshed when the user has decided
+        QTest::keyClick(panel.input, Qt::Key_Return);
+        QVERIFY(!panel.bar->isVisible());
+        QCOMPARE(moves.count(), 1);
+    }
+
+    void escapeGoesBack()
+    {
+        Panel panel;
+        panel.view->setCurrentIndex(panel.tree.indexFromItem(panel.tree.findItem("2")));
+        panel.view->showSearchDlg();
+        panel.input->setText("zebra");
+        QCOMPARE(panel.view->currentOid(), QString("1"));
+        QTest::keyClick(panel.input, Qt::Key_Escape);
+        QVERIFY(!panel.bar->isVisible());
+        QCOMPARE(panel.view->currentOid(), QString("2"));
+    }
+
+    void foldersComeAndGo()
+    {
+        Panel panel;
+        const QAbstractItemModelTester tester(&panel.tree);
+        KelvaDocItem *zebra = panel.tree.findItem("1");
+        QCOMPARE(panel.tree.newItem(zebra), QString("1.3"));
+        QCOMPARE(panel.tree.findItem("1.3")->getName(), QString("New folder"));
+        DialogScript script;
+        script.expectBox("Delete", "The folder could not be deleted. The folder contains sub folders!");
+        QVERIFY(panel.tree.removeItem(zebra, true).isEmpty());
+        script.expectBox("Delete", "The root-folder cannot be deleted!");
+        QVERIFY(panel.tree.removeItem(panel.tree.getRootItem(), false).isEmpty());
+        QCOMPARE(script.problems(), QString());
+        const QList<KelvaDocItem *> removed = panel.tree.removeItem(zebra, false);
+        QCOMPARE(removed.size(), 4);
+        QCOMPARE(removed.last()->getName(), QString("Zebra")); // still readable
+        QVERIFY(!panel.tree.findItem("1.1"));
+        QStringList rows;
+        QList<QByteArray> pictures;
+        panel.tree.getModelData(rows, pictures);
+        QCOMPARE(rows, QStringList(record({"2", "Ant", "0", "INV-4", "-1", "0"})));
+        QCOMPARE(pictures.size(), 1);
+    }
+
+    void foundText_data()
+    {
+        QTest::addColumn<QString>("search");
+        QTest::addColumn<QString>("html");
+        QTest::newRow("two words")
+            << "a b"
+            << "<a name=\"myanchor0\"><b>A</b> &lt;<a name=\"myanchor1\"><b>b</b>&gt; (c)";
+        QTest::newRow("a parenthesis is no pattern") << "(c"
+                                                     << "A &lt;b&gt; <a name=\"myanchor0\"><b>(c</b>)";
+        QTest::newRow("nothing to look for") << "  "
+                                             << "A &lt;b&gt; (c)";
+    }
+
+    void foundText()
+    {
+        QFETCH(QString, search);
+        int matches = 0;
+        QTEST(foundFolderText("A <b> (c)", search, &matches), "html");
+    }
+
+    void links()
+    {
+        Panel panel;
+        panel.view->setConnectionData("LocalHost", "1", "2");
+        panel.view->setCurrentIndex(panel.tree.indexFromItem(panel.tree.findItem("1.1")));
+        panel.view->doSendFolderLinkClipboard();
+        QCOMPARE(QApplication::clipboard()->text(), "kelva-link://" + QHostInfo::localHostName() +
+                                                        ":1/openDoc?openmode=3&folderid=1.1&archive=2");
+        QCOMPARE(
+            folderLinkText({true, "srv", "80", "2", "1.1"}),
+            QString("http://localhost:17003/openDoc?openmode=3&folderid=1.1&archive=2&host=srv&port=80"));
+        QCOMPARE(folderKeywords("one\r\ntwo   three"), QString("one two  three"));
+    }
+};
+
+KELVA_TEST(TestFolderPanel)
+#include "testfolderpanel.moc"
