@@ -33,7 +33,7 @@ void ValueComboBox::focusInEvent(QFocusEvent *event)
 
 void ValueComboBox::paintEvent(QPaintEvent *)
 {
-    // The box's own placeholder text is not drawn by every style.
+    // Not every style draws the text that a box has for no choice.
     QStyleOptionComboBox option;
     initStyleOption(&option);
     if (currentIndex() < 0)
