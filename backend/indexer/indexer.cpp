@@ -4,7 +4,9 @@
 #include "service/filetexts.h"
 #include "service/temporaryfiles.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QUuid>
 
 namespace kelva {
@@ -14,6 +16,17 @@ constexpr qint64 claimSeconds = 600;
 constexpr int maximumAttempts = 3;
 /// A file is copied out of the archive for its reader; larger ones hold pictures or sound rather than words.
 constexpr qint64 maximumFileSize = 256 * 1024 * 1024;
+
+const QString copyName = QStringLiteral("kelva-indexed-copy");
+
+/// Copies of indexers that were killed, of the directory that all copies lie in.
+void removeAbandonedCopies(const QDir &directory)
+{
+    const QDateTime abandoned = QDateTime::currentDateTime().addSecs(-claimSeconds);
+    for (const QFileInfo &copy : directory.entryInfoList({copyName + QStringLiteral("-*")}, QDir::Files))
+        if (copy.lastModified() < abandoned)
+            QFile::remove(copy.filePath());
+}
 
 /// Removes the copy of a file whatever becomes of it.
 struct TemporaryCopy
@@ -118,12 +131,14 @@ Extractor::Outcome Indexer::takeText(const Claim &claim, QString *text, Result<v
         return Outcome::Done;
     if (claim.size > maximumFileSize)
         return Outcome::Failed;
-    const Result<QString> path = makeTemporaryFile(claim.fileName);
+    const Result<QString> path =
+        makeTemporaryFile(copyName + QLatin1Char('.') + QFileInfo(claim.fileName).suffix());
     if (!path) {
         *problem = path.error();
         return Outcome::NoProgram;
     }
     const TemporaryCopy copy(path.value());
+    removeAbandonedCopies(QFileInfo(copy.path).absoluteDir());
     const Result<void> copied =
         copyBlob(*m_database, claim.blob, copy.path, [this](qint64) { return !m_options.cancelled(); });
     if (!copied) {

@@ -44,6 +44,8 @@ void IndexerThread::work(const QString &archivePath)
     IndexerOptions options;
     options.cancelled = [this] { return m_stopping.load(); };
     std::unique_ptr<Indexer> indexer;
+    // Whoever has just logged in waits for the first list.
+    pause(idleIntervalMs);
     while (!m_stopping) {
         if (!indexer) {
             if (auto opened = Indexer::open(archivePath, options))

@@ -10,9 +10,11 @@
 #include "service/filetexts.h"
 #include "service/records.h"
 #include "service/rights.h"
+#include "service/temporaryfiles.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 using namespace kelva;
 using Step = Indexer::Step;
@@ -54,10 +56,26 @@ private slots:
         QCOMPARE(runToEnd(), QStringLiteral("0 done, 0 failed"));
         QCOMPARE(counts(), joinFields({"4", "1"}) + ' ' + joinFields({"6", "1"}));
         QCOMPARE(found(*m_session), QStringList());
-        // The copies that were made for the reader are gone.
-        QCOMPARE(QDir(QDir::tempPath()).entryList({"kelva-files-*"}).size(), 1);
-        const QString copies = QDir(QDir::tempPath()).entryList({"kelva-files-*"}).value(0);
-        QCOMPARE(QDir(QDir::tempPath() + '/' + copies).entryList(QDir::Files), QStringList());
+    }
+
+    void copiesForTheReaderAreRemoved()
+    {
+        const QString mine = makeTemporaryFile(QStringLiteral("Offer.txt")).value();
+        const QDir directory = QFileInfo(mine).absoluteDir();
+        QFile abandoned(directory.filePath(QStringLiteral("kelva-indexed-copy-a.pdf")));
+        QVERIFY(abandoned.open(QIODevice::WriteOnly));
+        QVERIFY(abandoned.setFileTime(QDateTime::currentDateTime().addDays(-1), QFile::FileModificationTime));
+        abandoned.close();
+        QFile inUse(directory.filePath(QStringLiteral("kelva-indexed-copy-b.pdf")));
+        QVERIFY(inUse.open(QIODevice::WriteOnly));
+        const QStringList before = directory.entryList(QDir::Files);
+        store(QStringLiteral("Broken.pdf"), "no PDF", QStringLiteral("1"));
+        store(QStringLiteral("Good.txt"), "turpentine", QStringLiteral("1"));
+        QCOMPARE(runToEnd(), QStringLiteral("1 done, 1 failed"));
+        QStringList expected = before;
+        QVERIFY(expected.removeOne(QStringLiteral("kelva-indexed-copy-a.pdf")));
+        QCOMPARE(directory.entryList(QDir::Files), expected);
+        QVERIFY(inUse.remove() && QFile::remove(mine));
     }
 
     void aNewVersionReplacesTheText()
