@@ -1,6 +1,7 @@
 #include "admin/commands.h"
 
 #include "admin/samplearchive.h"
+#include "indexer/indexer.h"
 #include "service/archive.h"
 #include "service/rights.h"
 #include "service/session.h"
@@ -30,6 +31,7 @@ ARCHIVE is the number of an archive of this machine or the path of its file.
   add-user ARCHIVE LOGIN      add a user
   set-password ARCHIVE LOGIN  give a user a new password
   check ARCHIVE               read everything and report what is damaged
+  index ARCHIVE               take the texts of all files that the full-text search does not know yet
   backup ARCHIVE FILE         copy an archive, which may be in use
   restore FILE ARCHIVE        put a backup in place; the present archive is kept beside it
 
@@ -171,6 +173,25 @@ int check(const Call &call)
     return 0;
 }
 
+int index(const Call &call)
+{
+    auto indexer = Indexer::open(call.path);
+    if (!indexer)
+        return complain(indexer.error().text);
+    int done = 0;
+    int failed = 0;
+    for (;;) {
+        const Result<Indexer::Step> step = indexer.value()->processNext();
+        if (!step)
+            return complain(step.error().text);
+        if (step.value() == Indexer::Step::Nothing)
+            break;
+        ++(step.value() == Indexer::Step::Done ? done : failed);
+    }
+    out() << QStringLiteral("%1 done, %2 failed.\n").arg(done).arg(failed) << Qt::flush;
+    return 0;
+}
+
 int backup(const Call &call)
 {
     return outcome(archive::backup(call.path, call.rest.at(0)),
@@ -195,7 +216,7 @@ struct Command
 
 const Command commands[] = {
     {"create", 1, create}, {"sample", 0, sample}, {"add-user", 1, addUser}, {"set-password", 1, setPassword},
-    {"check", 0, check},   {"backup", 1, backup}, {"restore", 1, restore}};
+    {"check", 0, check},   {"index", 0, index},   {"backup", 1, backup},    {"restore", 1, restore}};
 
 } // namespace
 

@@ -9,6 +9,7 @@
 #include "service/users.h"
 #include "service/vocabulary.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 using kelva::Error;
@@ -26,6 +27,10 @@ ClassifyClient::ClassifyClient(QObject *parent) : ClassifyInterface(parent)
 {
     m_changes.setInterval(changeIntervalMs);
     connect(&m_changes, &QTimer::timeout, this, &ClassifyClient::lookForChanges);
+    // Whoever made this object may leave it to the end of the process, and no thread must run then.
+    if (QCoreApplication::instance())
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
+                [this] { m_indexer.stop(); });
 }
 
 ClassifyInterface *ClassifyClient::createClient(QString)
@@ -53,6 +58,7 @@ bool ClassifyClient::connectClient(QString host, int port, QString user, QString
 {
     m_connection.clearError();
     m_changes.stop();
+    m_indexer.stop();
     m_login = user;
     m_host = host;
     m_port = port;
@@ -69,12 +75,14 @@ bool ClassifyClient::connectClient(QString host, int port, QString user, QString
     if (offline)
         return publishOffline();
     m_changes.start();
+    m_indexer.start(m_connection.session()->database().path());
     return true;
 }
 
 void ClassifyClient::disconnectClient()
 {
     m_changes.stop();
+    m_indexer.stop();
     m_connection.close();
     m_offlineBlock.reset();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "indexer/indexerthread.h"
 #include "server/classifyinterface.h"
 #include "service/connection.h"
 #include "service/workbench.h"
@@ -105,6 +106,8 @@ private:
 
     kelva::Connection m_connection;
     QTimer m_changes;
+    /// Takes the texts of files while there is a connection.
+    kelva::IndexerThread m_indexer;
     QString m_login;
     QString m_host;
     int m_port = 0;

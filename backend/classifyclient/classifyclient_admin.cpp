@@ -1,6 +1,7 @@
 #include "classifyclient.h"
 
 #include "service/attributes.h"
+#include "service/filetexts.h"
 #include "service/folders.h"
 #include "service/records.h"
 #include "service/searches.h"
@@ -257,13 +258,24 @@ QStringList ClassifyClient::getSearches(QString user)
 
 bool ClassifyClient::getIndexerInfo(QStringList &rows)
 {
-    rows.clear();
-    return m_connection.refuseUnavailable();
+    bool done = false;
+    rows = m_connection.fetch(
+        [&](Session &session) {
+            const Result<QStringList> counts = kelva::FileTexts(session).counts();
+            done = counts.ok();
+            return counts;
+        },
+        QStringList());
+    return done;
 }
 
 bool ClassifyClient::recreateIndex()
 {
-    return m_connection.refuseUnavailable();
+    const bool done =
+        m_connection.perform([](Session &session) { return kelva::FileTexts(session).recreate(); });
+    if (done)
+        m_indexer.wake();
+    return done;
 }
 
 bool ClassifyClient::sslCommand(QString, QString)

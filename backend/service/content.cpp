@@ -3,6 +3,7 @@
 #include "server/recordformat.h"
 #include "service/blobs.h"
 #include "service/documentfilter.h"
+#include "service/filetexts.h"
 #include "service/records.h"
 #include "service/recordvalues.h"
 #include "service/retention.h"
@@ -117,9 +118,7 @@ Result<qint64> attachBlob(Session &session, qint64 blob, const QString &fileName
     database.run(QStringLiteral("INSERT INTO file_version(document, version, blob, creator, created)"
                                 " SELECT id, version, ?, ?, ? FROM document WHERE id = ?"),
                  {blob, session.login(), session.timestamp(), document});
-    database.run(QStringLiteral("INSERT INTO file_text(document) VALUES(?)"
-                                " ON CONFLICT(document) DO UPDATE SET state = 0"),
-                 {document});
+    FileTexts::enter(database, document);
     recordEvent(session, document, isVersion ? Action::NewVersion : Action::Created);
     return document;
 }

@@ -222,9 +222,20 @@ void createVersion1(Database &database)
                    QStringLiteral("document"), QStringLiteral("text"), wordTokens);
 }
 
+/// Who takes the text of a file at the moment, since when (seconds since 1970), and how often it was begun.
+void createVersion2(Database &database)
+{
+    runAll(database,
+           {
+               QStringLiteral("ALTER TABLE file_text ADD COLUMN claimant TEXT NOT NULL DEFAULT ''"),
+               QStringLiteral("ALTER TABLE file_text ADD COLUMN claimed INTEGER NOT NULL DEFAULT 0"),
+               QStringLiteral("ALTER TABLE file_text ADD COLUMN attempts INTEGER NOT NULL DEFAULT 0"),
+           });
+}
+
 /// Step n leads from version n to n + 1. A step never changes once archives of its version exist.
 using Step = void (*)(Database &);
-const Step steps[] = {createVersion1};
+const Step steps[] = {createVersion1, createVersion2};
 
 } // namespace
 

@@ -103,6 +103,17 @@ private slots:
         QCOMPARE(run({"check", "12"}).code, 0);
     }
 
+    void theTextsOfAllFilesAreTaken()
+    {
+        const auto made = kelva::createSampleArchive(sample(home("15.kelva"), 1), [](int) {});
+        QVERIFY(made.ok());
+        const Outcome first = run({"index", "15"});
+        QCOMPARE(first.output, QStringLiteral("20 done, 0 failed.\n"));
+        QCOMPARE(first.code, 0);
+        QCOMPARE(run({"index", "15"}).output, QStringLiteral("0 done, 0 failed.\n"));
+        QCOMPARE(run({"index", "16"}).code, 1);
+    }
+
     void wrongCommandLines_data()
     {
         QTest::addColumn<QStringList>("arguments");

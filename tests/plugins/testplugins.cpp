@@ -222,6 +222,31 @@ private slots:
         QCOMPARE(texts, QStringList());
     }
 
+    void theContentOfAFileIsFoundSoonAfterItCameIn()
+    {
+        QVERIFY(connectBoth());
+        QTemporaryDir directory;
+        QFile file(directory.filePath(QStringLiteral("Offer.html")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<p>turpen<b>tine</b>");
+        file.close();
+        QVERIFY(m_files->uploadDocument(" ", file.fileName(), true));
+        const QString id = QString::number(m_files->getLastDocId());
+        QTRY_COMPARE_WITH_TIMEOUT(m_files->searchDocuments("turpentine"), QStringList{record({id, id})},
+                                  30000);
+        QStringList states{QStringLiteral("old")};
+        QVERIFY(m_classify->getIndexerInfo(states));
+        QCOMPARE(states, QStringList{record({"4", "1"})});
+        QVERIFY(m_classify->recreateIndex());
+        const auto isProcessed = [&] {
+            return m_classify->getIndexerInfo(states) && states == QStringList{record({"4", "1"})};
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isProcessed(), 30000);
+        m_classify->disconnectClient();
+        QVERIFY(!m_classify->getIndexerInfo(states));
+        QCOMPARE(states, QStringList());
+    }
+
     void vocabularyChangedByOthersIsAnnounced()
     {
         QVERIFY(connectBoth());
