@@ -227,7 +227,12 @@ KelvaDocItem *KelvaDocTree::insertItem(const QString &oid, const QString &name, 
 {
     QPixmap pixmap;
     if (picture.isEmpty()) {
-        pixmap = QPixmap(":/icons/folder.png");
+        // Loaded once: even for a resource, Qt looks for its variants on each load.
+        const QString key = QStringLiteral("kelva default folder");
+        if (!QPixmapCache::find(key, &pixmap)) {
+            pixmap = QPixmap(":/icons/folder.png");
+            QPixmapCache::insert(key, pixmap);
+        }
     } else {
         // Folders with like pictures share one pixmap.
         const QString key = QCryptographicHash::hash(picture, QCryptographicHash::Md5).toBase64();
