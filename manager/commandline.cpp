@@ -4,12 +4,10 @@
 #include "manager/profilecheck.h"
 #include "manager/profilestore.h"
 #include "server/recordformat.h"
+#include "service/consolepassword.h"
 
 #include <QCommandLineParser>
 #include <QTextStream>
-
-#include <termios.h>
-#include <unistd.h>
 
 namespace kelva {
 namespace {
@@ -54,26 +52,6 @@ QTextStream &out()
     return stream;
 }
 
-QString readPassword()
-{
-    termios before = {};
-    const bool isTyped = ::tcgetattr(STDIN_FILENO, &before) == 0;
-    if (isTyped) {
-        termios silent = before;
-        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        ::tcsetattr(STDIN_FILENO, TCSANOW, &silent);
-        QTextStream(stderr) << QStringLiteral("Password: ");
-    }
-    QTextStream input(stdin);
-    input.setCodec("UTF-8");
-    const QString password = input.readLine();
-    if (isTyped) {
-        ::tcsetattr(STDIN_FILENO, TCSANOW, &before);
-        QTextStream(stderr) << QLatin1Char('\n');
-    }
-    return password;
-}
-
 int addProfile(const CommandLine &command, ProfileStore &store)
 {
     Profile profile;
@@ -81,7 +59,7 @@ int addProfile(const CommandLine &command, ProfileStore &store)
     profile.host = command.host;
     profile.port = command.port;
     profile.user = command.user;
-    profile.password = readPassword();
+    profile.password = readConsolePassword();
     profile.displayLine1 = command.line1;
     profile.displayLine2 = command.line2;
     profile = tidied(profile);

@@ -3,6 +3,7 @@
 #include "admin/samplearchive.h"
 #include "indexer/indexer.h"
 #include "service/archive.h"
+#include "service/consolepassword.h"
 #include "service/rights.h"
 #include "service/session.h"
 #include "service/users.h"
@@ -80,13 +81,6 @@ Result<QString> archiveFile(const QString &argument)
     return archive::fileFor(QStringLiteral("localhost"), number);
 }
 
-QString readPassword()
-{
-    QTextStream input(stdin);
-    input.setCodec("UTF-8");
-    return input.readLine();
-}
-
 /// A command's words behind its name, the first of which is turned into the archive's path.
 struct Call
 {
@@ -100,7 +94,7 @@ int create(const Call &call)
     NewArchive fresh;
     fresh.path = call.path;
     fresh.administrator = call.rest.at(0);
-    fresh.password = readPassword();
+    fresh.password = readConsolePassword();
     return outcome(archive::create(fresh), QStringLiteral("Created %1.").arg(call.path));
 }
 
@@ -132,7 +126,7 @@ int addUser(const Call &call)
     NewUser user;
     user.login = call.rest.at(0);
     user.name = call.options.value(QStringLiteral("name"));
-    user.password = readPassword();
+    user.password = readConsolePassword();
     Users users(*session.value());
     // Before the user is made: half a user would stand in the way of a second try.
     const Result<QStringList> known = users.roles();
@@ -156,7 +150,7 @@ int setPassword(const Call &call)
     if (!session)
         return complain(session.error().text);
     const QString login = call.rest.at(0);
-    return outcome(Users(*session.value()).setPassword(login, readPassword()),
+    return outcome(Users(*session.value()).setPassword(login, readConsolePassword()),
                    QStringLiteral("Changed the password of %1.").arg(login));
 }
 
