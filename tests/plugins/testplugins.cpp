@@ -146,24 +146,6 @@ private slots:
         QCOMPARE(m_classify->lastMessage(), QStringLiteral("WRONGVERSION"));
     }
 
-    void settingsAreKeptAsTheirFlagSays()
-    {
-        QVERIFY(connectBoth());
-        QByteArray value("old");
-        QString owner;
-        QVERIFY(!m_classify->getSetting("kelvaGlobalSettings", "resubmissionDays", value, owner));
-        QCOMPARE(m_classify->lastError(), QStringLiteral("No data found."));
-        QVERIFY(value.isEmpty());
-        const QByteArray blob("\0\xff\xfd", 3);
-        QVERIFY(m_classify->saveSetting("s", "k", blob, QString(), true));
-        QVERIFY(!m_classify->saveSetting("s", "k", "new", QString(), false));
-        QVERIFY(m_classify->getSetting("s", "k", value, owner));
-        QCOMPARE(value, blob);
-        QVERIFY(m_classify->saveSetting("s", "k", QByteArray(), QString(), true));
-        QVERIFY(m_classify->getSetting("s", "k", value, owner));
-        QCOMPARE(value, QByteArray());
-    }
-
     void aFileIsArchivedListedAndFetched()
     {
         QVERIFY(connectBoth());
@@ -195,21 +177,6 @@ private slots:
         QStringList actions;
         QVERIFY(m_files->getDocumentActions({QString::number(id)}, actions, 1, QStringLiteral("admin")));
         QCOMPARE(actions.value(0).split(fieldSeparator).value(2), QStringLiteral("1"));
-    }
-
-    void aTransferCanBeCancelledWhileItRuns()
-    {
-        QVERIFY(connectBoth());
-        QTemporaryDir directory;
-        QFile file(directory.filePath(QStringLiteral("large.bin")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray(30 * 1024 * 1024, 'x'));
-        file.close();
-        const auto connection = connect(m_files.get(), &kelvaArchiveClientInterface::totalFileSize, this,
-                                        [this] { m_files->cancelStreaming(); });
-        QVERIFY(!m_files->uploadDocument(" ", file.fileName(), true));
-        disconnect(connection);
-        QVERIFY(m_files->uploadDocument(" ", file.fileName(), true));
     }
 
     void whatIsMissingFailsInPlainWords()
