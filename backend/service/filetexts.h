@@ -15,7 +15,7 @@ class FileTexts
 {
 public:
     /// As they stand in the archive and leave the program.
-    enum State { ToDo = 0, Processed = 4, Failed = 6 };
+    enum State { Waiting = 0, Processed = 4, Failed = 6 };
 
     explicit FileTexts(Session &session) : m_session(session) {}
 
