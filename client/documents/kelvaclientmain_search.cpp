@@ -8,6 +8,7 @@
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvasimplecombodelegate.h"
 #include "documents/onelinesearch.h"
+#include "documents/searchtexts.h"
 #include "folders/kelvaviewdelegate.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
@@ -103,7 +104,7 @@ void KelvaClientMain::presetChoice(QTableWidgetItem *cell, const KelvaDelegate *
 KelvaDelegate *KelvaClientMain::searchDelegate(const QString &column) const
 {
     KelvaDelegate *delegate = nullptr;
-    if (column == tr("full text"))
+    if (column == searchtext::fullText())
         delegate = new KelvaLineDelegate({}, m_SearchString, 254, false);
     else if (const KelvaDelegate *source = getDelegateForColumn(getColumnIndex(column)))
         delegate = source->clone(m_SearchString);
@@ -140,11 +141,11 @@ void KelvaClientMain::doSearch(bool)
     if (choices && cell && cell->data(itemrole::rawValue).toString().isEmpty()) {
         // A name that was typed instead of chosen.
         const QString key = choices->getValue(value);
-        if (key != tr("not assigned"))
+        if (key != searchtext::notAssigned())
             value = key;
     }
     const QString column = m_SearchCombo->currentData().toString();
-    if (column == tr("full text")) {
+    if (column == searchtext::fullText()) {
         searchFullText(value);
         return;
     }

@@ -2,6 +2,7 @@
 
 #include "documents/celldata.h"
 #include "documents/itemroles.h"
+#include "documents/searchtexts.h"
 #include "documents/valuecombobox.h"
 #include "server/recordformat.h"
 
@@ -41,14 +42,14 @@ QString KelvaComboDelegate::getValue(const QString &display) const
         if (fields.value(fields.size() > 1 ? 1 : 0) == display)
             return fields.first();
     }
-    return tr("not assigned");
+    return searchtext::notAssigned();
 }
 
 QString KelvaComboDelegate::getData(const QString &key) const
 {
     const auto entry = m_entries.constFind(key);
     if (entry == m_entries.constEnd())
-        return tr("not assigned");
+        return searchtext::notAssigned();
     return entry->value(entry->size() > 1 ? 1 : 0);
 }
 

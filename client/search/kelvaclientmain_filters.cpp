@@ -2,6 +2,7 @@
 
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
+#include "documents/searchtexts.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvaviewdelegate.h"
 #include "search/kelvastatusbarext.h"
@@ -38,7 +39,7 @@ void KelvaClientMain::loadFilters()
         QStringList columns = m_searchColumns;
         if (!columns.isEmpty())
             columns.removeLast(); // the rights letters are nothing to search for
-        columns << tr("full text") + recordformat::fieldSeparator + tr("full text");
+        columns << searchtext::fullText() + recordformat::fieldSeparator + searchtext::fullText();
         for (const QString &column : qAsConst(columns)) {
             const QStringList fields = column.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
             m_columnNames << fields.value(1);
@@ -46,7 +47,7 @@ void KelvaClientMain::loadFilters()
         }
         m_SearchCombo->setCurrentIndex(0);
         m_SearchCombo->model()->sort(0);
-        m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(tr("full text")));
+        m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(searchtext::fullText()));
         QAbstractItemDelegate *old = m_SearchString->itemDelegateForColumn(0);
         m_SearchString->setItemDelegateForColumn(0, new KelvaLineDelegate({}, m_SearchString, 254, false));
         delete old;
