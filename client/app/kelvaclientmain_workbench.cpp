@@ -1,7 +1,7 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/defaultlayout.h"
-#include "app/userrights.h"
+#include "server/userrights.h"
 #include "documents/kelvatrashbutton.h"
 #include "extensions/qttoolbarmanager.h"
 #include "search/kelvastatusbarext.h"

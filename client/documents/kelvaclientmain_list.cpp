@@ -1,6 +1,6 @@
 #include "app/kelvaclientmain.h"
 
-#include "app/userrights.h"
+#include "server/userrights.h"
 #include "app/waitcursor.h"
 #include "documents/documentactionstate.h"
 #include "documents/documentcolumns.h"

@@ -1,7 +1,7 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/kelvaclientsettings.h"
-#include "app/userrights.h"
+#include "server/userrights.h"
 #include "app/waitcursor.h"
 #include "documents/documentcolumns.h"
 #include "documents/kelvacalendardelegate.h"
