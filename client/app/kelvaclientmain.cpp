@@ -116,7 +116,7 @@ void KelvaClientMain::connectPanels()
     connect(m_bSuchen, SIGNAL(clicked()), this, SLOT(doSearch()));
     connect(m_bClearSuchen, SIGNAL(clicked()), this, SLOT(doClearSearch()));
     connect(m_bClearSuchen2, SIGNAL(clicked()), this, SLOT(doClearSearch()));
-    connect(m_bFilterBearbeiten, SIGNAL(clicked()), this, SLOT(notAvailableYet()));
+    connect(m_bFilterBearbeiten, SIGNAL(clicked()), this, SLOT(doEditFilters()));
     connect(action_About, SIGNAL(triggered(bool)), this, SLOT(showAbout()));
     connect(action_Hilfe, SIGNAL(triggered(bool)), this, SLOT(showHelp()));
 }

@@ -179,6 +179,7 @@ bool KelvaClientMain::connectToClassification()
     loadToolBar();
     loadSettings();
     setLoginText(tr("Initialize extended search..."));
+    initExtendedSearch();
     setLoginText(tr("Loading extensions..."));
     setLoginText(tr("Loading workbench..."));
     setLoginText(tr("Loading system folders..."));

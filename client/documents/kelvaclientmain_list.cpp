@@ -11,6 +11,7 @@
 #include "documents/qinfoviewmodel.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
+#include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
 #include "server/folderoid.h"
@@ -349,5 +350,6 @@ void KelvaClientMain::showDocView()
 
 void KelvaClientMain::updateTrash()
 {
+    m_extSearch->updateStatusDelegates();
     updateDocuments({});
 }

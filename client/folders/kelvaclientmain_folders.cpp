@@ -14,6 +14,7 @@
 #include "folders/kelvanewfolder.h"
 #include "folders/kelvaviewdelegate.h"
 #include "folders/workbenchdata.h"
+#include "search/kelvaextsearch.h"
 #include "server/classifyinterface.h"
 #include "server/folderoid.h"
 #include "server/kelvaarchiveworker.h"
@@ -59,6 +60,7 @@ bool KelvaClientMain::initFolders()
     connect(docTree, SIGNAL(updateDocuments()), this, SLOT(updateDocuments()), Qt::DirectConnection);
     if (!firstConnect)
         m_tWOrdner->header()->restoreState(panelHeader);
+    m_extSearch->setUsers(classifyClient->getRoles());
     m_retentionByDocType = workbench.retentionByType();
     return true;
 }
