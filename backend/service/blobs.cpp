@@ -47,7 +47,7 @@ Result<void> BlobWriter::readAll(QFile &file, const Content::Progress &progress)
         const QByteArray piece = file.read(pieceSize);
         if (piece.isEmpty())
             break;
-        m_hash.addData(piece);
+        m_hash.add(piece);
         m_size += piece.size();
         m_pieces << piece;
         if (m_pieces.size() == batch)
@@ -111,7 +111,7 @@ Result<qint64> BlobWriter::finish()
 qint64 insertBlob(Database &database, const QByteArray &content)
 {
     database.run(QStringLiteral("INSERT INTO blob(size, sha256) VALUES(?, ?)"),
-                 {content.size(), QCryptographicHash::hash(content, QCryptographicHash::Sha256)});
+                 {content.size(), Checksum::of(content)});
     const qint64 blob = database.lastInsertId();
     int number = 0;
     for (int at = 0; at < content.size(); at += pieceSize)
@@ -127,7 +127,7 @@ Result<void> copyBlob(Database &database, qint64 blob, const QString &path, cons
         return Error{ErrorCode::Storage, QStringLiteral("The file %1 cannot be written.").arg(path)};
     const QByteArray expected =
         database.value(QStringLiteral("SELECT sha256 FROM blob WHERE id = ?"), {blob}).toByteArray();
-    QCryptographicHash hash(QCryptographicHash::Sha256);
+    Checksum hash;
     qint64 done = 0;
     // One statement per piece: events may run in between, and a blob never changes.
     for (int number = 0;; ++number) {
@@ -141,7 +141,7 @@ Result<void> copyBlob(Database &database, qint64 blob, const QString &path, cons
         if (file.write(bytes) != bytes.size())
             return Error{ErrorCode::Storage,
                          QStringLiteral("The file %1 cannot be written: %2").arg(path, file.errorString())};
-        hash.addData(bytes);
+        hash.add(bytes);
         done += bytes.size();
         if (progress && !progress(done))
             return cancelled();
@@ -158,11 +158,11 @@ QStringList blobFaults(Database &database)
 {
     QStringList faults;
     for (const qint64 blob : database.numbers(QStringLiteral("SELECT id FROM blob WHERE touched IS NULL"))) {
-        QCryptographicHash hash(QCryptographicHash::Sha256);
+        Checksum hash;
         for (Query row = database.query(
                  QStringLiteral("SELECT data FROM blob_piece WHERE blob = ? ORDER BY number"), {blob});
              row.next();)
-            hash.addData(row.bytes(0));
+            hash.add(row.bytes(0));
         if (hash.result() !=
             database.value(QStringLiteral("SELECT sha256 FROM blob WHERE id = ?"), {blob}).toByteArray())
             faults << QStringLiteral("The content %1 does not match its checksum.").arg(blob);

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "service/checksum.h"
 #include "service/content.h"
 #include "store/result.h"
 
 #include <QByteArray>
-#include <QCryptographicHash>
 #include <QList>
 #include <QString>
 
@@ -38,7 +38,7 @@ private:
     void insertPieces();
 
     Session &m_session;
-    QCryptographicHash m_hash{QCryptographicHash::Sha256};
+    Checksum m_hash;
     QList<QByteArray> m_pieces;
     qint64 m_blob = 0;
     qint64 m_size = 0;

@@ -235,7 +235,8 @@ Result<QStringList> Content::actions(const QStringList &archiveIds, int action, 
 
 Result<void> Content::record(qint64 archiveId, Action action)
 {
-    Transaction writing(m_session.database(), Transaction::Kind::Write);
+    // The file that goes out does not wait for the disk either.
+    Transaction writing(m_session.database(), Transaction::Kind::WriteBehind);
     if (m_session.isOffline())
         return m_session.access().require(rights::classify);
     if (!maySeeDocument(m_session, archiveId))

@@ -454,9 +454,17 @@ Transaction::Transaction(Database &database, Kind kind) : m_database(database), 
         return;
     }
     m_database.m_error.reset();
-    m_open =
-        m_database.run(kind == Kind::Write ? QStringLiteral("BEGIN IMMEDIATE") : QStringLiteral("BEGIN"));
+    waitForDisk(false);
+    m_open = m_database.run(kind == Kind::Read ? QStringLiteral("BEGIN") : QStringLiteral("BEGIN IMMEDIATE"));
     m_database.m_depth = 1;
+}
+
+/// Only between transactions, where it always succeeds. Does nothing for a transaction of another kind.
+void Transaction::waitForDisk(bool wait)
+{
+    if (m_kind == Kind::WriteBehind)
+        sqlite3_exec(m_database.handle(), wait ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL",
+                     nullptr, nullptr, nullptr);
 }
 
 Transaction::~Transaction()
@@ -464,17 +472,20 @@ Transaction::~Transaction()
     if (m_done)
         return;
     if (--m_database.m_depth > 0) {
-        if (m_kind == Kind::Write)
+        if (m_kind != Kind::Read)
             m_database.fail({ErrorCode::BadInput, QStringLiteral("The operation was broken off.")});
         return;
     }
-    if (!m_open)
+    if (!m_open) {
+        waitForDisk(true);
         return;
+    }
     // Keeps the error of the statements: the caller may still ask for it.
     const std::optional<Error> error = m_database.m_error;
-    if (m_kind == Kind::Write) {
+    if (m_kind != Kind::Read) {
         m_database.run(QStringLiteral("ROLLBACK"));
         ++m_database.m_rollbacks;
+        waitForDisk(true);
     } else {
         // Nothing was written but temporary tables, and those are still good.
         m_database.run(QStringLiteral("COMMIT"));
@@ -490,6 +501,8 @@ Result<void> Transaction::commit()
         return *m_database.m_error;
     --m_database.m_depth;
     m_done = true;
+    if (m_outer)
+        waitForDisk(true);
     return {};
 }
 

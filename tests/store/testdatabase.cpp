@@ -163,6 +163,28 @@ private slots:
         QCOMPARE(database->texts(QStringLiteral("SELECT name FROM role")), QStringList());
     }
 
+    void whatIsWrittenBehindIsSeenByOthersAndChangesNothingForTheNext()
+    {
+        const auto database = create();
+        const auto other = Database::open(m_path, Database::Mode::ReadWrite, shortWaitMs);
+        const auto waitsForDisk = [&] { return database->value(QStringLiteral("PRAGMA synchronous")) == 2; };
+        const auto add = [&](bool keep) {
+            Transaction writing(*database, Transaction::Kind::WriteBehind);
+            database->run(QStringLiteral("INSERT INTO role VALUES('x')"));
+            return keep && writing.commit().ok();
+        };
+        QVERIFY(!add(false));
+        QVERIFY(waitsForDisk());
+        QVERIFY(add(true));
+        QVERIFY(waitsForDisk());
+        QCOMPARE(other.value()->value(QStringLiteral("SELECT count(*) FROM role")).toInt(), 1);
+        QVERIFY(!add(true)); // there already
+        QVERIFY(waitsForDisk());
+        const Transaction holding(*other.value(), Transaction::Kind::Write);
+        QVERIFY(!add(true));
+        QVERIFY(waitsForDisk());
+    }
+
     void anInnerOperationThatFailsTakesTheOuterOneBack()
     {
         const auto database = create();
