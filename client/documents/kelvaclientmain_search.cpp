@@ -1,6 +1,5 @@
 #include "app/kelvaclientmain.h"
 
-#include "app/waitcursor.h"
 #include "documents/itemroles.h"
 #include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"
@@ -8,13 +7,14 @@
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvasimplecombodelegate.h"
 #include "documents/onelinesearch.h"
+#include "documents/waitcursor.h"
 #include "folders/kelvaviewdelegate.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
+#include "server/plainbox.h"
 #include "server/recordformat.h"
 
 #include <QLocale>
-#include <QMessageBox>
 #include <QSignalBlocker>
 
 namespace {
@@ -166,8 +166,8 @@ void KelvaClientMain::doSearch(bool)
 void KelvaClientMain::searchFullText(const QString &words)
 {
     if (words.size() < fullTextMinimumLength) {
-        QMessageBox::information(this, tr("full text search"),
-                                 tr("A minimum of 3 characters is needed for the full text search!"));
+        plainbox::information(this, tr("full text search"),
+                              tr("A minimum of 3 characters is needed for the full text search!"));
         return;
     }
     // The service's own search takes the words itself; then no hit of the local one is asked for.
@@ -176,7 +176,7 @@ void KelvaClientMain::searchFullText(const QString &words)
     {
         const WaitCursor cursor;
         if (!atService && !archiveWorker->searchDocs(words, hits)) {
-            QMessageBox::critical(this, tr("Error"), archiveWorker->getLastError());
+            plainbox::critical(this, tr("Error"), archiveWorker->getLastError());
             return;
         }
         m_selectionOption = fullTextSelection(hits, offlineMode);
