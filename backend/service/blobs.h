@@ -47,6 +47,8 @@ private:
     bool m_kept = false;
 };
 
+/// Removes what uploads of killed processes have left. Best effort: a failure is noticed by the next.
+void removeAbandonedUploads(Session &session);
 /// Inserts a whole blob within the transaction of the caller.
 qint64 insertBlob(Database &database, const QByteArray &content);
 /// Writes a blob over a file and compares its checksum.

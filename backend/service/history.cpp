@@ -3,6 +3,7 @@
 #include "service/records.h"
 #include "service/rights.h"
 #include "service/session.h"
+#include "store/textmatch.h"
 
 #include <QHash>
 #include <QJsonDocument>
@@ -49,7 +50,7 @@ private:
 QString attributeText(const AttributeColumn &attribute, const QJsonValue &value)
 {
     if (attribute.kind == AttributeKind::Numeric && value.isDouble())
-        return QString::number(value.toDouble(), 'g', 15);
+        return numberText(value.toDouble());
     return value.toVariant().toString();
 }
 
