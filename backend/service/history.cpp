@@ -98,7 +98,11 @@ QString currentAttributes(const DocumentColumns &columns)
     for (int from = 0; from < attributes.size(); from += perStep) {
         QString pairs;
         for (const AttributeColumn &attribute : attributes.mid(from, perStep))
-            pairs += QStringLiteral(", '$.%1', %2").arg(QString::number(attribute.id), attribute.column);
+            pairs += QStringLiteral(", '$.%1', %2")
+                         .arg(QString::number(attribute.id),
+                              attribute.kind == AttributeKind::Numeric
+                                  ? QStringLiteral("kelva_number_text(%1)").arg(attribute.column)
+                                  : attribute.column); // JSON would cut a number to 15 digits
         merged = QStringLiteral("json_set(%1%2)").arg(merged, pairs);
     }
     return merged;
