@@ -13,6 +13,7 @@
 #include "server/classifyinterface.h"
 #include "server/kelvaarchiveclientinterface.h"
 #include "server/kelvaarchiveworker.h"
+#include "server/plainbox.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -24,7 +25,6 @@
 #include <QHeaderView>
 #include <QHostInfo>
 #include <QMenu>
-#include <QMessageBox>
 #include <QNetworkProxyFactory>
 #include <QPluginLoader>
 #include <QSettings>
@@ -153,7 +153,7 @@ bool KelvaClientMain::init()
                          QString("%1").arg(programversion::build));
     initProxy();
     if (!loadClassificationPlugin() || !loadArchivePlugin()) {
-        QMessageBox::critical(this, tr("Error"), tr("Cannot load classify plugin!")); // the same for both
+        plainbox::critical(this, tr("Error"), tr("Cannot load classify plugin!")); // the same for both
         QCoreApplication::quit();
         return false;
     }

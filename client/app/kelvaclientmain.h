@@ -271,7 +271,8 @@ private:
     QStringList m_columnNames; ///< field keys in the order of the table's columns
     QMutex m_updateMutex;
     QMutex m_timerMutex;
-    bool m_reloading = false; ///< updateAll() is at work and lets events run
+    bool m_reloading = false;             ///< updateAll() is at work and lets events run
+    bool m_changedWhileReloading = false; ///< somebody changed the vocabulary meanwhile
     bool m_connectionLost = false;
     /// What was asked for while a refresh or a reload was running.
     bool m_refreshMissed = false;

@@ -1,7 +1,5 @@
 #include "app/kelvaclientmain.h"
 
-#include "server/userrights.h"
-#include "app/waitcursor.h"
 #include "documents/documentactionstate.h"
 #include "documents/documentcolumns.h"
 #include "documents/itemroles.h"
@@ -9,6 +7,7 @@
 #include "documents/kelvatrashbutton.h"
 #include "documents/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
+#include "documents/waitcursor.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "search/kelvaextsearch.h"
@@ -17,6 +16,7 @@
 #include "server/folderoid.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/recordformat.h"
+#include "server/userrights.h"
 
 #include <QCheckBox>
 #include <QDebug>
@@ -100,6 +100,7 @@ DocumentQuery KelvaClientMain::currentQuery() const
 
 void KelvaClientMain::updateDocuments(QStringList docIds, bool resetPlugins)
 {
+    m_infoView->finishEditing();
     // The service may run events while it works, and so does a reload. A refresh from there cannot wait on
     // the same thread, so it runs afterwards.
     std::unique_lock<QMutex> lock(m_updateMutex, std::try_to_lock);

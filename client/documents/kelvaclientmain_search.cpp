@@ -1,6 +1,5 @@
 #include "app/kelvaclientmain.h"
 
-#include "app/waitcursor.h"
 #include "documents/itemroles.h"
 #include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"
@@ -9,14 +8,15 @@
 #include "documents/kelvasimplecombodelegate.h"
 #include "documents/onelinesearch.h"
 #include "documents/searchtexts.h"
+#include "documents/waitcursor.h"
 #include "folders/kelvaviewdelegate.h"
 #include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
+#include "server/plainbox.h"
 #include "server/recordformat.h"
 
 #include <QLocale>
-#include <QMessageBox>
 #include <QSignalBlocker>
 
 namespace {
@@ -210,8 +210,8 @@ void KelvaClientMain::searchExtended(bool special)
 bool KelvaClientMain::takeFullText(const QString &words)
 {
     if (words.trimmed().size() < fullTextMinimumLength) {
-        QMessageBox::information(this, tr("full text search"),
-                                 tr("A minimum of 3 characters is needed for the full text search!"));
+        plainbox::information(this, tr("full text search"),
+                              tr("A minimum of 3 characters is needed for the full text search!"));
         return false;
     }
     // The service's own search takes the words itself; then no hit of the local one is asked for.
@@ -219,8 +219,7 @@ bool KelvaClientMain::takeFullText(const QString &words)
     QStringList hits;
     const WaitCursor cursor;
     if (!atService && !archiveWorker->searchDocs(words, hits)) {
-        const SuspendedWaitCursor suspended;
-        QMessageBox::critical(this, tr("Error"), archiveWorker->getLastError());
+        plainbox::critical(this, tr("Error"), archiveWorker->getLastError());
         return false;
     }
     m_selectionOption = fullTextSelection(hits, offlineMode);

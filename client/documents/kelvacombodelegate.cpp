@@ -2,6 +2,7 @@
 
 #include "documents/celldata.h"
 #include "documents/itemroles.h"
+#include "documents/recordpicture.h"
 #include "documents/searchtexts.h"
 #include "documents/valuecombobox.h"
 #include "server/recordformat.h"
@@ -20,8 +21,8 @@ KelvaComboDelegate::KelvaComboDelegate(QStringList values, QList<QByteArray> pic
     for (int i = 0; i < m_values.size(); ++i) {
         const QStringList fields = m_values.at(i).split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
         m_entries.insert(fields.first(), fields);
-        QPixmap picture;
-        if (picture.loadFromData(m_pics.value(i)))
+        const QPixmap picture = recordPicture(m_pics.value(i));
+        if (!picture.isNull())
             m_icons.insert(fields.first(), QIcon(picture));
     }
 }

@@ -9,9 +9,9 @@
 #include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
+#include "server/plainbox.h"
 #include "server/recordformat.h"
 
-#include <QMessageBox>
 #include <QSignalBlocker>
 
 void KelvaClientMain::initStatus()
@@ -20,7 +20,7 @@ void KelvaClientMain::initStatus()
     QStringList rows;
     QList<QByteArray> pictures;
     if (!classifyClient->getStatusList(rows, pictures))
-        QMessageBox::critical(this, tr("Error"), tr("The status data could not be loaded!"));
+        plainbox::critical(this, tr("Error"), tr("The status data could not be loaded!"));
     m_twStatus->setStatusList(rows, pictures);
     connect(m_twStatus, SIGNAL(currentRowChanged(int)), this, SLOT(selChanged()), Qt::DirectConnection);
 }

@@ -6,11 +6,11 @@
 #include "search/criteriacolumns.h"
 #include "search/filtermodel.h"
 #include "server/classifyinterface.h"
+#include "server/plainbox.h"
 #include "server/userrights.h"
 #include "ui_kelvaextsearch.h"
 
 #include <QInputDialog>
-#include <QMessageBox>
 #include <QSignalBlocker>
 #include <QStandardItem>
 
@@ -158,8 +158,8 @@ bool KelvaExtSearch::checkCriteria()
 {
     if (!templateRows().isEmpty())
         return true;
-    QMessageBox::information(this, tr("Save search"),
-                             tr("The search could not be saved, no search criterias defined!"));
+    plainbox::information(this, tr("Save search"),
+                          tr("The search could not be saved, no search criterias defined!"));
     return false;
 }
 
@@ -184,8 +184,8 @@ void KelvaExtSearch::saveSearch()
     if (!accepted || name.isEmpty())
         return;
     if (!m_client->saveSearch(name, writeTemplateRows(templateRows()), rolesToSave())) {
-        QMessageBox::critical(this, tr("Error"),
-                              tr("The search could not be saved: %1").arg(m_client->lastMessage()));
+        plainbox::critical(this, tr("Error"),
+                           tr("The search could not be saved: %1").arg(m_client->lastMessage()));
         return;
     }
     loadSearchDefs();
@@ -204,8 +204,8 @@ void KelvaExtSearch::updateSearch()
     if (!m_client->updateSearch(m_ui->m_SavedSearch->currentData(itemrole::storedId).toInt(), name,
                                 writeTemplateRows(templateRows()), rolesToSave())) {
         // "serach" is how this message is known.
-        QMessageBox::critical(this, tr("Error"),
-                              tr("The serach could not be saved: %1").arg(m_client->lastMessage()));
+        plainbox::critical(this, tr("Error"),
+                           tr("The serach could not be saved: %1").arg(m_client->lastMessage()));
         return;
     }
     loadSearchDefs();
@@ -217,8 +217,8 @@ void KelvaExtSearch::deleteSearch()
     if (m_ui->m_SavedSearch->currentIndex() <= 0)
         return;
     if (!m_client->deleteSearch(m_ui->m_SavedSearch->currentData(itemrole::storedId).toString())) {
-        QMessageBox::critical(this, tr("Error"),
-                              tr("The search template could not be deleted: %1").arg(m_client->lastError()));
+        plainbox::critical(this, tr("Error"),
+                           tr("The search template could not be deleted: %1").arg(m_client->lastError()));
         return;
     }
     loadSearchDefs();
@@ -291,8 +291,8 @@ void KelvaExtSearch::allStateChanged(int state)
 void KelvaExtSearch::checkForSave()
 {
     if (m_changed && m_ui->m_SavedSearch->currentIndex() > 0 &&
-        QMessageBox::question(this, tr("Save"),
-                              tr("The permissions for the filter has changed, save changes?")) ==
+        plainbox::question(this, tr("Save"),
+                           tr("The permissions for the filter has changed, save changes?")) ==
             QMessageBox::Yes)
         updateSearch();
 }
