@@ -37,7 +37,11 @@ KelvaExtSearch::KelvaExtSearch(bool offline, QWidget *parent)
       m_filterModel(new FilterModel(this))
 {
     m_ui->setupUi(this);
+    // Before the table: it moves on to the next cell, and what is heard here is where it came from.
+    connect(m_cells, SIGNAL(closeEditor(QWidget *, QAbstractItemDelegate::EndEditHint)), this,
+            SLOT(leaveTable(QWidget *, QAbstractItemDelegate::EndEditHint)));
     m_ui->m_extSearchTable->setItemDelegate(m_cells);
+    m_ui->m_extSearchTable->horizontalHeader()->setHighlightSections(false);
     m_ui->m_extSearchTable->verticalHeader()->setDefaultSectionSize(m_ui->m_SavedSearch->sizeHint().height());
     const int widths[] = {200, 150, 300, 50, 50};
     for (int column = 0; column < criteriacolumn::count; ++column)

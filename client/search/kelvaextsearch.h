@@ -3,6 +3,7 @@
 #include "search/searchclause.h"
 #include "search/searchtemplate.h"
 
+#include <QAbstractItemDelegate>
 #include <QDialog>
 
 #include <functional>
@@ -78,6 +79,7 @@ signals:
 
 private slots:
     void criterionChanged(QTableWidgetItem *item);
+    void leaveTable(QWidget *editor, QAbstractItemDelegate::EndEditHint hint);
     void chooseValues();
     void removeLine();
     void addRoles();

@@ -14,6 +14,7 @@
 
 #include <QAction>
 #include <QSignalBlocker>
+#include <QTimer>
 #include <QToolButton>
 
 namespace {
@@ -132,6 +133,18 @@ void KelvaExtSearch::criterionChanged(QTableWidgetItem *item)
         filterChanged(item->row());
     else if (item->column() == criteriacolumn::op)
         operatorChanged(item->row());
+}
+
+/// Tab behind the last cell goes on to the buttons; the table would begin again at its first.
+void KelvaExtSearch::leaveTable(QWidget *editor, QAbstractItemDelegate::EndEditHint hint)
+{
+    const QModelIndex index = m_ui->m_extSearchTable->indexAt(editor->geometry().center());
+    if (hint != QAbstractItemDelegate::EditNextItem || index.row() != m_ui->m_extSearchTable->rowCount() - 1)
+        return;
+    for (int column = index.column() + 1; column <= criteriacolumn::value; ++column)
+        if (cell(index.row(), column)->flags() & Qt::ItemIsEnabled)
+            return;
+    QTimer::singleShot(0, m_ui->m_bAdd, SLOT(setFocus()));
 }
 
 void KelvaExtSearch::filterChanged(int row)

@@ -118,6 +118,8 @@ void KelvaExtSearch::loadRow(const TemplateRow &criteria)
     cell(row, criteriacolumn::value)->setText(criteria.valueText);
     if (!criteria.storedValue.isEmpty())
         cell(row, criteriacolumn::value)->setData(itemrole::rawValue, criteria.storedValue);
+    if (const auto *choices = qobject_cast<const KelvaComboDelegate *>(valueDelegate(row)))
+        cell(row, criteriacolumn::value)->setIcon(choices->getIcon(criteria.storedValue));
     const KelvaComboDelegate *operators = operatorDelegate(row);
     if (!operators)
         return; // the words of a full-text search have one operator only

@@ -6,6 +6,7 @@
 #include "documents/kelvacombodelegate.h"
 #include "server/recordformat.h"
 
+#include <QApplication>
 #include <QLocale>
 #include <QScopeGuard>
 
@@ -93,6 +94,10 @@ private slots:
         QCOMPARE(search.dialog->getFilter(),
                  QString("attr1 > '12.5' AND (attr2::varchar = '2'::varchar) AND  1 = 1 "));
         QCOMPARE(search.dialog->getFullText(), QString());
+
+        ExtSearchFixture offline(true);
+        offline.fill("Description", "contains", "x");
+        QCOMPARE(offline.dialog->getFilter(), QString("bemerkung::varchar like '%x%'::varchar AND  1 = 1 "));
     }
 
     void severalValuesAreOneGroup()
@@ -144,6 +149,26 @@ private slots:
         op->setText("is not");
         QCOMPARE(search.rows(), QString("Status/is not/open\nStatus/or is not/done"));
         QCOMPARE(script.problems(), QString());
+    }
+
+    void tabGoesThroughTheRowsToTheButtons()
+    {
+        ExtSearchFixture search;
+        QVERIFY(QTest::qWaitForWindowActive(search.dialog.get()));
+        search.fill("Description", "contains", "");
+        QVERIFY(search.editor(0, 0)->accessibleName() == "Field");
+        search.editor(0, 0)->setFocus();
+        const auto type = [](const QString &text) {
+            QTest::keyClicks(QApplication::focusWidget(), text);
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        };
+        type(QString());
+        QCOMPARE(QApplication::focusWidget(), search.editor(0, 1));
+        type(QString());
+        QCOMPARE(QApplication::focusWidget()->accessibleName(), QString("Value"));
+        type("letter");
+        QTRY_COMPARE(QApplication::focusWidget()->objectName(), QString("m_bAdd"));
+        QCOMPARE(search.rows(), QString("Description/contains/letter"));
     }
 
     void resubmissionFilter()
