@@ -1,5 +1,6 @@
 #include "app/kelvaclientmain.h"
 
+#include "app/dockwidthkeeper.h"
 #include "app/kelvaabout.h"
 #include "app/programversion.h"
 #include "app/proxysettings.h"
@@ -80,6 +81,7 @@ void KelvaClientMain::setupPanels()
 
     m_tWOrdner->setSaveState(true, "kelvaMainFolderView");
     setDockNestingEnabled(true);
+    new DockWidthKeeper(this, m_dockFolder, m_dockDocuments);
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     m_infoView->horizontalHeader()->setSectionsMovable(true);
     m_infoView->horizontalHeader()->setContextMenuPolicy(Qt::ActionsContextMenu);
