@@ -50,6 +50,7 @@ bool KelvaClientMain::initFolders()
     disconnect(docTree, SIGNAL(updateDocuments()), this, SLOT(updateDocuments()));
     disconnect(m_tWOrdner, SIGNAL(curSelChanged()), this, SLOT(timerSelChanged()));
     makeAttributeDelegates(workbench);
+    m_extSearch->setUsers(classifyClient->getRoles());
     makeFixedDelegates(workbench);
     showFolderTree(workbench);
     makeFolderColumn(workbench);
@@ -61,7 +62,6 @@ bool KelvaClientMain::initFolders()
     connect(docTree, SIGNAL(updateDocuments()), this, SLOT(updateDocuments()), Qt::DirectConnection);
     if (!firstConnect)
         m_tWOrdner->header()->restoreState(panelHeader);
-    m_extSearch->setUsers(classifyClient->getRoles());
     m_retentionByDocType = workbench.retentionByType();
     return true;
 }
