@@ -1,12 +1,12 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/defaultlayout.h"
-#include "server/userrights.h"
 #include "documents/kelvatrashbutton.h"
 #include "extensions/qttoolbarmanager.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
 #include "server/plainbox.h"
+#include "server/userrights.h"
 
 #include <QCheckBox>
 #include <QFileDialog>
