@@ -88,6 +88,7 @@ public slots:
 
     // documents/kelvaclientmain_search.cpp
     void doSearch(bool special = false);
+    void searchClicked();
     void doClearSearch(bool update = true);
     void searchComboChanged(int index, bool focus);
     void searchComboChanged(int index);
@@ -193,7 +194,9 @@ private:
 
     // documents/kelvaclientmain_search.cpp
     void setSearchActive(bool active);
-    void searchExtended(bool special);
+    bool runSearch(bool special);
+    bool searchExtended(bool special);
+    void searchAnew(bool special);
     /// Sets up the full-text options; false, with a box, when nothing can be searched for.
     bool takeFullText(const QString &words);
     void showSearch();

@@ -1,5 +1,6 @@
 #include "app/kelvaclientmain.h"
 
+#include "documents/itemroles.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/searchtexts.h"
@@ -100,12 +101,10 @@ void KelvaClientMain::filterActivated(const QModelIndex &index)
     }
     replaceSearchCell(nullptr);
     m_treeSearch->setActive(item);
+    m_extSearch->selectEntry(item->data(itemrole::storedId).toString()); // its name may be there twice
     m_extSearch->reloadSearch(item->text());
-    m_searchWhere = QStringLiteral("1=1");
-    m_selectionOption.clear();
-    m_fullTextOption.clear();
     m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(searchtext::extendedSearchKey));
-    doSearch(true);
+    searchAnew(true);
 }
 
 void KelvaClientMain::doEditFilters()
