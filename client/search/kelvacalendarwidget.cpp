@@ -8,6 +8,7 @@ kelvacalendarwidget::kelvacalendarwidget(QWidget *parent)
     : QCalendarWidget(parent),
       m_period(new kelvadateperiod(this))
 {
+    setAccessibleName(tr("Calendar"));
     setFirstDayOfWeek(Qt::Monday);
     setGridVisible(true);
     layout()->addWidget(m_period);
