@@ -90,7 +90,9 @@ void kelvadateperiod::activeToggled(bool active)
 
 void kelvadateperiod::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    // Return that picks from the open list of the combo box arrives here as well.
+    const bool done = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (done && !m_ui->m_sign->hasFocus())
         emit commit();
     else
         QGroupBox::keyPressEvent(event);
