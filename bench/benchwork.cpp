@@ -1,4 +1,4 @@
-// What a user waits for besides the list: filing files, exporting documents, a large folder tree. Each
+// What a user waits for besides the list: filing files, a large folder tree. Each
 // against the least that the same costs. Usage: benchwork DIRECTORY, on the disk that archives lie on.
 
 #include "bench/measure.h"
@@ -90,22 +90,6 @@ void transfers(kelva::Session &session, const QString &directory, const QStringL
                      copyFile(files.at(i), QString("%1/copies/%2").arg(directory).arg(i), true);
              },
              1.7});
-    compare({QString("export of %1 documents of 200 kB").arg(fileCount),
-             [&] {
-                 for (const qint64 id : qAsConst(ids)) {
-                     const QString path =
-                         need(kelva::Content(session).fetch(id, kelva::Action::Exported, go));
-                     QFile::rename(path, QString("%1/copies/out%2").arg(directory).arg(id));
-                     QFile::remove(QString("%1/copies/out%2").arg(directory).arg(id));
-                 }
-             },
-             [&] {
-                 for (int i = 0; i < files.size(); ++i) {
-                     copyFile(files.at(i), QString("%1/copies/plain").arg(directory), false);
-                     QFile::remove(directory + "/copies/plain");
-                 }
-             },
-             1.3});
 }
 
 void folderTree()

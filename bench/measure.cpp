@@ -14,8 +14,10 @@ double medianMs(QVector<qint64> times)
     return double(times.at(times.size() / 2)) / 1e6;
 }
 
-qint64 timed(const std::function<void()> &work)
+qint64 timed(const std::function<void()> &before, const std::function<void()> &work)
 {
+    if (before)
+        before();
     QElapsedTimer timer;
     timer.start();
     work();
@@ -26,13 +28,14 @@ qint64 timed(const std::function<void()> &work)
 
 void compare(const Comparison &comparison, int runs)
 {
-    comparison.product(); // both once without counting, so that neither pays for the cold cache
-    comparison.floor();
+    // Both once without counting, so that neither pays for the cold cache.
+    timed(comparison.before, comparison.product);
+    timed(comparison.before, comparison.floor);
     QVector<qint64> products;
     QVector<qint64> floors;
     for (int i = 0; i < runs; ++i) {
-        products << timed(comparison.product);
-        floors << timed(comparison.floor);
+        products << timed(comparison.before, comparison.product);
+        floors << timed(comparison.before, comparison.floor);
     }
     const double product = medianMs(products);
     const double floor = medianMs(floors);

@@ -15,10 +15,10 @@ constexpr int threads = 16;
 
 } // namespace
 
-void BlockPublisher::Waiting::finish()
+void BlockPublisher::Waiting::finish(bool inTime)
 {
     if (done)
-        std::exchange(done, nullptr)();
+        std::exchange(done, nullptr)(inTime);
 }
 
 BlockPublisher::BlockPublisher(QObject *parent) : QObject(parent)
@@ -51,12 +51,12 @@ void BlockPublisher::setProfiles(const QList<Profile> &profiles)
     for (const SlotPointer &slot : dropped)
         for (const Waiter &waiter : std::exchange(slot->current, {}) + std::exchange(slot->next, {}))
             if (--waiter->open == 0)
-                waiter->finish();
+                waiter->finish(true);
     for (const SlotPointer &slot : qAsConst(changed))
         want(slot, nullptr);
 }
 
-void BlockPublisher::renew(const QList<qint64> &ids, int timeoutMs, std::function<void()> done)
+void BlockPublisher::renew(const QList<qint64> &ids, int timeoutMs, std::function<void(bool inTime)> done)
 {
     const auto waiter = std::make_shared<Waiting>();
     waiter->done = std::move(done);
@@ -66,10 +66,10 @@ void BlockPublisher::renew(const QList<qint64> &ids, int timeoutMs, std::functio
             wanted << slot;
     waiter->open = wanted.size();
     if (wanted.isEmpty()) {
-        waiter->finish();
+        waiter->finish(true);
         return;
     }
-    QTimer::singleShot(timeoutMs, this, [waiter] { waiter->finish(); });
+    QTimer::singleShot(timeoutMs, this, [waiter] { waiter->finish(false); });
     for (const SlotPointer &slot : qAsConst(wanted))
         want(slot, waiter);
 }
@@ -113,7 +113,7 @@ void BlockPublisher::conclude(const SlotPointer &slot, const Result<void> &outco
     slot->fault = outcome ? QString() : outcome.error().text;
     for (const Waiter &waiter : std::exchange(slot->current, {}))
         if (--waiter->open == 0)
-            waiter->finish();
+            waiter->finish(true);
     const qint64 id = slot->profile.id;
     if (m_slots.value(id) != slot)
         return;

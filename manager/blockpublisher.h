@@ -28,8 +28,8 @@ public:
     /// Starts on the blocks of new and changed profiles and lets go of those that are no more.
     void setProfiles(const QList<Profile> &profiles);
     /// Calls done when the blocks of these profiles have been made anew from what the archives hold now, or
-    /// when timeoutMs are over. Unknown ids are passed over.
-    void renew(const QList<qint64> &ids, int timeoutMs, std::function<void()> done);
+    /// when timeoutMs are over and some have not. Unknown ids are passed over.
+    void renew(const QList<qint64> &ids, int timeoutMs, std::function<void(bool inTime)> done);
     /// Why the profile's block could not be made; empty when it was, or is being made for the first time.
     QString fault(qint64 id) const;
     /// Waits for what is under way; false when it takes longer.
@@ -43,8 +43,8 @@ private:
     struct Waiting
     {
         int open = 0;
-        std::function<void()> done;
-        void finish();
+        std::function<void(bool inTime)> done;
+        void finish(bool inTime);
     };
     using Waiter = std::shared_ptr<Waiting>;
 

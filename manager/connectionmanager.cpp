@@ -86,17 +86,19 @@ void ConnectionManager::answerList(const Answer &answer)
     for (const Profile &profile : m_profiles.profiles())
         ids << profile.id;
     // What did not get ready in time the client hears at its login; the others must not suffer for it.
-    m_blocks.renew(ids, listTimeoutMs, [this, answer] { answer(profileListAnswer(m_profiles.profiles())); });
+    m_blocks.renew(ids, listTimeoutMs,
+                   [this, answer](bool) { answer(profileListAnswer(m_profiles.profiles())); });
 }
 
 void ConnectionManager::answerRenewed(qint64 profileId, const Answer &answer)
 {
-    m_blocks.renew({profileId}, lineTimeoutMs, [this, profileId, answer] {
+    m_blocks.renew({profileId}, lineTimeoutMs, [this, profileId, answer](bool inTime) {
         if (!m_profiles.find(profileId)) {
             answer(lineAnswer(QStringLiteral("There is no such profile.")));
             return;
         }
-        const QString fault = m_blocks.fault(profileId);
+        const QString fault =
+            inTime ? m_blocks.fault(profileId) : QStringLiteral("The archive did not answer in time.");
         answer(lineAnswer(fault.isEmpty() ? QStringLiteral("OK") : fault));
     });
 }

@@ -1,6 +1,7 @@
 #include "manager/managerwindow.h"
 
 #include "manager/profiledialog.h"
+#include "server/plainbox.h"
 #include "ui_managerwindow.h"
 
 #include <QAction>
@@ -258,13 +259,12 @@ void ManagerWindow::testProfile()
 void ManagerWindow::showFindings(const Profile &profile, const ProfileStates::Findings &findings)
 {
     if (!findings) {
-        QMessageBox::warning(
-            this, windowTitle(),
-            tr("The login with \"%1\" failed:\n\n%2").arg(profile.name, findings.error().text));
+        plainbox::warning(this, windowTitle(),
+                          tr("The login with \"%1\" failed:\n\n%2").arg(profile.name, findings.error().text));
         return;
     }
     const ProfileFindings &found = findings.value();
-    QMessageBox::information(
+    plainbox::information(
         this, windowTitle(),
         tr("The login with \"%1\" as %2 works.\n\nArchive: %3 (%4 in all)\nDocuments: %5\nFolders: %6")
             .arg(profile.name, profile.user, found.archiveName, QString::number(found.archives),
@@ -281,11 +281,11 @@ void ManagerWindow::removeProfile()
         tr("Should the profile \"%1\" be removed? The archive and its documents stay.").arg(profile->name);
     if (const QString users = usersText(m_manager ? m_manager->countUsers(id) : 0); !users.isEmpty())
         question += QStringLiteral("\n\n") + users;
-    if (QMessageBox::question(this, windowTitle(), question, QMessageBox::Yes | QMessageBox::No,
-                              QMessageBox::No) != QMessageBox::Yes)
+    if (plainbox::question(this, windowTitle(), question, QMessageBox::Yes | QMessageBox::No,
+                           QMessageBox::No) != QMessageBox::Yes)
         return;
     if (const Result<void> removed = m_profiles.store().remove(id); !removed)
-        QMessageBox::warning(this, windowTitle(), removed.error().text);
+        plainbox::warning(this, windowTitle(), removed.error().text);
     m_profiles.follow();
 }
 
@@ -297,21 +297,21 @@ void ManagerWindow::startKelva()
     // It looks for its plug-ins in the directory that it is started in.
     if (!QProcess::startDetached(clientProgram(), {QStringLiteral("-profile:%1").arg(profile->id)},
                                  QCoreApplication::applicationDirPath()))
-        QMessageBox::warning(this, windowTitle(), tr("Kelva could not be started."));
+        plainbox::warning(this, windowTitle(), tr("Kelva could not be started."));
 }
 
 void ManagerWindow::setAside()
 {
-    if (QMessageBox::question(this, windowTitle(),
-                              tr("Should the profile file be set aside and a new list be begun? The file is "
-                                 "kept under another name."),
-                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+    if (plainbox::question(this, windowTitle(),
+                           tr("Should the profile file be set aside and a new list be begun? The file is "
+                              "kept under another name."),
+                           QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
         return;
     const Result<QString> kept = m_profiles.store().setAside();
     if (!kept)
-        QMessageBox::warning(this, windowTitle(), kept.error().text);
+        plainbox::warning(this, windowTitle(), kept.error().text);
     else
-        QMessageBox::information(this, windowTitle(), tr("The file is kept as %1.").arg(kept.value()));
+        plainbox::information(this, windowTitle(), tr("The file is kept as %1.").arg(kept.value()));
     m_profiles.follow();
 }
 

@@ -1,11 +1,14 @@
 #include "archiveclient.h"
 
 #include "service/archive.h"
+#include "service/blobs.h"
 #include "service/documents.h"
 #include "service/subarchives.h"
+#include "service/temporaryfiles.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 
 using kelva::Action;
@@ -64,6 +67,9 @@ bool ArchiveClient::login(QString user, QString password)
         offline ? m_connection.openOffline() : m_connection.login(m_host, m_port, user, password);
     if (!done)
         m_connection.setError(done.error());
+    kelva::clearTemporaryFiles();
+    if (done.ok() && !offline)
+        kelva::removeAbandonedUploads(*m_connection.session());
     return done.ok();
 }
 
@@ -147,6 +153,8 @@ bool ArchiveClient::uploadDocument(QString archive, QString localFile, bool newD
         return false;
     const QScopedValueRollback<bool> transferring(m_transferring, true);
     return m_connection.perform([&](Session &session) -> Result<void> {
+        const auto restore =
+            qScopeGuard([&session, selected = session.subArchive()] { session.setSubArchive(selected); });
         if (!archive.trimmed().isEmpty()) {
             const Result<qint64> id = kelva::SubArchives(session).find(archive);
             if (!id)

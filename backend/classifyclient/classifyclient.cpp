@@ -191,14 +191,16 @@ void ClassifyClient::setCurrentArchive(QString archiveKey)
 
 void ClassifyClient::reloadServerData()
 {
-    refreshSession();
+    m_connection.perform([](Session &session) { return session.acknowledgeVocabulary(); });
     if (m_offlineBlock)
         publishOffline();
 }
 
 void ClassifyClient::refreshSession()
 {
-    m_connection.perform([](Session &session) { return session.acknowledgeVocabulary(); });
+    // Rights are looked up for every operation. What others change is not taken as known here: it may have
+    // come after the data block was read.
+    m_connection.perform([](Session &) { return Result<void>(); });
 }
 
 bool ClassifyClient::changeOwnPassword(QString oldPassword, QString newPassword)

@@ -3,6 +3,11 @@
 #include "service/session.h"
 
 #include <QFile>
+#include <QSysInfo>
+
+#include <cerrno>
+#include <csignal>
+#include <unistd.h>
 
 namespace kelva {
 namespace {
@@ -16,16 +21,37 @@ Error cancelled()
     return {ErrorCode::Refused, QStringLiteral("The transfer was cancelled.")};
 }
 
-/// Uploads that nobody has worked at for a day belong to a process that was killed.
-void removeAbandoned(Session &session)
+/// Who works at an upload, and when it last did: time, computer and process id.
+QString uploadMark(const Session &session)
+{
+    return QStringLiteral("%1 %2 %3").arg(session.timestamp(), QSysInfo::machineHostName()).arg(::getpid());
+}
+
+/// A process of this computer that is no more, or one of any that has not been at it for a day.
+bool isAbandoned(const Session &session, const QString &mark)
 {
     const QString yesterday = session.today().addDays(-1).toString(Qt::ISODate) +
                               session.timestamp().mid(QStringLiteral("yyyy-MM-dd").size());
-    session.database().run(QStringLiteral("DELETE FROM blob WHERE touched IS NOT NULL AND touched < ?"),
-                           {yesterday});
+    if (mark < yesterday)
+        return true;
+    const auto pid = static_cast<pid_t>(mark.section(QLatin1Char(' '), 2, 2).toInt());
+    return pid > 0 && mark.section(QLatin1Char(' '), 1, 1) == QSysInfo::machineHostName() &&
+           ::kill(pid, 0) != 0 && errno == ESRCH;
 }
 
 } // namespace
+
+void removeAbandonedUploads(Session &session)
+{
+    Database &database = session.database();
+    QVector<qint64> abandoned;
+    for (Query row = database.query(QStringLiteral("SELECT id, touched FROM blob WHERE touched IS NOT NULL"));
+         row.next();)
+        if (isAbandoned(session, row.text(1)))
+            abandoned.append(row.number(0));
+    for (const qint64 blob : qAsConst(abandoned))
+        database.run(QStringLiteral("DELETE FROM blob WHERE id = ? AND touched IS NOT NULL"), {blob});
+}
 
 BlobWriter::~BlobWriter()
 {
@@ -47,7 +73,7 @@ Result<void> BlobWriter::readAll(QFile &file, const Content::Progress &progress)
         const QByteArray piece = file.read(pieceSize);
         if (piece.isEmpty())
             break;
-        m_hash.addData(piece);
+        m_hash.add(piece);
         m_size += piece.size();
         m_pieces << piece;
         if (m_pieces.size() == batch)
@@ -67,11 +93,11 @@ Result<void> BlobWriter::stage()
 {
     Transaction writing(m_session.database(), Transaction::Kind::Write);
     if (m_blob == 0) {
-        removeAbandoned(m_session);
+        removeAbandonedUploads(m_session);
         startBlob(true);
     } else {
         m_session.database().run(QStringLiteral("UPDATE blob SET touched = ? WHERE id = ?"),
-                                 {m_session.timestamp(), m_blob});
+                                 {uploadMark(m_session), m_blob});
     }
     insertPieces();
     const Result<void> done = writing.commit();
@@ -82,7 +108,7 @@ Result<void> BlobWriter::stage()
 void BlobWriter::startBlob(bool unfinished)
 {
     m_session.database().run(QStringLiteral("INSERT INTO blob(touched) VALUES(?)"),
-                             {unfinished ? QVariant(m_session.timestamp()) : QVariant()});
+                             {unfinished ? QVariant(uploadMark(m_session)) : QVariant()});
     m_blob = m_session.database().lastInsertId();
 }
 
@@ -111,7 +137,7 @@ Result<qint64> BlobWriter::finish()
 qint64 insertBlob(Database &database, const QByteArray &content)
 {
     database.run(QStringLiteral("INSERT INTO blob(size, sha256) VALUES(?, ?)"),
-                 {content.size(), QCryptographicHash::hash(content, QCryptographicHash::Sha256)});
+                 {content.size(), Checksum::of(content)});
     const qint64 blob = database.lastInsertId();
     int number = 0;
     for (int at = 0; at < content.size(); at += pieceSize)
@@ -127,7 +153,7 @@ Result<void> copyBlob(Database &database, qint64 blob, const QString &path, cons
         return Error{ErrorCode::Storage, QStringLiteral("The file %1 cannot be written.").arg(path)};
     const QByteArray expected =
         database.value(QStringLiteral("SELECT sha256 FROM blob WHERE id = ?"), {blob}).toByteArray();
-    QCryptographicHash hash(QCryptographicHash::Sha256);
+    Checksum hash;
     qint64 done = 0;
     // One statement per piece: events may run in between, and a blob never changes.
     for (int number = 0;; ++number) {
@@ -141,7 +167,7 @@ Result<void> copyBlob(Database &database, qint64 blob, const QString &path, cons
         if (file.write(bytes) != bytes.size())
             return Error{ErrorCode::Storage,
                          QStringLiteral("The file %1 cannot be written: %2").arg(path, file.errorString())};
-        hash.addData(bytes);
+        hash.add(bytes);
         done += bytes.size();
         if (progress && !progress(done))
             return cancelled();
@@ -158,11 +184,11 @@ QStringList blobFaults(Database &database)
 {
     QStringList faults;
     for (const qint64 blob : database.numbers(QStringLiteral("SELECT id FROM blob WHERE touched IS NULL"))) {
-        QCryptographicHash hash(QCryptographicHash::Sha256);
+        Checksum hash;
         for (Query row = database.query(
                  QStringLiteral("SELECT data FROM blob_piece WHERE blob = ? ORDER BY number"), {blob});
              row.next();)
-            hash.addData(row.bytes(0));
+            hash.add(row.bytes(0));
         if (hash.result() !=
             database.value(QStringLiteral("SELECT sha256 FROM blob WHERE id = ?"), {blob}).toByteArray())
             faults << QStringLiteral("The content %1 does not match its checksum.").arg(blob);

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "service/checksum.h"
 #include "service/content.h"
 #include "store/result.h"
 
 #include <QByteArray>
-#include <QCryptographicHash>
 #include <QList>
 #include <QString>
 
@@ -38,7 +38,7 @@ private:
     void insertPieces();
 
     Session &m_session;
-    QCryptographicHash m_hash{QCryptographicHash::Sha256};
+    Checksum m_hash;
     QList<QByteArray> m_pieces;
     qint64 m_blob = 0;
     qint64 m_size = 0;
@@ -47,6 +47,8 @@ private:
     bool m_kept = false;
 };
 
+/// Removes what uploads of killed processes have left. Best effort: a failure is noticed by the next.
+void removeAbandonedUploads(Session &session);
 /// Inserts a whole blob within the transaction of the caller.
 qint64 insertBlob(Database &database, const QByteArray &content);
 /// Writes a blob over a file and compares its checksum.

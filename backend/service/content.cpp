@@ -75,6 +75,23 @@ void recordEvent(Session &session, qint64 archiveId, Action action,
         {archiveId, static_cast<int>(action), session.timestamp(), session.login(), storedText(comment)});
 }
 
+/// Cuts a long name in its middle: the suffix says what the file is.
+QString storedFileName(const QString &name)
+{
+    const int excess = name.size() - maximumFileName;
+    const QString suffix = QFileInfo(name).suffix();
+    const int cut = name.size() - suffix.size() - 1 - excess;
+    const bool cutBase = excess > 0 && cut > 0;
+    return storedText(cutBase ? name.left(cut) + QLatin1Char('.') + suffix : name, maximumFileName)
+        .toString();
+}
+
+/// Closing a file takes all of the process's locks on it away, those of the archive's connections too.
+bool isArchiveItself(const Database &database, const QString &file)
+{
+    return QFileInfo(file).canonicalFilePath() == QFileInfo(database.path()).canonicalFilePath();
+}
+
 qint64 blobOf(Database &database, qint64 archiveId)
 {
     return database
@@ -129,10 +146,12 @@ Result<qint64> Content::store(const QString &localFile, bool newDocument, const 
 {
     if (const Result<void> allowed = m_session.access().require(rights::classify); !allowed)
         return allowed.error();
+    if (isArchiveItself(m_session.database(), localFile))
+        return Error{ErrorCode::BadInput, QStringLiteral("The archive cannot be filed in itself.")};
     QFile file(localFile);
     if (!QFileInfo(localFile).isFile() || !file.open(QIODevice::ReadOnly))
         return Error{ErrorCode::NotFound, QStringLiteral("The file %1 cannot be read.").arg(localFile)};
-    const QString fileName = storedText(QFileInfo(localFile).fileName(), maximumFileName).toString();
+    const QString fileName = storedFileName(QFileInfo(localFile).fileName());
     BlobWriter writer(m_session);
     if (const Result<void> read = writer.readAll(file, progress); !read)
         return read.error();
@@ -235,7 +254,8 @@ Result<QStringList> Content::actions(const QStringList &archiveIds, int action, 
 
 Result<void> Content::record(qint64 archiveId, Action action)
 {
-    Transaction writing(m_session.database(), Transaction::Kind::Write);
+    // The file that goes out does not wait for the disk either.
+    Transaction writing(m_session.database(), Transaction::Kind::WriteBehind);
     if (m_session.isOffline())
         return m_session.access().require(rights::classify);
     if (!maySeeDocument(m_session, archiveId))

@@ -95,7 +95,7 @@ QStringList DocumentColumns::keys() const
 
 QString numberAsText(const QString &column)
 {
-    return QStringLiteral("CASE WHEN %1 IS NULL THEN '' ELSE printf('%.15g', %1) END").arg(column);
+    return QStringLiteral("CASE WHEN %1 IS NULL THEN '' ELSE kelva_number_text(%1) END").arg(column);
 }
 
 QString DocumentColumns::rowExpression() const

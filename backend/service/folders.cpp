@@ -14,7 +14,9 @@ namespace kelva {
 namespace {
 
 constexpr int maximumName = 254;
-constexpr int maximumDepth = 64;
+constexpr int maximumKeywords = 4000;
+/// Of an oid; some fifty levels of folders.
+constexpr int maximumLength = 200;
 
 struct FolderRow
 {
@@ -115,7 +117,8 @@ Error unknownFolder()
 
 bool isStorableOid(const QString &oid)
 {
-    return isFolderOid(oid) && oid != QLatin1String("0");
+    // A first number 0 means a status, or no folder at all.
+    return isFolderOid(oid) && oid.section(QLatin1Char('.'), 0, 0) != QLatin1String("0");
 }
 
 Result<void> removeFolder(Database &database, const QString &oid)
@@ -172,15 +175,14 @@ QString mainFolderOf(const QString &oid)
 
 bool isFolderOid(const QString &oid)
 {
-    constexpr int maximumLength = 200;
     if (oid.size() > maximumLength)
         return false;
     const QStringList parts = oid.split(QLatin1Char('.'));
-    return parts.size() <= maximumDepth && std::all_of(parts.cbegin(), parts.cend(), [](const QString &part) {
-               return !part.isEmpty() && std::all_of(part.cbegin(), part.cend(), [](QChar c) {
-                   return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-               });
-           });
+    return std::all_of(parts.cbegin(), parts.cend(), [](const QString &part) {
+        return !part.isEmpty() && std::all_of(part.cbegin(), part.cend(), [](QChar c) {
+            return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+        });
+    });
 }
 
 Result<Records> Folders::list(bool all)
@@ -245,6 +247,9 @@ Result<QString> Folders::create(const QString &parentOid, const QString &name, c
     const QVariant cleanName = storedText(name.trimmed(), maximumName);
     if (cleanName.toString().isEmpty())
         return Error{ErrorCode::BadInput, QStringLiteral("The folder needs a name.")};
+    if (keywords.size() > maximumKeywords)
+        return Error{ErrorCode::BadInput,
+                     QStringLiteral("The keywords are longer than %1 characters.").arg(maximumKeywords)};
     const QString prefix = isMain ? QString() : parentOid + QLatin1Char('.');
     qint64 largest = 0;
     // Records count too: the number of a deleted folder must not come back and inherit anything.
@@ -255,6 +260,8 @@ Result<QString> Folders::create(const QString &parentOid, const QString &name, c
                             {prefix, isMain ? QStringLiteral(":") : parentOid + QLatin1Char('/')}))
             largest = std::max(largest, oid.mid(prefix.size()).section(QLatin1Char('.'), 0, 0).toLongLong());
     const QString oid = prefix + QString::number(largest + 1);
+    if (oid.size() > maximumLength)
+        return Error{ErrorCode::BadInput, QStringLiteral("The folders would lie too deep in each other.")};
     if (!isStorableOid(oid))
         return badFolder(oid);
     database.run(QStringLiteral("INSERT INTO folder(oid, name, flag, key, keywords) VALUES(?, ?, ?, ?, ?)"),

@@ -3,6 +3,7 @@
 #include "service/records.h"
 #include "service/rights.h"
 #include "service/session.h"
+#include "store/textmatch.h"
 
 #include <QHash>
 #include <QJsonDocument>
@@ -49,7 +50,7 @@ private:
 QString attributeText(const AttributeColumn &attribute, const QJsonValue &value)
 {
     if (attribute.kind == AttributeKind::Numeric && value.isDouble())
-        return QString::number(value.toDouble(), 'g', 15);
+        return numberText(value.toDouble());
     return value.toVariant().toString();
 }
 
@@ -97,7 +98,11 @@ QString currentAttributes(const DocumentColumns &columns)
     for (int from = 0; from < attributes.size(); from += perStep) {
         QString pairs;
         for (const AttributeColumn &attribute : attributes.mid(from, perStep))
-            pairs += QStringLiteral(", '$.%1', %2").arg(QString::number(attribute.id), attribute.column);
+            pairs += QStringLiteral(", '$.%1', %2")
+                         .arg(QString::number(attribute.id),
+                              attribute.kind == AttributeKind::Numeric
+                                  ? QStringLiteral("kelva_number_text(%1)").arg(attribute.column)
+                                  : attribute.column); // JSON would cut a number to 15 digits
         merged = QStringLiteral("json_set(%1%2)").arg(merged, pairs);
     }
     return merged;

@@ -12,13 +12,23 @@ namespace {
 constexpr int maximumName = 254;
 constexpr int maximumDefinition = 1 << 20;
 
-/// The definition holds separators that are its own; a record must not break at them.
-QString cleanDefinition(QString text)
+/// The definition holds separators that are its own; a record must not break at them. Half a definition would
+/// be another search, so one that is too long is refused.
+Result<QString> cleanDefinition(QString text)
 {
+    if (text.size() > maximumDefinition)
+        return Error{ErrorCode::BadInput, QStringLiteral("The search is too long.")};
     text.remove(recordformat::fieldSeparator);
     text.remove(QChar(u'\0'));
-    text.truncate(maximumDefinition);
     return text;
+}
+
+Result<QString> cleanName(const QString &name)
+{
+    const QString clean = storedText(name, maximumName).toString().trimmed();
+    if (clean.isEmpty())
+        return Error{ErrorCode::BadInput, QStringLiteral("The search needs a name.")};
+    return clean;
 }
 
 bool isPersonalOfOthers(const QStringList &roles, const QString &login)
@@ -47,9 +57,8 @@ Result<void> storeRoles(Session &session, qint64 id, const QStringList &roles)
         wanted << personal;
     database.run(QStringLiteral("DELETE FROM search_role WHERE search = ?"), {id});
     for (const QString &role : qAsConst(wanted)) {
-        // Whoever does not administer shares with roles of his own, or with everybody.
-        const bool own = role == personal || role == rights::everyUser || session.roles().contains(role);
-        if (!own && !session.access().isAdmin())
+        // What stands in other users' lists is the administrators' business.
+        if (role != personal && !session.access().isAdmin())
             return Error{ErrorCode::Refused,
                          QStringLiteral("You cannot give the search to the role %1.").arg(role.left(80))};
         if (!database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
@@ -61,6 +70,7 @@ Result<void> storeRoles(Session &session, qint64 id, const QStringList &roles)
     return {};
 }
 
+/// Administrators may, and others what is theirs alone: a search of theirs that was shared is no longer.
 Result<void> checkMayChange(Session &session, qint64 id)
 {
     if (session.isOffline())
@@ -69,9 +79,15 @@ Result<void> checkMayChange(Session &session, qint64 id)
         session.database().value(QStringLiteral("SELECT owner FROM search WHERE id = ?"), {id});
     if (!owner.isValid())
         return Error{ErrorCode::NotFound, QStringLiteral("The search does not exist.")};
-    if (owner.toString() == session.login() || session.access().isAdmin())
+    if (session.access().isAdmin())
         return {};
-    return Error{ErrorCode::Refused, QStringLiteral("The search belongs to another user.")};
+    if (owner.toString() != session.login())
+        return Error{ErrorCode::Refused, QStringLiteral("The search belongs to another user.")};
+    if (rolesOfSearch(session.database(), id) != QStringList{rights::personalPrefix + session.login()})
+        return Error{
+            ErrorCode::Refused,
+            QStringLiteral("The search is for other users, too; only an administrator can change it.")};
+    return {};
 }
 
 } // namespace
@@ -109,10 +125,12 @@ Result<qint64> Searches::save(const QString &name, const QString &definition, co
     Transaction writing(database, Transaction::Kind::Write);
     if (m_session.isOffline())
         return m_session.access().require(rights::admin).error();
-    if (name.trimmed().isEmpty())
-        return Error{ErrorCode::BadInput, QStringLiteral("The search needs a name.")};
+    const Result<QString> cleanedName = cleanName(name);
+    const Result<QString> cleaned = cleanDefinition(definition);
+    if (!cleanedName || !cleaned)
+        return cleanedName ? cleaned.error() : cleanedName.error();
     database.run(QStringLiteral("INSERT INTO search(name, definition, owner) VALUES(?, ?, ?)"),
-                 {storedText(name, maximumName), cleanDefinition(definition), m_session.login()});
+                 {cleanedName.value(), cleaned.value(), m_session.login()});
     const qint64 id = database.lastInsertId();
     if (const Result<void> stored = storeRoles(m_session, id, roles); !stored)
         return stored.error();
@@ -128,10 +146,12 @@ Result<void> Searches::update(qint64 id, const QString &name, const QString &def
     Transaction writing(database, Transaction::Kind::Write);
     if (const Result<void> allowed = checkMayChange(m_session, id); !allowed)
         return allowed;
-    if (name.trimmed().isEmpty())
-        return Error{ErrorCode::BadInput, QStringLiteral("The search needs a name.")};
+    const Result<QString> cleanedName = cleanName(name);
+    const Result<QString> cleaned = cleanDefinition(definition);
+    if (!cleanedName || !cleaned)
+        return cleanedName ? cleaned.error() : cleanedName.error();
     database.run(QStringLiteral("UPDATE search SET name = ?, definition = ? WHERE id = ?"),
-                 {storedText(name, maximumName), cleanDefinition(definition), id});
+                 {cleanedName.value(), cleaned.value(), id});
     if (const Result<void> stored = storeRoles(m_session, id, roles); !stored)
         return stored;
     return writing.commit();

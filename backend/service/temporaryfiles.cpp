@@ -92,6 +92,11 @@ QString plainPart(QString text)
 
 } // namespace
 
+void clearTemporaryFiles()
+{
+    privateDirectory();
+}
+
 Result<QString> makeTemporaryFile(const QString &documentName)
 {
     const QString directory = privateDirectory();

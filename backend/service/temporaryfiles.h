@@ -6,9 +6,12 @@
 
 namespace kelva {
 
+/// Removes what processes that are no more have left.
+void clearTemporaryFiles();
+
 /// A new empty file (0600) in a directory that only this user can enter, named after a document: its suffix,
-/// and a base name without dots. It belongs to the
-/// caller and goes at the latest when the process ends, or when the next one begins.
+/// and a base name without dots. It belongs to the caller and goes at the latest when the process ends, or
+/// when the next one begins.
 Result<QString> makeTemporaryFile(const QString &documentName);
 
 } // namespace kelva

@@ -11,7 +11,6 @@
 #include <QSqlError>
 #include <QUrl>
 #include <QUuid>
-#include <QtEndian>
 
 #include <cstring>
 #include <limits>
@@ -57,7 +56,17 @@ Error sqliteError(int code, const QString &details)
     }
 }
 
-/// Looks at the file's first bytes without opening it as a database, which could leave files beside it.
+QByteArray uri(const QString &path, bool immutable)
+{
+    QUrl file = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
+    if (immutable)
+        file.setQuery(QStringLiteral("immutable=1"));
+    return file.toEncoded();
+}
+
+/// Looks at the file without leaving anything beside it. Only ever through SQLite: a process that closes a
+/// file loses all its locks on it, those of its other connections too, and the next program to leave the
+/// archive would take the write-ahead log with it.
 Result<void> checkHeader(const QString &path)
 {
     const Error noArchive{ErrorCode::NotAnArchive, QStringLiteral("The file %1 is no archive.").arg(path)};
@@ -66,14 +75,18 @@ Result<void> checkHeader(const QString &path)
         return Error{ErrorCode::NotFound, QStringLiteral("There is no archive at %1.").arg(path)};
     if (!info.isFile())
         return noArchive;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return Error{ErrorCode::Storage,
-                     QStringLiteral("The archive %1 cannot be opened: %2").arg(path, file.errorString())};
-    const QByteArray header = file.read(100);
-    constexpr int idOffset = 68;
-    if (header.size() < 100 || !header.startsWith(QByteArray("SQLite format 3\0", 16)) ||
-        qFromBigEndian<qint32>(header.constData() + idOffset) != schema::applicationId)
+    sqlite3 *opened = nullptr;
+    const int code = sqlite3_open_v2(uri(path, true).constData(), &opened,
+                                     SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+    const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection(opened, &sqlite3_close);
+    if (code != SQLITE_OK)
+        return Error{ErrorCode::Storage, QStringLiteral("The archive %1 cannot be opened: %2")
+                                             .arg(path, QString::fromUtf8(sqlite3_errmsg(opened)))};
+    sqlite3_stmt *prepared = nullptr;
+    sqlite3_prepare_v2(opened, "PRAGMA application_id", -1, &prepared, nullptr);
+    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(prepared, &sqlite3_finalize);
+    if (!statement || sqlite3_step(prepared) != SQLITE_ROW ||
+        sqlite3_column_int(prepared, 0) != schema::applicationId)
         return noArchive;
     return {};
 }
@@ -222,13 +235,10 @@ Result<void> Database::connect(Mode mode, int busyTimeoutMs, int version)
     {
         QSqlDatabase own = connection();
         QString options = QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=%1").arg(busyTimeoutMs);
-        QUrl file = QUrl::fromLocalFile(QFileInfo(m_path).absoluteFilePath());
-        if (m_readOnly) {
+        if (m_readOnly)
             options += QStringLiteral(";QSQLITE_OPEN_READONLY");
-            file.setQuery(QStringLiteral("immutable=1"));
-        }
         own.setConnectOptions(options);
-        own.setDatabaseName(QString::fromLatin1(file.toEncoded()));
+        own.setDatabaseName(QString::fromLatin1(uri(m_path, m_readOnly)));
         if (!own.open())
             return sqliteError(own.lastError().nativeErrorCode().toInt(), own.lastError().databaseText());
     }
@@ -494,9 +504,17 @@ Transaction::Transaction(Database &database, Kind kind) : m_database(database), 
         return;
     }
     m_database.m_error.reset();
-    m_open =
-        m_database.run(kind == Kind::Write ? QStringLiteral("BEGIN IMMEDIATE") : QStringLiteral("BEGIN"));
+    waitForDisk(false);
+    m_open = m_database.run(kind == Kind::Read ? QStringLiteral("BEGIN") : QStringLiteral("BEGIN IMMEDIATE"));
     m_database.m_depth = 1;
+}
+
+/// Only between transactions, where it always succeeds. Does nothing for a transaction of another kind.
+void Transaction::waitForDisk(bool wait)
+{
+    if (m_kind == Kind::WriteBehind)
+        sqlite3_exec(m_database.handle(), wait ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL",
+                     nullptr, nullptr, nullptr);
 }
 
 Transaction::~Transaction()
@@ -504,17 +522,20 @@ Transaction::~Transaction()
     if (m_done)
         return;
     if (--m_database.m_depth > 0) {
-        if (m_kind == Kind::Write)
+        if (m_kind != Kind::Read)
             m_database.fail({ErrorCode::BadInput, QStringLiteral("The operation was broken off.")});
         return;
     }
-    if (!m_open)
+    if (!m_open) {
+        waitForDisk(true);
         return;
+    }
     // Keeps the error of the statements: the caller may still ask for it.
     const std::optional<Error> error = m_database.m_error;
-    if (m_kind == Kind::Write) {
+    if (m_kind != Kind::Read) {
         m_database.run(QStringLiteral("ROLLBACK"));
         ++m_database.m_rollbacks;
+        waitForDisk(true);
     } else {
         // Nothing was written but temporary tables, and those are still good.
         m_database.run(QStringLiteral("COMMIT"));
@@ -530,6 +551,8 @@ Result<void> Transaction::commit()
         return *m_database.m_error;
     --m_database.m_depth;
     m_done = true;
+    if (m_outer)
+        waitForDisk(true);
     return {};
 }
 

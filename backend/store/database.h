@@ -157,11 +157,13 @@ private:
 };
 
 /// Rolls back unless commit() succeeded. Write locks the archive at once, so that what is read stays true
-/// until it is written; Read gives all statements the same state of the archive.
+/// until it is written; Read gives all statements the same state of the archive. WriteBehind is a Write that
+/// does not wait for the disk: everybody sees it and it survives the end of the program, but a power failure
+/// may take it back, until the next Write has been committed.
 class Transaction
 {
 public:
-    enum class Kind { Read, Write };
+    enum class Kind { Read, Write, WriteBehind };
 
     Transaction(Database &database, Kind kind);
     ~Transaction();
@@ -172,6 +174,7 @@ public:
     Result<void> commit();
 
 private:
+    void waitForDisk(bool wait);
     Database &m_database;
     Kind m_kind;
     bool m_open = false;

@@ -1,5 +1,6 @@
 #include "app/kelvaclientmain.h"
 
+#include "app/dockwidthkeeper.h"
 #include "app/kelvaabout.h"
 #include "app/programversion.h"
 #include "app/proxysettings.h"
@@ -13,6 +14,7 @@
 #include "server/classifyinterface.h"
 #include "server/kelvaarchiveclientinterface.h"
 #include "server/kelvaarchiveworker.h"
+#include "server/plainbox.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -24,7 +26,6 @@
 #include <QHeaderView>
 #include <QHostInfo>
 #include <QMenu>
-#include <QMessageBox>
 #include <QNetworkProxyFactory>
 #include <QPluginLoader>
 #include <QSettings>
@@ -80,6 +81,7 @@ void KelvaClientMain::setupPanels()
 
     m_tWOrdner->setSaveState(true, "kelvaMainFolderView");
     setDockNestingEnabled(true);
+    new DockWidthKeeper(this, m_dockFolder, m_dockDocuments);
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     m_infoView->horizontalHeader()->setSectionsMovable(true);
     m_infoView->horizontalHeader()->setContextMenuPolicy(Qt::ActionsContextMenu);
@@ -116,7 +118,7 @@ void KelvaClientMain::connectPanels()
     connect(m_bSuchen, SIGNAL(clicked()), this, SLOT(doSearch()));
     connect(m_bClearSuchen, SIGNAL(clicked()), this, SLOT(doClearSearch()));
     connect(m_bClearSuchen2, SIGNAL(clicked()), this, SLOT(doClearSearch()));
-    connect(m_bFilterBearbeiten, SIGNAL(clicked()), this, SLOT(notAvailableYet()));
+    connect(m_bFilterBearbeiten, SIGNAL(clicked()), this, SLOT(doEditFilters()));
     connect(action_About, SIGNAL(triggered(bool)), this, SLOT(showAbout()));
     connect(action_Hilfe, SIGNAL(triggered(bool)), this, SLOT(showHelp()));
 }
@@ -153,7 +155,7 @@ bool KelvaClientMain::init()
                          QString("%1").arg(programversion::build));
     initProxy();
     if (!loadClassificationPlugin() || !loadArchivePlugin()) {
-        QMessageBox::critical(this, tr("Error"), tr("Cannot load classify plugin!")); // the same for both
+        plainbox::critical(this, tr("Error"), tr("Cannot load classify plugin!")); // the same for both
         QCoreApplication::quit();
         return false;
     }

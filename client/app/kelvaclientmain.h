@@ -19,6 +19,7 @@ class KelvaComboDelegate;
 class KelvaDelegate;
 class KelvaDocLogin;
 class KelvaDocTree;
+class KelvaExtSearch;
 class KelvaLineDelegate;
 class KelvaTrashButton;
 class KelvaViewDelegate;
@@ -101,6 +102,9 @@ public slots:
 
     // search/kelvaclientmain_filters.cpp
     void resetFilters(bool reload = true, bool resetFolder = true);
+    /// Searches by a stored filter of the tree; its groups clear the search.
+    void filterActivated(const QModelIndex &index);
+    void doEditFilters();
 
 signals:
     void closed();
@@ -189,7 +193,11 @@ private:
 
     // documents/kelvaclientmain_search.cpp
     void setSearchActive(bool active);
-    void searchFullText(const QString &words);
+    void searchExtended(bool special);
+    /// Sets up the full-text options; false, with a box, when nothing can be searched for.
+    bool takeFullText(const QString &words);
+    void showSearch();
+    void replaceSearchCell(KelvaDelegate *delegate);
     KelvaDelegate *searchDelegate(const QString &column) const;
     void presetChoice(QTableWidgetItem *cell, const KelvaDelegate *delegate);
 
@@ -212,8 +220,10 @@ private:
     void releaseFixedDelegates();
 
     // search/kelvaclientmain_filters.cpp
+    void initExtendedSearch();
     void initStatus();
     void loadFilters();
+    void fillSearchCombo(const QStringList &columns);
 
     bool offlineMode = false;
     kelvaProfileData profile;
@@ -226,6 +236,7 @@ private:
     KelvaTrashButton *m_trashButton = nullptr; ///< the status bar's
     KelvaArchiveWorker *archiveWorker;
     QtToolBarManager *toolBarManager;
+    KelvaExtSearch *m_extSearch = nullptr; ///< from the first login on
     bool firstConnect = true;
     bool initialized = false;
     QString clientIdent; ///< composed for the service; nothing here reads it
@@ -260,7 +271,8 @@ private:
     QStringList m_columnNames; ///< field keys in the order of the table's columns
     QMutex m_updateMutex;
     QMutex m_timerMutex;
-    bool m_reloading = false; ///< updateAll() is at work and lets events run
+    bool m_reloading = false;             ///< updateAll() is at work and lets events run
+    bool m_changedWhileReloading = false; ///< somebody changed the vocabulary meanwhile
     bool m_connectionLost = false;
     /// What was asked for while a refresh or a reload was running.
     bool m_refreshMissed = false;

@@ -7,10 +7,10 @@
 #include "folders/kelvadoctree.h"
 #include "server/classifyinterface.h"
 #include "server/kelvalogindata.h"
+#include "server/plainbox.h"
 #include "server/recordformat.h"
 
 #include <QCloseEvent>
-#include <QMessageBox>
 #include <QProgressDialog>
 #include <QScopeGuard>
 #include <QScopedValueRollback>
@@ -70,12 +70,12 @@ bool KelvaClientMain::doLogin()
     if (!connected) {
         // On a first login connectToClassification() has said what is wrong.
         if (!firstConnect)
-            QMessageBox::critical(this, tr("Error"), tr("Cannot establish a connection to Kelva!"));
+            plainbox::critical(this, tr("Error"), tr("Cannot establish a connection to Kelva!"));
         close();
         return false;
     }
     if (!archiveKnown) {
-        QMessageBox::information(
+        plainbox::information(
             this, tr("Information"),
             tr("The configured archive was not found. Check the settings in the Connection Manager !"));
         QCoreApplication::quit();
@@ -92,8 +92,8 @@ bool KelvaClientMain::enterOfflineArchive()
     QStringList archives;
     classifyClient->getArchiveList(archives);
     if (archives.isEmpty()) {
-        QMessageBox::information(this, tr("Information"),
-                                 tr("The archive information could not be read. Archive corrupt?"));
+        plainbox::information(this, tr("Information"),
+                              tr("The archive information could not be read. Archive corrupt?"));
         return false;
     }
     const QStringList fields = archiveFields(archives.first());
@@ -111,7 +111,7 @@ bool KelvaClientMain::chooseProfile()
         return takeProfile();
     if (!login.getProfile(profile, message, this, false)) {
         if (!login.getIsUserCanceled())
-            QMessageBox::information(this, tr("Information"), message);
+            plainbox::information(this, tr("Information"), message);
         return false;
     }
     return takeProfile();
@@ -131,7 +131,7 @@ bool KelvaClientMain::takeProfile()
 
     const QStringList fields = archiveFields(profile.archiveEntry);
     if (fields.size() != 2) {
-        QMessageBox::information(
+        plainbox::information(
             this, tr("Information"),
             tr("The archive information can not be read. Check the settings in the Connection Manager!"));
         return false;
@@ -179,6 +179,7 @@ bool KelvaClientMain::connectToClassification()
     loadToolBar();
     loadSettings();
     setLoginText(tr("Initialize extended search..."));
+    initExtendedSearch();
     setLoginText(tr("Loading extensions..."));
     setLoginText(tr("Loading workbench..."));
     setLoginText(tr("Loading system folders..."));
@@ -208,13 +209,12 @@ bool KelvaClientMain::reportFailedConnection()
     if (message.startsWith("Password expired"))
         return changeExpiredPass(serverHost, loginName, serverPort) && connectToClassification();
     if (message == "WRONGVERSION") {
-        QMessageBox::critical(
-            this, tr("Error"),
-            tr("Version mismatch. Your client and server components has different versions."));
+        plainbox::critical(this, tr("Error"),
+                           tr("Version mismatch. Your client and server components has different versions."));
         return false;
     }
-    QMessageBox::critical(this, tr("Error"),
-                          tr("The connection to the server could not be established: ") + message);
+    plainbox::critical(this, tr("Error"),
+                       tr("The connection to the server could not be established: ") + message);
     classifyClient->disconnectClient();
     return false;
 }
@@ -225,11 +225,11 @@ bool KelvaClientMain::changeExpiredPass(const QString &host, const QString &user
     if (dialog.exec() != QDialog::Accepted)
         return false;
     if (!classifyClient->changeExpiredPassword(host, dialog.getOldPass(), dialog.getNewPass(), user, port)) {
-        QMessageBox::critical(this, tr("Error"),
-                              tr("The password could not be changed: ") + classifyClient->lastMessage());
+        plainbox::critical(this, tr("Error"),
+                           tr("The password could not be changed: ") + classifyClient->lastMessage());
         return false;
     }
-    QMessageBox::information(this, tr("Password changed"), tr("Password changed successfully!"));
+    plainbox::information(this, tr("Password changed"), tr("Password changed successfully!"));
     loginPassword = dialog.getNewPass();
     return true;
 }
@@ -240,11 +240,11 @@ void KelvaClientMain::changePassword()
     if (dialog.exec() != QDialog::Accepted)
         return;
     if (!classifyClient->changeOwnPassword(dialog.getOldPass(), dialog.getNewPass())) {
-        QMessageBox::critical(this, tr("Error"),
-                              tr("The password could not be changed: ") + classifyClient->lastMessage());
+        plainbox::critical(this, tr("Error"),
+                           tr("The password could not be changed: ") + classifyClient->lastMessage());
         return;
     }
-    QMessageBox::information(this, tr("Password changed"), tr("Password changed successfully!"));
+    plainbox::information(this, tr("Password changed"), tr("Password changed successfully!"));
     loginPassword = dialog.getNewPass();
 }
 
@@ -253,15 +253,19 @@ bool KelvaClientMain::updateAll(bool updateDocs)
     // It lets events run: a second one must not start on half a workplace.
     if (m_reloading)
         return true;
+    m_infoView->finishEditing();
     bool reloaded = false;
     {
         const QScopedValueRollback<bool> reloading(m_reloading, true);
+        m_changedWhileReloading = false;
         reloaded = reloadWorkplace(updateDocs);
     }
     if (!reloaded) {
         close();
         return false;
     }
+    if (m_changedWhileReloading)
+        startReloadBlink();
     if (updateDocs)
         selChanged();
     return true;
@@ -284,6 +288,9 @@ bool KelvaClientMain::reloadWorkplace(bool updateDocs)
 
     releaseFixedDelegates();
     login.reloadProfile(profile.id);
+    if (!login.reloadFault().isEmpty())
+        plainbox::warning(this, tr("Warning"),
+                          tr("The workbench could not be renewed: %1").arg(login.reloadFault()));
     loadSettings();
     if (updateDocs)
         m_infoView->resetHeaders();
@@ -306,15 +313,17 @@ bool KelvaClientMain::reloadWorkplace(bool updateDocs)
 void KelvaClientMain::clientDisconnected()
 {
     m_connectionLost = true; // a login that is under way ends with it
-    QMessageBox::critical(this, tr("Error"), tr("Cannot establish a connection to Kelva!"));
+    plainbox::critical(this, tr("Error"), tr("Cannot establish a connection to Kelva!"));
     classifyClient->disconnectClient();
     close();
 }
 
 void KelvaClientMain::handleServerRequest(QString request)
 {
-    if (request == "DORELOADALL")
-        startReloadBlink();
+    if (request != "DORELOADALL")
+        return;
+    m_changedWhileReloading = m_reloading;
+    startReloadBlink();
 }
 
 void KelvaClientMain::startReloadBlink()

@@ -1,11 +1,12 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/defaultlayout.h"
-#include "app/userrights.h"
 #include "documents/kelvatrashbutton.h"
 #include "extensions/qttoolbarmanager.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
+#include "server/plainbox.h"
+#include "server/userrights.h"
 
 #include <QCheckBox>
 #include <QFileDialog>
@@ -314,15 +315,15 @@ void KelvaClientMain::saveWorkbench()
         name += ".kwb";
         // The file dialog has asked for the name without the suffix.
         if (QFileInfo::exists(name) &&
-            QMessageBox::question(this, tr("Save workbench settings"),
-                                  tr("%1 already exists.\nDo you want to replace it?").arg(name),
-                                  QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+            plainbox::question(this, tr("Save workbench settings"),
+                               tr("%1 already exists.\nDo you want to replace it?").arg(name),
+                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
             return;
     }
     QSaveFile file(name); // the old file stays whole until the new one is
     const QByteArray state = saveState(0);
     if (!file.open(QIODevice::WriteOnly) || file.write(state) != state.size() || !file.commit())
-        QMessageBox::critical(this, tr("Error"), tr("Cannot write to file: ") + name);
+        plainbox::critical(this, tr("Error"), tr("Cannot write to file: ") + name);
 }
 
 void KelvaClientMain::loadWorkbench()
@@ -338,7 +339,7 @@ void KelvaClientMain::loadWorkbench()
     const bool opened = file.open(QIODevice::ReadOnly);
     const QByteArray state = opened ? file.readAll() : QByteArray();
     if (!opened || file.error() != QFile::NoError) {
-        QMessageBox::critical(this, tr("Error"), tr("Cannot read from file: ") + name);
+        plainbox::critical(this, tr("Error"), tr("Cannot read from file: ") + name);
         return;
     }
     restoreState(state, 0); // what Qt refuses leaves the layout as it is
@@ -348,9 +349,9 @@ void KelvaClientMain::loadWorkbench()
 
 void KelvaClientMain::resetSettings()
 {
-    const auto answer = QMessageBox::question(this, tr("Reset workbench"),
-                                              tr("Do you want to reset the workspace to the initial state?"),
-                                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    const auto answer = plainbox::question(this, tr("Reset workbench"),
+                                           tr("Do you want to reset the workspace to the initial state?"),
+                                           QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
     if (answer != QMessageBox::Yes)
         return;
     {
@@ -367,5 +368,5 @@ void KelvaClientMain::resetSettings()
 
 void KelvaClientMain::notAvailableYet()
 {
-    QMessageBox::information(this, tr("Information"), tr("This is not available yet."));
+    plainbox::information(this, tr("Information"), tr("This is not available yet."));
 }

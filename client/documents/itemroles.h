@@ -8,6 +8,12 @@ enum : int {
     storedId = 256,
     /// Raw value of a cell, before display text replaces it; of a status entry its id.
     rawValue = 257,
+    /// Stored searches: their rows.
+    content = 258,
+    /// Stored searches: the roles they are open to. Roles in a list: the mark "R".
+    roles = 259,
+    /// Number of a group of filters.
+    filterGroup = 261,
     /// Column 0: classification id, as text.
     classificationId = 266,
     /// True in a numeric column.

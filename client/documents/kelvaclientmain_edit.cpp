@@ -1,15 +1,15 @@
 #include "app/kelvaclientmain.h"
 
-#include "app/waitcursor.h"
 #include "documents/classificationedit.h"
 #include "documents/documentcolumns.h"
 #include "documents/itemroles.h"
 #include "documents/kelvacalendar.h"
 #include "documents/qinfoviewmodel.h"
+#include "documents/waitcursor.h"
 #include "server/classifyinterface.h"
+#include "server/plainbox.h"
 
 #include <QHoverEvent>
-#include <QMessageBox>
 #include <QStandardItem>
 
 namespace edit = classificationedit;
@@ -64,8 +64,8 @@ bool KelvaClientMain::checkIfChanged(const QString &version, const QString &docI
 {
     if (m_infoView->getVersion(docId) == version)
         return false;
-    QMessageBox::critical(this, tr("Warning"),
-                          tr("Classify not possible, the entry has been processed in the meantime!"));
+    plainbox::critical(this, tr("Warning"),
+                       tr("Classify not possible, the entry has been processed in the meantime!"));
     return true;
 }
 
@@ -89,8 +89,7 @@ bool KelvaClientMain::editDocument(const QString &docId, const RecordChange &cha
     if (result == EditResult::Dropped)
         return false; // neither saved nor refreshed
     if (result == EditResult::ReadFailed || result == EditResult::SaveFailed)
-        QMessageBox::critical(this, tr("Error"),
-                              result == EditResult::ReadFailed ? readFailure : saveFailure);
+        plainbox::critical(this, tr("Error"), result == EditResult::ReadFailed ? readFailure : saveFailure);
     if (update)
         updateDocuments({});
     return result == EditResult::Saved;
@@ -152,7 +151,7 @@ void KelvaClientMain::updateMandant(const QString &docId, const QString &folder,
     });
     // After the warning of a conflict as well.
     if (result != EditResult::Saved)
-        QMessageBox::critical(this, tr("Error"), tr("The main folder could not be changed!"));
+        plainbox::critical(this, tr("Error"), tr("The main folder could not be changed!"));
     if (update)
         updateDocuments({});
 }
@@ -170,10 +169,10 @@ void KelvaClientMain::updateStatus(const QString &docId, const QString &status, 
     if (result == EditResult::Dropped)
         return;
     if (result == EditResult::ReadFailed)
-        QMessageBox::critical(this, tr("Error"),
-                              tr("The status could not be changed! (%1)").arg(classifyClient->lastMessage()));
+        plainbox::critical(this, tr("Error"),
+                           tr("The status could not be changed! (%1)").arg(classifyClient->lastMessage()));
     else if (result == EditResult::SaveFailed)
-        QMessageBox::critical(this, tr("Error"), tr("The status could not be changed!"));
+        plainbox::critical(this, tr("Error"), tr("The status could not be changed!"));
     if (update)
         updateDocuments({});
 }
@@ -197,8 +196,8 @@ void KelvaClientMain::updateFromColumn(const QString &value, int column, const Q
         return true;
     });
     if (result == EditResult::ReadFailed || result == EditResult::SaveFailed)
-        QMessageBox::critical(this, tr("Error"),
-                              tr("The document could not be classified: ") + classifyClient->lastError());
+        plainbox::critical(this, tr("Error"),
+                           tr("The document could not be classified: ") + classifyClient->lastError());
     updateDocuments({});
 }
 

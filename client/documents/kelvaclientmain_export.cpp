@@ -3,10 +3,10 @@
 #include "documents/documentcolumns.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
+#include "server/plainbox.h"
 #include "server/qfiledialogzip.h"
 
 #include <QCheckBox>
-#include <QMessageBox>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -44,7 +44,7 @@ QStringList KelvaClientMain::doExportDocument(const QString &path, bool open, in
         statusBar()->showMessage(tr("Export canceled."));
     } else {
         statusBar()->showMessage(tr("Export error: %1").arg(archiveWorker->getLastError()));
-        QMessageBox::critical(this, tr("Export error"), archiveWorker->getLastError());
+        plainbox::critical(this, tr("Export error"), archiveWorker->getLastError());
     }
     return {};
 }

@@ -1,7 +1,5 @@
 #include "app/kelvaclientmain.h"
 
-#include "app/userrights.h"
-#include "app/waitcursor.h"
 #include "documents/documentactionstate.h"
 #include "documents/documentcolumns.h"
 #include "documents/itemroles.h"
@@ -9,13 +7,16 @@
 #include "documents/kelvatrashbutton.h"
 #include "documents/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
+#include "documents/waitcursor.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
+#include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
 #include "server/folderoid.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/recordformat.h"
+#include "server/userrights.h"
 
 #include <QCheckBox>
 #include <QDebug>
@@ -99,6 +100,7 @@ DocumentQuery KelvaClientMain::currentQuery() const
 
 void KelvaClientMain::updateDocuments(QStringList docIds, bool resetPlugins)
 {
+    m_infoView->finishEditing();
     // The service may run events while it works, and so does a reload. A refresh from there cannot wait on
     // the same thread, so it runs afterwards.
     std::unique_lock<QMutex> lock(m_updateMutex, std::try_to_lock);
@@ -349,5 +351,6 @@ void KelvaClientMain::showDocView()
 
 void KelvaClientMain::updateTrash()
 {
+    m_extSearch->updateStatusDelegates();
     updateDocuments({});
 }

@@ -1,6 +1,5 @@
 #include "app/kelvaclientmain.h"
 
-#include "app/waitcursor.h"
 #include "documents/itemroles.h"
 #include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"
@@ -8,13 +7,16 @@
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvasimplecombodelegate.h"
 #include "documents/onelinesearch.h"
+#include "documents/searchtexts.h"
+#include "documents/waitcursor.h"
 #include "folders/kelvaviewdelegate.h"
+#include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
+#include "server/plainbox.h"
 #include "server/recordformat.h"
 
 #include <QLocale>
-#include <QMessageBox>
 #include <QSignalBlocker>
 
 namespace {
@@ -46,20 +48,26 @@ void KelvaClientMain::searchComboChanged(int index)
 void KelvaClientMain::searchComboChanged(int index, bool focus)
 {
     const QString column = m_SearchCombo->itemData(index).toString();
+    if (column == searchtext::extendedSearchKey) {
+        replaceSearchCell(nullptr);
+        m_SearchString->setEnabled(false);
+        if (!focus)
+            return;
+        m_searchWhere = QStringLiteral("1=1");
+        m_selectionOption.clear();
+        m_fullTextOption.clear();
+        doSearch(false);
+        return;
+    }
     // A text is kept only from one line editor to the next: it means nothing to a list of choices.
     const bool wasLine = qobject_cast<KelvaLineDelegate *>(m_SearchString->itemDelegateForColumn(0));
     const QString text = wasLine ? m_SearchString->item(0, 0)->text() : QString();
-    QTableWidgetItem *cell = new QTableWidgetItem;
+    m_SearchString->setEnabled(true);
+    KelvaDelegate *delegate = searchDelegate(column);
+    replaceSearchCell(delegate);
+    QTableWidgetItem *cell = m_SearchString->item(0, 0);
     {
         const QSignalBlocker blocker(m_SearchString);
-        m_SearchString->setEnabled(true);
-        m_SearchString->closePersistentEditor(m_SearchString->item(0, 0));
-        m_SearchString->setItem(0, 0, cell);
-        KelvaDelegate *delegate = searchDelegate(column);
-        // Before the old one dies: the table would keep an entry without a delegate and paint with it.
-        QAbstractItemDelegate *old = m_SearchString->itemDelegateForColumn(0);
-        m_SearchString->setItemDelegateForColumn(0, delegate);
-        delete old;
         if (qobject_cast<KelvaLineDelegate *>(delegate))
             cell->setText(text);
         else
@@ -78,10 +86,20 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
     if (!focus)
         return;
     m_SearchString->setFocus(Qt::OtherFocusReason);
-    const QAbstractItemDelegate *delegate = m_SearchString->itemDelegateForColumn(0);
-    if (qobject_cast<const KelvaCalendarDelegate *>(delegate) ||
-        qobject_cast<const KelvaViewDelegate *>(delegate))
+    if (qobject_cast<KelvaCalendarDelegate *>(delegate) || qobject_cast<KelvaViewDelegate *>(delegate))
         m_SearchString->editItem(cell);
+}
+
+/// An empty cell with this delegate, or with none.
+void KelvaClientMain::replaceSearchCell(KelvaDelegate *delegate)
+{
+    const QSignalBlocker blocker(m_SearchString);
+    m_SearchString->closePersistentEditor(m_SearchString->item(0, 0));
+    m_SearchString->setItem(0, 0, new QTableWidgetItem);
+    // Before the old one dies: the table would keep an entry without a delegate and paint with it.
+    QAbstractItemDelegate *old = m_SearchString->itemDelegateForColumn(0);
+    m_SearchString->setItemDelegateForColumn(0, delegate);
+    delete old;
 }
 
 /// A list of choices stands open in the search cell, on its first entry.
@@ -103,7 +121,7 @@ void KelvaClientMain::presetChoice(QTableWidgetItem *cell, const KelvaDelegate *
 KelvaDelegate *KelvaClientMain::searchDelegate(const QString &column) const
 {
     KelvaDelegate *delegate = nullptr;
-    if (column == tr("full text"))
+    if (column == searchtext::fullText())
         delegate = new KelvaLineDelegate({}, m_SearchString, 254, false);
     else if (const KelvaDelegate *source = getDelegateForColumn(getColumnIndex(column)))
         delegate = source->clone(m_SearchString);
@@ -126,12 +144,18 @@ void KelvaClientMain::searchTextChanged()
 
 void KelvaClientMain::doCheckSearch()
 {
+    // The extended search is repeated as it stands, without its dialog.
     if (m_bClearSuchen->isEnabled())
-        doSearch(false);
+        doSearch(m_SearchCombo->currentData() == searchtext::extendedSearchKey);
 }
 
-void KelvaClientMain::doSearch(bool)
+void KelvaClientMain::doSearch(bool special)
 {
+    const QString column = m_SearchCombo->currentData().toString();
+    if (column == searchtext::extendedSearchKey) {
+        searchExtended(special);
+        return;
+    }
     const QTableWidgetItem *cell = m_SearchString->item(0, 0);
     QString value = cell ? cell->data(itemrole::rawValue).toString() : QString();
     if (value.isEmpty() && cell)
@@ -140,12 +164,12 @@ void KelvaClientMain::doSearch(bool)
     if (choices && cell && cell->data(itemrole::rawValue).toString().isEmpty()) {
         // A name that was typed instead of chosen.
         const QString key = choices->getValue(value);
-        if (key != tr("not assigned"))
+        if (key != searchtext::notAssigned())
             value = key;
     }
-    const QString column = m_SearchCombo->currentData().toString();
-    if (column == tr("full text")) {
-        searchFullText(value);
+    if (column == searchtext::fullText()) {
+        if (takeFullText(value))
+            showSearch();
         return;
     }
     OneLineSearch search;
@@ -159,29 +183,52 @@ void KelvaClientMain::doSearch(bool)
         const QSignalBlocker blocker(m_tWOrdner);
         m_tWOrdner->clearSelection();
     }
-    setSearchActive(true);
-    updateDocuments({});
+    showSearch();
 }
 
-void KelvaClientMain::searchFullText(const QString &words)
+void KelvaClientMain::searchExtended(bool special)
 {
-    if (words.size() < fullTextMinimumLength) {
-        QMessageBox::information(this, tr("full text search"),
-                                 tr("A minimum of 3 characters is needed for the full text search!"));
+    if (!special && m_extSearch->exec() != QDialog::Accepted) {
+        doClearSearch(true);
         return;
+    }
+    m_SearchString->setEnabled(false);
+    const QString where = m_extSearch->getFilter();
+    const QString words = m_extSearch->getFullText();
+    if (words.isEmpty()) {
+        m_selectionOption.clear();
+        m_fullTextOption.clear();
+    } else if (!takeFullText(words)) {
+        return;
+    }
+    m_searchWhere = where;
+    if (!special)
+        m_treeSearch->selectActive(m_extSearch->getCurrentFilter());
+    showSearch();
+}
+
+bool KelvaClientMain::takeFullText(const QString &words)
+{
+    if (words.trimmed().size() < fullTextMinimumLength) {
+        plainbox::information(this, tr("full text search"),
+                              tr("A minimum of 3 characters is needed for the full text search!"));
+        return false;
     }
     // The service's own search takes the words itself; then no hit of the local one is asked for.
     const bool atService = actionErweitererte_Volltextsuche->isChecked() && !offlineMode;
     QStringList hits;
-    {
-        const WaitCursor cursor;
-        if (!atService && !archiveWorker->searchDocs(words, hits)) {
-            QMessageBox::critical(this, tr("Error"), archiveWorker->getLastError());
-            return;
-        }
-        m_selectionOption = fullTextSelection(hits, offlineMode);
-        m_fullTextOption = atService ? fullTextOption(words) : QString();
+    const WaitCursor cursor;
+    if (!atService && !archiveWorker->searchDocs(words, hits)) {
+        plainbox::critical(this, tr("Error"), archiveWorker->getLastError());
+        return false;
     }
+    m_selectionOption = fullTextSelection(hits, offlineMode);
+    m_fullTextOption = atService ? fullTextOption(words) : QString();
+    return true;
+}
+
+void KelvaClientMain::showSearch()
+{
     setSearchActive(true);
     updateDocuments({});
 }
@@ -192,8 +239,10 @@ void KelvaClientMain::doClearSearch(bool update)
     m_selectionOption.clear();
     m_fullTextOption.clear();
     setSearchActive(false);
+    m_treeSearch->clearSelection();
+    m_treeSearch->clearActive();
     m_SearchString->setStyleSheet(QString());
-    m_SearchString->setEnabled(true);
+    m_SearchString->setEnabled(m_SearchCombo->currentData() != searchtext::extendedSearchKey);
     if (update)
         selChanged();
 }

@@ -2,6 +2,8 @@
 
 #include "documents/celldata.h"
 #include "documents/itemroles.h"
+#include "documents/recordpicture.h"
+#include "documents/searchtexts.h"
 #include "documents/valuecombobox.h"
 #include "server/recordformat.h"
 
@@ -19,8 +21,8 @@ KelvaComboDelegate::KelvaComboDelegate(QStringList values, QList<QByteArray> pic
     for (int i = 0; i < m_values.size(); ++i) {
         const QStringList fields = m_values.at(i).split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
         m_entries.insert(fields.first(), fields);
-        QPixmap picture;
-        if (picture.loadFromData(m_pics.value(i)))
+        const QPixmap picture = recordPicture(m_pics.value(i));
+        if (!picture.isNull())
             m_icons.insert(fields.first(), QIcon(picture));
     }
 }
@@ -41,14 +43,14 @@ QString KelvaComboDelegate::getValue(const QString &display) const
         if (fields.value(fields.size() > 1 ? 1 : 0) == display)
             return fields.first();
     }
-    return tr("not assigned");
+    return searchtext::notAssigned();
 }
 
 QString KelvaComboDelegate::getData(const QString &key) const
 {
     const auto entry = m_entries.constFind(key);
     if (entry == m_entries.constEnd())
-        return tr("not assigned");
+        return searchtext::notAssigned();
     return entry->value(entry->size() > 1 ? 1 : 0);
 }
 

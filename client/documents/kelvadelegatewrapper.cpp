@@ -62,8 +62,12 @@ QWidget *KelvaDelegateWrapper::createEditor(QWidget *parent, const QStyleOptionV
                                             const QModelIndex &index) const
 {
     const QStyledItemDelegate *delegate = getDelegate(index.row(), index.column());
-    return delegate ? delegate->createEditor(parent, option, index)
-                    : QStyledItemDelegate::createEditor(parent, option, index);
+    QWidget *editor = delegate ? delegate->createEditor(parent, option, index)
+                               : QStyledItemDelegate::createEditor(parent, option, index);
+    // Nothing else beside an editor in a table names it.
+    if (editor && editor->accessibleName().isEmpty())
+        editor->setAccessibleName(index.model()->headerData(index.column(), Qt::Horizontal).toString());
+    return editor;
 }
 
 void KelvaDelegateWrapper::setEditorData(QWidget *editor, const QModelIndex &index) const

@@ -11,6 +11,8 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
+#include <QPointer>
+#include <QScopedValueRollback>
 #include <QStandardItem>
 
 namespace {
@@ -191,8 +193,30 @@ QList<int> KelvaInfoView::getItemRows(const QString &docId) const
     return rows;
 }
 
+void KelvaInfoView::commitData(QWidget *editor)
+{
+    const QScopedValueRollback<bool> committing(m_committing, true);
+    QTableView::commitData(editor);
+}
+
+void KelvaInfoView::finishEditing()
+{
+    if (state() != EditingState || m_committing)
+        return;
+    const QPointer<QWidget> editor = indexWidget(QTableView::currentIndex());
+    if (editor)
+        commitData(editor);
+    if (editor)
+        closeEditor(editor, QAbstractItemDelegate::NoHint);
+}
+
 void KelvaInfoView::keyPressEvent(QKeyEvent *event)
 {
+    if (state() == EditingState) {
+        // A key that a text editor has no use for would move the selection away from under it.
+        event->ignore();
+        return;
+    }
     const QModelIndex current = currentIndex();
     const bool mayEdit = editTriggers() != QAbstractItemView::NoEditTriggers;
     const bool plain =

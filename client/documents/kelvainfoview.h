@@ -65,6 +65,9 @@ public:
     /// proxy's mapping to exist (ask rowCount() of the proxy first).
     QList<int> getItemRows(const QString &docId) const;
 
+    /// Hands an open editor's value on, as leaving the cell does, so that a refresh does not throw it away.
+    void finishEditing();
+
     bool getAutoResize() const { return autoResize; }
     void setAutoResize(bool automatic);
     /// After each load, when the cells have their final texts.
@@ -88,6 +91,7 @@ signals:
     void gotDropEvent(QDropEvent *event);
 
 protected:
+    void commitData(QWidget *editor) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -106,6 +110,7 @@ private:
     MySortFilterProxyModel *m_proxy;
     bool autoResize = false;
     bool noEdit = true;
+    bool m_committing = false;
     bool m_headerKnown =
         true; ///< the profile's header was stored; otherwise widths follow the first contents
     QAction *m_hideAction = nullptr;

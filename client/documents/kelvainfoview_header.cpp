@@ -2,6 +2,7 @@
 
 #include "documents/documentcolumns.h"
 #include "documents/qinfoviewmodel.h"
+#include "server/plainbox.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -9,7 +10,6 @@
 #include <QDebug>
 #include <QHeaderView>
 #include <QMenu>
-#include <QMessageBox>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QSignalBlocker>
@@ -91,7 +91,7 @@ void KelvaInfoView::hideColumn()
         auto *action = const_cast<QAction *>(chosen);
         const int column = action->data().toInt();
         if (!action->isChecked() && visibleColumns() <= 1) {
-            QMessageBox::information(this, tr("Warning"), tr("All columns can not be hidden."));
+            plainbox::information(this, tr("Warning"), tr("All columns can not be hidden."));
             action->setChecked(true);
             continue;
         }

@@ -64,10 +64,16 @@ QWidget *KelvaLineDelegate::createEditor(QWidget *parent, const QStyleOptionView
 
 void KelvaLineDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 {
-    if (auto *line = qobject_cast<QLineEdit *>(editor); line && serves(index))
-        line->setText(index.data(Qt::DisplayRole).toString().trimmed().left(m_maxLength));
-    else
+    auto *line = qobject_cast<QLineEdit *>(editor);
+    if (!line || !serves(index)) {
         KelvaDelegate::setEditorData(editor, index);
+        return;
+    }
+    QString text = index.data(Qt::DisplayRole).toString().trimmed().left(m_maxLength);
+    // Stored with a ".", which would be a group separator elsewhere: 12.345 must not become 12345.
+    if (m_numeric && text.count('.') == 1)
+        text.replace('.', QLocale().decimalPoint());
+    line->setText(text);
 }
 
 void KelvaLineDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
@@ -81,6 +87,9 @@ void KelvaLineDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
     QString text = line->text().trimmed();
     if (m_numeric)
         text.remove(QLocale().groupSeparator());
+    if (m_numeric &&
+        QString(text).replace(QLocale().decimalPoint(), '.') == index.data().toString().trimmed())
+        return; // only written in another way
     text.truncate(m_maxLength);
     if (!text.isEmpty() && m_completions->findItems(text).isEmpty())
         m_completions->appendRow(new QStandardItem(text));

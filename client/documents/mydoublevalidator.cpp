@@ -9,3 +9,15 @@ QValidator::State MyDoubleValidator::validate(QString &text, int &position) cons
 {
     return text.isEmpty() ? Acceptable : QDoubleValidator::validate(text, position);
 }
+
+void MyDoubleValidator::fixup(QString &text) const
+{
+    const QChar point = locale().decimalPoint();
+    const QChar other = point == '.' ? ',' : '.';
+    if (text.count(other) != 1 || text.contains(point))
+        return;
+    QString fixed = QString(text).replace(other, point);
+    int position = 0;
+    if (validate(fixed, position) == Acceptable)
+        text = fixed;
+}

@@ -11,4 +11,6 @@ public:
     explicit MyDoubleValidator(QObject *parent);
 
     State validate(QString &text, int &position) const override;
+    /// "12,5" where the decimal point is ".", and the other way round.
+    void fixup(QString &text) const override;
 };

@@ -1,29 +1,31 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/kelvaclientsettings.h"
-#include "app/userrights.h"
-#include "app/waitcursor.h"
 #include "documents/documentcolumns.h"
 #include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvasimplecombodelegate.h"
+#include "documents/waitcursor.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvanewfolder.h"
 #include "folders/kelvaviewdelegate.h"
 #include "folders/workbenchdata.h"
+#include "search/kelvaextsearch.h"
 #include "server/classifyinterface.h"
 #include "server/folderoid.h"
 #include "server/kelvaarchiveworker.h"
+#include "server/plainbox.h"
 #include "server/recordformat.h"
+#include "server/userrights.h"
 
 #include <QDebug>
 #include <QHeaderView>
 #include <QMenu>
-#include <QMessageBox>
 #include <QSignalBlocker>
+#include <QStatusBar>
 
 namespace {
 
@@ -39,7 +41,7 @@ bool KelvaClientMain::initFolders()
     const QString key = workbenchKey(classifyClient->getLoginName(), classifyClient->getServerHost(),
                                      classifyClient->getServerPort(), classifyClient->getProfileId());
     if (!readWorkbenchData(key, workbench)) {
-        QMessageBox::critical(
+        plainbox::critical(
             this, tr("Error"),
             tr("The connection to the Connection Manager could not be established, please restart Kelva!"));
         return false;
@@ -48,6 +50,7 @@ bool KelvaClientMain::initFolders()
     disconnect(docTree, SIGNAL(updateDocuments()), this, SLOT(updateDocuments()));
     disconnect(m_tWOrdner, SIGNAL(curSelChanged()), this, SLOT(timerSelChanged()));
     makeAttributeDelegates(workbench);
+    m_extSearch->setUsers(classifyClient->getRoles());
     makeFixedDelegates(workbench);
     showFolderTree(workbench);
     makeFolderColumn(workbench);
@@ -240,7 +243,9 @@ void KelvaClientMain::subArchiveChanged(int, bool reload)
         enterSubArchive(archive);
         QStringList names;
         archiveWorker->getArchiveNames(names);
-        if (!names.isEmpty()) {
+        if (names.isEmpty()) {
+            statusBar()->showMessage(archiveWorker->getLastError());
+        } else {
             const QSignalBlocker blocker(m_currentSubArchiv);
             fillSubArchives(names);
             int entry = m_currentSubArchiv->findData(archive, Qt::UserRole,
@@ -270,7 +275,8 @@ void KelvaClientMain::fillMoveMenu()
     for (int i = 0; i < m_currentSubArchiv->count(); ++i) {
         if (m_currentSubArchiv->itemText(i) == m_currentSubArchiv->currentText())
             continue;
-        QAction *target = action_MoveToArchive->menu()->addAction(m_currentSubArchiv->itemText(i));
+        QAction *target = action_MoveToArchive->menu()->addAction(
+            m_currentSubArchiv->itemText(i).replace(QLatin1Char('&'), QLatin1String("&&")));
         target->setData(m_currentSubArchiv->itemData(i));
         connect(target, SIGNAL(triggered()), this, SLOT(notAvailableYet()));
     }
@@ -286,19 +292,24 @@ void KelvaClientMain::moveToFolder()
 void KelvaClientMain::doCreateFolder(QString parentOid)
 {
     if (!classifyClient) {
-        QMessageBox::critical(this, tr("Error"), tr("The connection has been disconnected."));
+        plainbox::critical(this, tr("Error"), tr("The connection has been disconnected."));
         return;
     }
     KelvaNewFolder dialog(this);
     dialog.m_jumpToFolder->hide();
-    if (dialog.exec() != QDialog::Accepted)
-        return;
-    if (!classifyClient->createFolder(parentOid, dialog.m_Name->text(), dialog.m_Key->text(),
-                                      folderKeywords(dialog.m_BuzzWords->toPlainText()))) {
-        QMessageBox::critical(this, tr("Error"),
-                              tr("The folder could not be created: ") + classifyClient->lastMessage());
-        return;
-    }
+    const auto create = [&] {
+        return classifyClient->createFolder(parentOid, dialog.m_Name->text(), dialog.m_Key->text(),
+                                            folderKeywords(dialog.m_BuzzWords->toPlainText()));
+    };
+    // What was typed is not lost: the dialog comes back with it.
+    do {
+        if (dialog.exec() != QDialog::Accepted)
+            return;
+        if (create())
+            break;
+        plainbox::critical(this, tr("Error"),
+                           tr("The folder could not be created: ") + classifyClient->lastMessage());
+    } while (true);
     // The whole workplace is rebuilt for one new folder.
     classifyClient->reloadServerData();
     updateAll(true);

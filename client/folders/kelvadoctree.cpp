@@ -1,5 +1,6 @@
 #include "folders/kelvadoctree.h"
 
+#include "documents/recordpicture.h"
 #include "folders/kelvadocitem.h"
 #include "server/folderoid.h"
 #include "server/recordformat.h"
@@ -196,6 +197,8 @@ void KelvaDocTree::loadFromStringList(const QStringList &rows, const QList<QByte
 
 void KelvaDocTree::loadRow(const QStringList &fields, const QByteArray &picture)
 {
+    if (!folderoid::isPath(fields.value(oidField)))
+        return; // would pass for another folder, and enter a clause
     const bool hasMarkers = fields.size() >= fieldsWithMarkers;
     KelvaDocItem *node = insertItem(fields.value(oidField), fields.value(nameField), picture,
                                     fields.size() >= fieldsWithFlag ? fields.value(flagField) : QString(),
@@ -237,7 +240,7 @@ KelvaDocItem *KelvaDocTree::insertItem(const QString &oid, const QString &name, 
         // Folders with like pictures share one pixmap.
         const QString key = QCryptographicHash::hash(picture, QCryptographicHash::Md5).toBase64();
         if (!QPixmapCache::find(key, &pixmap)) {
-            pixmap.loadFromData(picture);
+            pixmap = recordPicture(picture);
             QPixmapCache::insert(key, pixmap);
         }
     }

@@ -3,10 +3,10 @@
 #include "documents/documentmime.h"
 #include "folders/kelvadocitem.h"
 #include "server/folderoid.h"
+#include "server/plainbox.h"
 #include "server/recordformat.h"
 
 #include <QBuffer>
-#include <QMessageBox>
 #include <QPixmap>
 #include <QSet>
 
@@ -92,12 +92,12 @@ KelvaDocItem *KelvaDocTree::newItem(const QString &oid)
 QList<KelvaDocItem *> KelvaDocTree::removeItem(KelvaDocItem *node, bool check)
 {
     if (check && node->childCount() > 0) {
-        QMessageBox::information(nullptr, tr("Delete"),
-                                 tr("The folder could not be deleted. The folder contains sub folders!"));
+        plainbox::information(nullptr, tr("Delete"),
+                              tr("The folder could not be deleted. The folder contains sub folders!"));
         return {};
     }
     if (!node->parent()) {
-        QMessageBox::information(nullptr, tr("Delete"), tr("The root-folder cannot be deleted!"));
+        plainbox::information(nullptr, tr("Delete"), tr("The root-folder cannot be deleted!"));
         return {};
     }
     QList<KelvaDocItem *> removed;

@@ -5,7 +5,6 @@
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvasearchdlg.h"
-#include "server/folderoid.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -20,6 +19,13 @@ namespace {
 
 constexpr int firstNameWidth = 220;
 constexpr int longestName = 254;
+
+/// The document table's selection, and a paler hint of it under the pointer.
+const char treeSheet[] =
+    "QTreeView { selection-color: #FFFFFF; selection-background-color: "
+    "qlineargradient(x1: 0, y1: 0, x2: 0, y2: 1, stop: 0 #6ea1f1, stop: 1 #567dbc); }\n"
+    "QTreeView::item:hover:!selected { background: "
+    "qlineargradient(x1: 0, y1: 0, x2: 0, y2: 1, stop: 0 #eef4fd, stop: 1 #d4e2f8); color: #000000; }";
 
 } // namespace
 
@@ -39,6 +45,7 @@ KelvaFolderView::KelvaFolderView(QWidget *parent)
     setDragDropOverwriteMode(true); // a drop between two folders would reach the wrong one
     setMouseTracking(true);
     setContextMenuPolicy(Qt::ActionsContextMenu);
+    setStyleSheet(treeSheet);
     setItemDelegate(new KelvaLineDelegate({}, this, longestName, false));
     connect(header(), SIGNAL(sectionMoved(int, int, int)), this, SLOT(doSaveState()));
     connect(header(), SIGNAL(sectionResized(int, int, int)), this, SLOT(doSaveState()));
@@ -210,8 +217,7 @@ void KelvaFolderView::update()
         {
             const QSignalBlocker headerBlocker(header());
             const QSignalBlocker viewBlocker(this);
-            // The first start shows the main folders.
-            m_expandedOids = settings.value("TreeExpandedItems", QStringList(folderoid::all)).toStringList();
+            m_expandedOids = settings.value("TreeExpandedItems").toStringList();
             QTreeView::collapseAll();
             for (const QString &oid : qAsConst(m_expandedOids))
                 if (const KelvaDocItem *node = m_tree->findItem(oid))

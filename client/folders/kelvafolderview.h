@@ -112,7 +112,9 @@ private:
     bool isSelectable(const QModelIndex &proxyIndex) const;
     void makeActions();
     void makeSearchBar();
-    void expandBelow(const QModelIndex &proxyIndex, bool expand);
+    void placeSearchBar();
+    const KelvaDocItem *nextHit();
+    void setExpandedBelowCurrent(bool expand);
     QString folderLink();
     void listenToCurrent(bool listen);
 

@@ -1,8 +1,10 @@
 #include "folders/kelvafolderview.h"
 
+#include "documents/mysortfilterproxymodel.h"
 #include "folders/folderlink.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
+#include "server/plainbox.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -12,7 +14,7 @@
 #include <QHeaderView>
 #include <QHostInfo>
 #include <QMenu>
-#include <QMessageBox>
+#include <QSet>
 #include <QSignalBlocker>
 #include <QUrl>
 
@@ -57,7 +59,7 @@ void KelvaFolderView::hideColumn()
     }
     while (QAction *action = menu.exec(QCursor::pos())) {
         if (!action->isChecked() && header()->count() - header()->hiddenSectionCount() <= 1) {
-            QMessageBox::information(this, tr("Warning"), tr("All columns can not be hidden."));
+            plainbox::information(this, tr("Warning"), tr("All columns can not be hidden."));
             action->setChecked(true);
             continue;
         }
@@ -67,23 +69,40 @@ void KelvaFolderView::hideColumn()
     doSaveState();
 }
 
-void KelvaFolderView::expandBelow(const QModelIndex &proxyIndex, bool expand)
+void KelvaFolderView::setExpandedBelowCurrent(bool expand)
 {
-    setExpanded(proxyIndex, expand);
-    for (int row = 0; row < QTreeView::model()->rowCount(proxyIndex); ++row)
-        expandBelow(QTreeView::model()->index(row, 0, proxyIndex), expand);
+    const KelvaDocItem *current = currentItem();
+    if (!current)
+        return;
+    QSet<QString> oids;
+    {
+        const QSignalBlocker blocker(this); // each folder would write the kept state on its own
+        scheduleDelayedItemsLayout();
+        QList<const KelvaDocItem *> open{current};
+        while (!open.isEmpty()) {
+            const KelvaDocItem *node = open.takeLast();
+            oids.insert(node->getOid());
+            setExpanded(m_proxy->mapFromSource(m_tree->indexFromItem(node)), expand);
+            for (int i = 0; i < node->childCount(); ++i)
+                open.append(node->child(i));
+        }
+    }
+    QStringList expanded;
+    for (const QString &oid : qAsConst(m_expandedOids))
+        if (!oids.contains(oid))
+            expanded << oid;
+    m_expandedOids = expand ? expanded + oids.values() : expanded;
+    doSaveState();
 }
 
 void KelvaFolderView::expandItems()
 {
-    expandBelow(QTreeView::currentIndex(), true);
-    doSaveState();
+    setExpandedBelowCurrent(true);
 }
 
 void KelvaFolderView::collapseItems()
 {
-    expandBelow(QTreeView::currentIndex(), false);
-    doSaveState();
+    setExpandedBelowCurrent(false);
 }
 
 void KelvaFolderView::expandAll()

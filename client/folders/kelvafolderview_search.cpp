@@ -1,5 +1,6 @@
 #include "folders/kelvafolderview.h"
 
+#include "documents/waitcursor.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvasearchdlg.h"
@@ -18,26 +19,34 @@ void KelvaFolderView::makeSearchBar()
 {
     m_searchBar = new KelvaSearchDlg(this, parentWidget());
     m_searchBar->hide();
-    if (parentWidget() && parentWidget()->layout())
-        parentWidget()->layout()->addWidget(m_searchBar);
+    placeSearchBar();
     connect(m_searchBar, SIGNAL(newSearch(QString)), this, SLOT(doPartialSearch(QString)));
     connect(m_searchBar, SIGNAL(updateFolder()), this, SLOT(doSearchSelection()));
     connect(m_searchBar, SIGNAL(nextSearch()), this, SLOT(updateSearch()));
     connect(m_searchBar, SIGNAL(resetFolder()), this, SLOT(resetFolder()));
 }
 
+void KelvaFolderView::placeSearchBar()
+{
+    QLayout *layout = parentWidget() ? parentWidget()->layout() : nullptr;
+    if (!layout)
+        return;
+    layout->removeWidget(m_searchBar);
+    layout->addWidget(m_searchBar);
+}
+
 void KelvaFolderView::showSearchDlg(int key)
 {
     if (!m_searchBar->isVisible()) {
-        // A form may have given the parent its layout after the view was made.
-        if (parentWidget() && parentWidget()->layout() && parentWidget()->layout()->indexOf(m_searchBar) < 0)
-            parentWidget()->layout()->addWidget(m_searchBar);
+        // A form puts the view into the layout after it was made: only now is the bar's place below it.
+        placeSearchBar();
         m_indexBeforeSearch = QTreeView::currentIndex();
         m_searchBar->show();
     }
-    if (key != 0 && QChar(key).isLetterOrNumber())
+    if (key != 0 && QChar(key).isLetterOrNumber()) {
+        m_searchBar->setSearchText(QString()); // the same letter again is a new search
         m_searchBar->setSearchText(QChar(key));
-    else if (key == 0)
+    } else if (key == 0)
         m_searchBar->selectText();
     m_searchBar->setInputFocus();
 }
@@ -68,26 +77,36 @@ void KelvaFolderView::updateSearch()
     searchAgain(false);
 }
 
+const KelvaDocItem *KelvaFolderView::nextHit()
+{
+    // A locked folder cannot become the current one; Return would choose the one before it.
+    const KelvaDocItem *found = nullptr;
+    do
+        found = m_tree->searchItem(m_searchText, m_searchPosition, false);
+    while (found && !found->getFlags().testFlag(Qt::ItemIsSelectable));
+    return found;
+}
+
 void KelvaFolderView::searchAgain(bool fromStart)
 {
     if (!m_tree)
         return;
+    const WaitCursor cursor;
     listenToCurrent(false);
     if (!m_searchBar->isVisible())
         showSearchDlg();
     else
         m_searchBar->setInputFocus();
     m_searchPosition = fromStart ? 0 : m_tree->getCurrentSearchIndex(currentItem()) + 1;
-    const KelvaDocItem *found = m_tree->searchItem(m_searchText, m_searchPosition, false);
+    const KelvaDocItem *found = nextHit();
     if (!found) {
         // Once round: what is above the current folder counts as well.
         m_searchPosition = 0;
-        found = m_tree->searchItem(m_searchText, m_searchPosition, false);
+        found = nextHit();
     }
     if (found) {
         clearSelection();
-        const QModelIndex index = m_tree->indexFromItem(found);
-        setCurrentIndex(index);
+        setCurrentIndex(m_tree->indexFromItem(found));
         m_searchBar->setFoundText(found->getName() + ' ' + found->getExtKey() + ' ' + found->getBuzzWords(),
                                   m_searchText);
         setExpanded(QTreeView::currentIndex(), true);

@@ -6,6 +6,7 @@
 
 #include <QBuffer>
 #include <QSharedMemory>
+#include <QThread>
 
 namespace {
 
@@ -17,6 +18,25 @@ bool areAttributes(const QMap<int, QString> &columns)
 {
     return columns.isEmpty() ||
            (columns.firstKey() >= documentcolumn::firstAttribute && columns.lastKey() <= largestColumn);
+}
+
+/// Empty when there is no segment.
+QByteArray readSegment(const QString &key)
+{
+    QSharedMemory segment(key);
+    if (!segment.attach() || !segment.lock())
+        return {};
+    // Copied first, parsed after: a bad block must not keep the lock.
+    const QByteArray block(static_cast<const char *>(segment.constData()), segment.size());
+    segment.unlock();
+    return block;
+}
+
+bool isBlank(const QByteArray &block)
+{
+    constexpr int looked = 1024;
+    const QByteArray head = block.left(looked);
+    return head.count('\0') == head.size();
 }
 
 } // namespace
@@ -76,12 +96,13 @@ bool parseWorkbenchData(const QByteArray &block, WorkbenchData &data)
 
 bool readWorkbenchData(const QString &key, WorkbenchData &data)
 {
-    QSharedMemory segment(key);
-    if (!segment.attach() || !segment.lock())
-        return false;
-    // Copy first, parse after: a bad block must not keep the lock.
-    const QByteArray block(static_cast<const char *>(segment.constData()), segment.size());
-    segment.unlock();
-    segment.detach();
+    // A block that has outgrown its segment gets a new one: for a moment there is none, or an empty one.
+    constexpr int attempts = 20;
+    constexpr unsigned long retryMs = 50;
+    QByteArray block = readSegment(key);
+    for (int i = 1; i < attempts && isBlank(block); ++i) {
+        QThread::msleep(retryMs);
+        block = readSegment(key);
+    }
     return parseWorkbenchData(block, data);
 }

@@ -2,13 +2,16 @@
 
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
+#include "documents/searchtexts.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvaviewdelegate.h"
+#include "search/filtermodel.h"
+#include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
+#include "server/plainbox.h"
 #include "server/recordformat.h"
 
-#include <QMessageBox>
 #include <QSignalBlocker>
 
 void KelvaClientMain::initStatus()
@@ -17,44 +20,99 @@ void KelvaClientMain::initStatus()
     QStringList rows;
     QList<QByteArray> pictures;
     if (!classifyClient->getStatusList(rows, pictures))
-        QMessageBox::critical(this, tr("Error"), tr("The status data could not be loaded!"));
+        plainbox::critical(this, tr("Error"), tr("The status data could not be loaded!"));
     m_twStatus->setStatusList(rows, pictures);
     connect(m_twStatus, SIGNAL(currentRowChanged(int)), this, SLOT(selChanged()), Qt::DirectConnection);
 }
 
+void KelvaClientMain::initExtendedSearch()
+{
+    delete m_extSearch;
+    m_extSearch = new KelvaExtSearch(offlineMode, this);
+    m_extSearch->setDelegateLookup(
+        [this](const QString &field) { return getDelegateForColumn(getColumnIndex(field)); });
+}
+
 void KelvaClientMain::loadFilters()
 {
-    statusBarExt->setMinMaxDates(classifyClient->getMinMaxDates());
     if (offlineMode)
         statusBarExt->setOffline(true);
+    else
+        statusBarExt->setMinMaxDates(classifyClient->getMinMaxDates());
+    disconnect(m_extSearch, SIGNAL(modelReset()), m_treeSearch, SLOT(modelIsResetted()));
+    disconnect(m_extSearch, SIGNAL(filterUpdated()), m_treeSearch, SLOT(updateExpanded()));
+    disconnect(m_treeSearch, SIGNAL(doubleClicked(QModelIndex)), this, SLOT(filterActivated(QModelIndex)));
     disconnect(m_SearchCombo, SIGNAL(activated(int)), this, SLOT(searchComboChanged(int)));
     disconnect(m_SearchString, SIGNAL(itemChanged(QTableWidgetItem *)), this, SLOT(searchTextChanged()));
     {
         const QSignalBlocker comboBlocker(m_SearchCombo);
         const QSignalBlocker cellBlocker(m_SearchString);
-        m_SearchCombo->clear();
-        m_SearchString->setItem(0, 0, new QTableWidgetItem);
-        m_columnNames.clear();
         QStringList columns = m_searchColumns;
         if (!columns.isEmpty())
             columns.removeLast(); // the rights letters are nothing to search for
-        columns << tr("full text") + recordformat::fieldSeparator + tr("full text");
-        for (const QString &column : qAsConst(columns)) {
-            const QStringList fields = column.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
-            m_columnNames << fields.value(1);
-            m_SearchCombo->addItem(fields.value(0), fields.value(1));
-        }
-        m_SearchCombo->setCurrentIndex(0);
-        m_SearchCombo->model()->sort(0);
-        m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(tr("full text")));
-        QAbstractItemDelegate *old = m_SearchString->itemDelegateForColumn(0);
-        m_SearchString->setItemDelegateForColumn(0, new KelvaLineDelegate({}, m_SearchString, 254, false));
-        delete old;
+        columns << searchtext::fullText() + recordformat::fieldSeparator + searchtext::fullText();
+        m_SearchCombo->setUpdatesEnabled(false);
+        fillSearchCombo(columns);
+        m_SearchCombo->setUpdatesEnabled(true);
+        m_treeSearch->modelIsResetted(); // before its items go
+        m_extSearch->setClassifyClient(classifyClient);
+        m_extSearch->setFilters(columns);
+        replaceSearchCell(new KelvaLineDelegate({}, m_SearchString, 254, false));
         doClearSearch(false);
+        m_treeSearch->setHeaderHidden(true);
+        m_treeSearch->setModel(m_extSearch->filterModel());
+        m_treeSearch->updateExpanded();
     }
+    connect(m_extSearch, SIGNAL(modelReset()), m_treeSearch, SLOT(modelIsResetted()), Qt::DirectConnection);
+    connect(m_extSearch, SIGNAL(filterUpdated()), m_treeSearch, SLOT(updateExpanded()));
+    connect(m_treeSearch, SIGNAL(doubleClicked(QModelIndex)), this, SLOT(filterActivated(QModelIndex)));
     connect(m_SearchCombo, SIGNAL(activated(int)), this, SLOT(searchComboChanged(int)), Qt::DirectConnection);
     connect(m_SearchString, SIGNAL(itemChanged(QTableWidgetItem *)), this, SLOT(searchTextChanged()),
             Qt::DirectConnection);
+}
+
+/// Also keeps the keys, in the order of the table's columns; only what the combo shows is sorted.
+void KelvaClientMain::fillSearchCombo(const QStringList &columns)
+{
+    m_SearchCombo->clear();
+    m_columnNames.clear();
+    for (const QString &column : columns) {
+        const QStringList fields = column.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
+        m_columnNames << fields.value(1);
+        m_SearchCombo->addItem(fields.value(0), fields.value(1));
+    }
+    m_SearchCombo->setCurrentIndex(0);
+    m_SearchCombo->model()->sort(0);
+    m_SearchCombo->addItem(searchtext::extendedSearch(), searchtext::extendedSearchKey);
+    m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(searchtext::fullText()));
+}
+
+void KelvaClientMain::filterActivated(const QModelIndex &index)
+{
+    QStandardItem *item = m_extSearch->filterModel()->itemFromIndex(index);
+    if (!item)
+        return;
+    if (FilterModel::isGroup(item)) {
+        const QSignalBlocker blocker(m_SearchString);
+        m_SearchString->setItem(0, 0, new QTableWidgetItem);
+        doClearSearch(true);
+        return;
+    }
+    replaceSearchCell(nullptr);
+    m_treeSearch->setActive(item);
+    m_extSearch->reloadSearch(item->text());
+    m_searchWhere = QStringLiteral("1=1");
+    m_selectionOption.clear();
+    m_fullTextOption.clear();
+    m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(searchtext::extendedSearchKey));
+    doSearch(true);
+}
+
+void KelvaClientMain::doEditFilters()
+{
+    replaceSearchCell(nullptr);
+    m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(searchtext::extendedSearchKey));
+    doSearch(false);
 }
 
 void KelvaClientMain::resetFilters(bool reload, bool resetFolder)

@@ -1,9 +1,17 @@
 #include "server/folderoid.h"
 
+#include <QRegularExpression>
+
 QString folderoid::parent(const QString &oid)
 {
     const int dot = oid.lastIndexOf('.');
     return dot < 0 ? QString() : oid.left(dot);
+}
+
+bool folderoid::isPath(const QString &oid)
+{
+    static const QRegularExpression path("\\A[0-9]+(\\.[0-9]+)*\\z");
+    return path.match(oid).hasMatch();
 }
 
 QString folderoid::subtreeClause(const QString &oid)

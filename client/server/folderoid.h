@@ -10,6 +10,9 @@ constexpr char all[] = "-1";
 /// Documents that are in no folder.
 constexpr char notAssigned[] = "0";
 
+/// Decimal numbers with a "." between them.
+bool isPath(const QString &oid);
+
 /// Text before the last "."; empty for an oid of one number.
 QString parent(const QString &oid);
 

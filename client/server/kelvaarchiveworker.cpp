@@ -1,12 +1,12 @@
 #include "server/kelvaarchiveworker.h"
 
 #include "server/kelvaarchiveclientinterface.h"
+#include "server/plainbox.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <QDir>
 #include <QFile>
-#include <QMessageBox>
 #include <QPluginLoader>
 
 KelvaArchiveWorker::KelvaArchiveWorker(QObject *parent) : QObject(parent)
@@ -140,7 +140,7 @@ bool KelvaArchiveWorker::deleteDocument(const QString &id, const QStringList &co
 {
     if (client && client->deleteDocument(id, comment))
         return true;
-    QMessageBox::critical(nullptr, tr("Error"), client ? client->lastError() : lastError);
+    plainbox::critical(nullptr, tr("Error"), client ? client->lastError() : lastError);
     return false;
 }
 

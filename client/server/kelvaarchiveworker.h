@@ -80,6 +80,7 @@ private:
     bool download(KelvaFileCopy &progress, int index, qint64 id, int mode, QString &path);
     QString getNewFileName(const QString &path, const QMap<QString, QString> &names, qint64 id) const;
     void saveExported(const QString &path, const QString &directory, QStringList &files);
+    void overwriteExported(const QString &path, const QString &target, QStringList &files);
     void startMailProgram(const QString &command, const QString &mail, const QString &quoted);
 
     int port = 0;

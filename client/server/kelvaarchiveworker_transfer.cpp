@@ -2,6 +2,7 @@
 
 #include "server/exportfilename.h"
 #include "server/kelvaarchiveclientinterface.h"
+#include "server/plainbox.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -11,8 +12,11 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QProcess>
+#include <QTemporaryFile>
 #include <QUrl>
 
+#include <cstdio>
+#include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -32,6 +36,18 @@ bool placeFile(const QString &from, const QString &to)
     ::umask(mask);
     ::chmod(target.constData(), 0666 & ~mask);
     return true;
+}
+
+/// A free name beside a file, in the same directory; empty when nothing can be written there.
+QString nameBeside(const QString &file)
+{
+    QTemporaryFile beside(QFileInfo(file).absolutePath() + QStringLiteral("/.kelva-XXXXXX"));
+    return beside.open() ? beside.fileName() : QString();
+}
+
+bool renameOver(const QString &from, const QString &to)
+{
+    return ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
 } // namespace
@@ -90,6 +106,10 @@ bool KelvaArchiveWorker::download(KelvaFileCopy &progress, int index, qint64 id,
 {
     progress.setFinishedFilesCount(index);
     QCoreApplication::processEvents();
+    if (id > std::numeric_limits<int>::max()) {
+        lastError = tr("The document number %1 is too large.").arg(id);
+        return false;
+    }
     return client->downloadDocument(static_cast<int>(id), path, mode) || fail();
 }
 
@@ -144,21 +164,34 @@ void KelvaArchiveWorker::saveExported(const QString &path, const QString &direct
     const QString target = directory + separator + QFileInfo(path).fileName();
     if (QFile::exists(target)) {
         // A refused file stays where it was fetched to.
-        if (QMessageBox::question(nullptr, tr("File exists"),
-                                  tr("The file %1 alredy exists, overwrite?").arg(target),
-                                  QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+        if (plainbox::question(nullptr, tr("File exists"),
+                               tr("The file %1 alredy exists, overwrite?").arg(target),
+                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
             return;
-        if (!QFile::remove(target)) {
-            QMessageBox::critical(nullptr, tr("Error"), tr("The file could not be overwritten."));
-            QFile::remove(path);
-            return;
-        }
-    }
-    if (placeFile(path, target))
+        overwriteExported(path, target, files);
+    } else if (placeFile(path, target)) {
         files << target;
-    else
-        QMessageBox::critical(nullptr, tr("Error"), tr("The file could not be saved!"));
+    } else {
+        plainbox::critical(nullptr, tr("Error"), tr("The file could not be saved!"));
+    }
     QFile::remove(path);
+}
+
+void KelvaArchiveWorker::overwriteExported(const QString &path, const QString &target, QStringList &files)
+{
+    // The old file goes only when the new one is there whole.
+    const QString beside = nameBeside(target);
+    if (beside.isEmpty()) {
+        plainbox::critical(nullptr, tr("Error"), tr("The file could not be overwritten."));
+    } else if (!placeFile(path, beside)) {
+        plainbox::critical(nullptr, tr("Error"), tr("The file could not be saved!"));
+        QFile::remove(beside);
+    } else if (!renameOver(beside, target)) {
+        plainbox::critical(nullptr, tr("Error"), tr("The file could not be overwritten."));
+        QFile::remove(beside);
+    } else {
+        files << target;
+    }
 }
 
 bool KelvaArchiveWorker::mailDocuments(const QList<qint64> &ids, const QMap<QString, QString> &names,
@@ -196,6 +229,6 @@ void KelvaArchiveWorker::startMailProgram(const QString &command, const QString 
     QStringList words = QProcess::splitCommand(command.arg(quoted));
     const QString program = words.isEmpty() ? QString() : words.takeFirst();
     if (!QProcess::startDetached(program, words))
-        QMessageBox::critical(nullptr, tr("E-Mail Command"),
-                              tr("The e-mail could not be created, unable to start Mail-Client!"));
+        plainbox::critical(nullptr, tr("E-Mail Command"),
+                           tr("The e-mail could not be created, unable to start Mail-Client!"));
 }

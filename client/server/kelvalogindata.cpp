@@ -160,11 +160,15 @@ bool kelvaLoginData::getProfileById(kelvaProfileData &profile, QString &message,
 
 int kelvaLoginData::reloadProfile(qint64 id)
 {
+    m_reloadFault.clear();
     QLocalSocket socket;
     if (connectToManager(socket)) {
         send(socket, QStringLiteral("RELOADPROFILE#%1").arg(id));
         waitForBytes(socket, 1, listAttempts);
-        socket.readLine();
+        constexpr qint64 longestAnswer = 1000;
+        const QString answer = QString::fromUtf8(socket.readLine(longestAnswer)).trimmed();
+        if (!answer.isEmpty() && answer != QLatin1String("OK"))
+            m_reloadFault = answer;
     }
     socket.close();
     return 0;

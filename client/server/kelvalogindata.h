@@ -22,8 +22,10 @@ public:
     bool getProfile(kelvaProfileData &profile, QString &message, QWidget *parent, bool saveGeometry);
     /// False with a message when the list cannot be had, false without one when no profile has this id.
     bool getProfileById(kelvaProfileData &profile, QString &message, int id);
-    /// Asks the Connection Manager to renew the profile's data block and waits for its answer. Always 0.
+    /// Asks the Connection Manager to renew the profile's data block and waits for its answer. Always 0; what
+    /// the manager said when it did not renew it is reloadFault().
     int reloadProfile(qint64 id);
+    QString reloadFault() const { return m_reloadFault; }
     bool getIsUserCanceled() const { return isUserCanceled; }
 
     /// "Kelva-" and the user's id in hexadecimal.
@@ -35,4 +37,5 @@ private:
                        kelvaProfileData &profile);
 
     bool isUserCanceled = false;
+    QString m_reloadFault;
 };

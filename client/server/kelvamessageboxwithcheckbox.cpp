@@ -13,6 +13,7 @@ int kelvaMessageBoxWithCheckBox::question(QWidget *parent, const QString &title,
     if (settings.value(key, false).toBool())
         return defaultButton;
     QMessageBox box(QMessageBox::Question, title, text, buttons, parent);
+    box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(defaultButton);
     auto *silence = new QCheckBox(
         QCoreApplication::translate("kelvaMessageBoxWithCheckBox", "Do not show this dialog next time."),

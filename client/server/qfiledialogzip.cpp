@@ -17,8 +17,9 @@ QFileDialogZip::QFileDialogZip(QWidget *parent, const QString &caption, const QS
 void QFileDialogZip::changeZipState(int state)
 {
     const bool zip = state == Qt::Checked;
-    setOption(QFileDialog::ShowDirsOnly, !zip);
+    // In this order: choosing directories takes the option back.
     setFileMode(zip ? QFileDialog::AnyFile : QFileDialog::Directory);
+    setOption(QFileDialog::ShowDirsOnly, !zip);
     if (zip)
         setNameFilter(tr("Zip Archive (*.zip)"));
 }

@@ -180,6 +180,25 @@ private slots:
         QTRY_VERIFY(!table->findChild<QLineEdit *>());
     }
 
+    void aRefreshKeepsWhatIsBeingTyped()
+    {
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        KelvaInfoView *table = workplace.table();
+        for (const QString &action : {QString("action_Neuladen"), QString("action_ReloadAll")}) {
+            table->QTableView::setCurrentIndex(table->model()->index(0, 2));
+            QTest::keyClick(table, Qt::Key_Return);
+            auto *editor = table->findChild<QLineEdit *>();
+            QVERIFY(editor);
+            editor->setText("Typed before " + action);
+            QTest::keyClick(editor, Qt::Key_Down); // no reason to leave the cell
+            QCOMPARE(table->currentIndex().column(), 2);
+            workplace.action(action)->trigger();
+            QCOMPARE(stored(), QString("1.1|Typed before %1|1|1.1.1|1|2024-03-05|||0").arg(action));
+            QTRY_VERIFY(!table->findChild<QLineEdit *>());
+        }
+    }
+
 private:
     static QString unchanged() { return "1.1|Invoice|1|1.1.1|1|2024-03-05|||0"; }
 

@@ -488,6 +488,8 @@ void TestKelvaClientMain::everySearchColumnCanBeChosen()
     auto *combo = workplace.window->findChild<QComboBox *>("m_SearchCombo");
     for (int round = 0; round < 2; ++round)
         for (int i = 0; i < combo->count(); ++i) {
+            if (combo->itemData(i) == "ExtendedSearch")
+                continue; // has a dialog instead of a cell
             combo->setCurrentIndex(i);
             emit combo->activated(i);
             QVERIFY(!cell->grab().isNull()); // painted with the column's delegate, or without one

@@ -103,6 +103,7 @@ private slots:
     void aStaleTokenIsRefused();
     void countsAreNegativeOnFailure();
     void trashHidesAndGivesBack();
+    void searchesAreKeptWithTheirRoles();
     void contentAnswersForDocuments();
     void filesComeBackAsTheyWent();
     void aNewVersionKeepsItsId();
@@ -302,6 +303,29 @@ void TestServiceContract::trashHidesAndGivesBack()
     QCOMPARE(descriptions({"1=1", "OPT:TRASH"}), QStringList({"First", "Third"}));
     QVERIFY(m_client->restoreFromTrash({id}));
     QCOMPARE(descriptions({"1=1"}), QStringList({"First", "Second"}));
+}
+
+void TestServiceContract::searchesAreKeptWithTheirRoles()
+{
+    login();
+    const auto searches = [this] {
+        QStringList list;
+        const QStringList records = m_client->getSearches("anna");
+        for (const QString &record : records)
+            list << QString(record)
+                        .replace(recordformat::fieldSeparator, '/')
+                        .replace(recordformat::listSeparator, ',');
+        return list;
+    };
+    const QString definition = QString("a") + recordformat::rowSeparator + "b";
+    QVERIFY(m_client->saveSearch("Mine", definition, {"r_anna"}));
+    QVERIFY(m_client->saveSearch("Ours", "c", {"kelvaUSER", "r_anna"}));
+    QCOMPARE(searches(), QStringList({"1/Mine/" + definition + "/r_anna", "2/Ours/c/kelvaUSER,r_anna"}));
+    QVERIFY(m_client->updateSearch(1, "Mine", "d", {"kelvaUSER", "r_anna"}));
+    QVERIFY(m_client->deleteSearch("2"));
+    QCOMPARE(searches(), QStringList("1/Mine/d/kelvaUSER,r_anna"));
+    QVERIFY(!m_client->updateSearch(2, "Ours", "e", {"r_anna"}));
+    QVERIFY(!m_client->deleteSearch("2"));
 }
 
 void TestServiceContract::contentAnswersForDocuments()

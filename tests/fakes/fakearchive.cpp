@@ -23,6 +23,7 @@ void FakeArchive::reset()
     statusRows =
         QStringList{QString("1") + f + "open", QString("2") + f + "resubmission", QString("3") + f + "done"};
     settings.clear();
+    searches.clear();
     minMaxDates = QStringList{"2020-01-01", "2024-12-31"};
     openedDocuments.clear();
     contents.clear();

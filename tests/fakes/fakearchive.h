@@ -58,6 +58,7 @@ public:
     QMap<int, FakeDocument> documents; ///< by classification id
     QStringList statusRows;
     QMap<QString, QByteArray> settings; ///< by section "/" key
+    QMap<int, QStringList> searches;    ///< by id: name, definition, then the roles
     QStringList minMaxDates;
     QStringList openedDocuments;          ///< archive ids
     QMap<int, FakeContent> contents;      ///< by archive id

@@ -147,7 +147,7 @@ QStringList FakeArchiveClient::searchDocuments(QString query)
     QStringList hits;
     for (const FakeDocument &document : qAsConst(archive().documents)) {
         const QString id = document.fields.at(0).section('#', 0, 0);
-        if (document.fields.at(2).contains(query, Qt::CaseInsensitive))
+        if (document.fields.at(2).contains(query.trimmed(), Qt::CaseInsensitive))
             hits << id + recordformat::fieldSeparator + id;
     }
     return hits;

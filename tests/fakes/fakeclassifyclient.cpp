@@ -257,6 +257,46 @@ QStringList FakeClassifyClient::getRoles()
     return {"kelvaADMIN", "kelvaCLASSIFY", "kelvaUSER", "r_anna"};
 }
 
+bool FakeClassifyClient::saveSearch(QString name, QString definition, QStringList roles)
+{
+    if (!archive().begin("saveSearch", name))
+        return false;
+    const int id = archive().searches.isEmpty() ? 1 : archive().searches.lastKey() + 1;
+    archive().searches.insert(id, QStringList{name, definition} + roles);
+    return true;
+}
+
+bool FakeClassifyClient::updateSearch(int id, QString name, QString definition, QStringList roles)
+{
+    if (!archive().begin("updateSearch", QString::number(id)) || !archive().searches.contains(id))
+        return false;
+    archive().searches.insert(id, QStringList{name, definition} + roles);
+    return true;
+}
+
+bool FakeClassifyClient::deleteSearch(QString id)
+{
+    return archive().begin("deleteSearch", id) && archive().searches.remove(id.toInt()) > 0;
+}
+
+QStringList FakeClassifyClient::getSearches(QString user)
+{
+    QStringList records;
+    if (!archive().begin("getSearches", user))
+        return records;
+    for (auto search = archive().searches.cbegin(); search != archive().searches.cend(); ++search) {
+        const QStringList roles = search.value().mid(2);
+        bool open = archive().rights.contains("kelvaADMIN") || roles.contains("kelvaUSER");
+        for (const QString &right : qAsConst(archive().rights))
+            open = open || roles.contains(right);
+        if (open)
+            records << QStringList{QString::number(search.key()), search.value().at(0), search.value().at(1),
+                                   roles.join(recordformat::listSeparator)}
+                           .join(recordformat::fieldSeparator);
+    }
+    return records;
+}
+
 QStringList FakeClassifyClient::getDescriptionCompletions()
 {
     return {"Invoice", "Letter"};

@@ -66,14 +66,10 @@ public:
     QString getServerHost() override;
     int getServerPort() override;
     bool getNextOid(QString &) override { return unsupported(); }
-    bool saveSearch(QString, QString, QStringList) override { return unsupported(); }
-    bool deleteSearch(QString) override { return unsupported(); }
-    QStringList getSearches(QString) override
-    {
-        unsupported();
-        return {};
-    }
-    bool updateSearch(int, QString, QString, QStringList) override { return unsupported(); }
+    bool saveSearch(QString name, QString definition, QStringList roles) override;
+    bool deleteSearch(QString id) override;
+    QStringList getSearches(QString user) override;
+    bool updateSearch(int id, QString name, QString definition, QStringList roles) override;
     QStringList getFolderRights(QString) override
     {
         unsupported();

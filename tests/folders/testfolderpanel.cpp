@@ -14,6 +14,7 @@
 #include <QClipboard>
 #include <QHostInfo>
 #include <QLineEdit>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QVBoxLayout>
 
@@ -72,6 +73,45 @@ private slots:
         QCOMPARE(found("INV 2014", true), QString("1.1 1.2 2"));
         QCOMPARE(found("all folders", true), QString());
         QCOMPARE(found("", false), QString("1 1.1 2"));
+    }
+
+    void aFolderThatMayNotBeChosenIsNoHit()
+    {
+        Panel panel;
+        panel.view->setModel(nullptr);
+        panel.tree.loadFromStringList({record({"1", "Bills", "0", "", "", "", "", "", ""}),
+                                       record({"2", "Board", "0", "", "", "", "L", "", ""}),
+                                       record({"2.1", "Boats", "0", "", "", "", "", "", ""})},
+                                      {}, true);
+        panel.view->setModel(&panel.tree);
+        panel.view->setCurrentIndex(panel.tree.index(0, 0));
+        panel.view->doPartialSearch("b");
+        QCOMPARE(panel.view->currentOid(), QString("1"));
+        panel.view->doPartialSearch("bo");
+        QCOMPARE(panel.view->currentOid(), QString("2.1"));
+        panel.view->doPartialSearch("board");
+        QCOMPARE(panel.input->styleSheet(), QString("* { background-color: red; }"));
+    }
+
+    void aBranchIsUnfoldedAndFoldedForTheNextStart()
+    {
+        Panel panel;
+        panel.view->setSaveState(true, "BRANCH");
+        panel.view->setModel(&panel.tree);
+        const auto stored = [] {
+            QStringList oids = QSettings("Norbant GmbH", QCoreApplication::applicationName() + "_BRANCH")
+                                   .value("TreeExpandedItems")
+                                   .toStringList();
+            oids.sort();
+            return oids.join(' ');
+        };
+        panel.view->setCurrentIndex(panel.tree.indexFromItem(panel.tree.findItem("1")));
+        panel.view->expandItems();
+        QCOMPARE(stored(), QString("-1 1 1.1 1.2"));
+        QVERIFY(panel.view->isExpanded(panel.view->QTreeView::currentIndex()));
+        panel.view->collapseItems();
+        QCOMPARE(stored(), QString("-1"));
+        QVERIFY(!panel.view->isExpanded(panel.view->QTreeView::currentIndex()));
     }
 
     void typingSearchesAndGoesRound()

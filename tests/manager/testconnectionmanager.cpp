@@ -239,20 +239,23 @@ void TestConnectionManager::aStuckBlockHoldsUpNobody()
     BlockPublisher blocks;
     blocks.setProfiles({stuck, free});
     bool ready = false;
-    blocks.renew({stuck.id, free.id}, 30000, [&ready] { ready = true; });
+    blocks.renew({stuck.id, free.id}, 30000, [&ready](bool) { ready = true; });
     QTRY_VERIFY(ready);
     // A client that was stopped while it read.
     QSharedMemory reader(stuck.blockKey());
     QVERIFY(reader.attach());
     QVERIFY(reader.lock());
     addFolder(*s.archive.login("admin", "secret"), "Fresh");
-    bool freeReady = false;
-    bool allReady = false;
-    blocks.renew({free.id}, 30000, [&freeReady] { freeReady = true; });
-    blocks.renew({stuck.id, free.id}, 200, [&allReady] { allReady = true; });
-    QTRY_VERIFY(freeReady);
+    QString freeReady;
+    QString allReady;
+    const auto noteIn = [](QString &answer) {
+        return [&answer](bool inTime) { answer = inTime ? "in time" : "late"; };
+    };
+    blocks.renew({free.id}, 30000, noteIn(freeReady));
+    blocks.renew({stuck.id, free.id}, 200, noteIn(allReady));
+    QTRY_COMPARE(freeReady, QString("in time"));
     QVERIFY(folderNames(free).contains("Fresh"));
-    QTRY_VERIFY(allReady);
+    QTRY_COMPARE(allReady, QString("late"));
     QVERIFY(!blocks.finish(0));
     reader.unlock();
     QVERIFY(blocks.finish(10000));

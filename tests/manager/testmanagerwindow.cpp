@@ -74,7 +74,7 @@ void TestManagerWindow::faultsAreShownAtTheirProfile()
     // And another becomes wrong in the archive: seen when a client has its block renewed.
     QVERIFY(Users(*s.archive.owner()).setPassword("admin", "changed").ok());
     bool renewed = false;
-    shown.manager.blocks().renew({right.id}, 10000, [&renewed] { renewed = true; });
+    shown.manager.blocks().renew({right.id}, 10000, [&renewed](bool) { renewed = true; });
     QTRY_VERIFY(renewed);
     QTRY_COMPARE(shown.state(1), QString("Wrong username or password!"));
 }

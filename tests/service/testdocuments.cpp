@@ -4,6 +4,7 @@
 
 #include "server/recordformat.h"
 #include "service/attributes.h"
+#include "service/blobs.h"
 #include "service/content.h"
 #include "service/documentlist.h"
 #include "service/documents.h"
@@ -13,6 +14,8 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
+#include <QSysInfo>
 
 using namespace kelva;
 
@@ -107,7 +110,7 @@ private slots:
         const auto made =
             Attributes(*m_session).save({joinFields({"-1", "Amount", "Numeric", "false", "false"})});
         QVERIFY(made.ok());
-        for (const char *amount : {"1.5", "2.5"}) {
+        for (const char *amount : {"1.5", "123456789012.1234"}) {
             QStringList record = fields(*m_session);
             record.replace(1, QStringLiteral("Invoice ") + amount);
             record.replace(4, QStringLiteral("1.2"));
@@ -121,8 +124,9 @@ private slots:
                  (QStringList{"1#1", "Invoices", "Invoice", "New", "1_1", "Invoices", "not assigned", "admin",
                               "2020-02-03", "2020-02-03T04:05:06", "", ""}));
         QCOMPARE(splitFields(rows.at(2)),
-                 (QStringList{"1#1", "Invoices", "Invoice 2.5", "New", "1_3", "Letters", "not assigned",
-                              "admin", "2020-02-03", "2021-03-04T05:06:07", "", "2.5"}));
+                 (QStringList{"1#1", "Invoices", "Invoice 123456789012.1234", "New", "1_3", "Letters",
+                              "not assigned", "admin", "2020-02-03", "2021-03-04T05:06:07", "",
+                              "123456789012.1234"}));
     }
 
     void aColumnAddedMeanwhileDoesNotShiftTheOthers()
@@ -217,6 +221,37 @@ private slots:
         QVERIFY(!Content(*m_session).store(path, true, cancelLate).ok());
         QCOMPARE(m_session->database().value(QStringLiteral("SELECT count(*) FROM blob")).toInt(), 1);
         QCOMPARE(m_session->database().value(QStringLiteral("SELECT count(*) FROM blob_piece")).toInt(), 1);
+    }
+
+    void anUploadIsAbandonedWhenItsProcessIsGone()
+    {
+        QProcess gone;
+        gone.start(QStringLiteral("true"), QStringList());
+        const qint64 deadPid = gone.processId();
+        QVERIFY(gone.waitForFinished());
+        Database &database = m_session->database();
+        const auto blobs = [&database] {
+            return database.texts(
+                QStringLiteral("SELECT touched FROM blob WHERE touched IS NOT NULL ORDER BY id"));
+        };
+        const QString mark = m_session->timestamp() + QStringLiteral(" %1 %2");
+        const QString living = mark.arg(QSysInfo::machineHostName()).arg(QCoreApplication::applicationPid());
+        const QString elsewhere = mark.arg(QStringLiteral("another.example")).arg(deadPid);
+        for (const QString &touched : {mark.arg(QSysInfo::machineHostName()).arg(deadPid), living, elsewhere,
+                                       QStringLiteral("2020-01-01T00:00:00 another.example 1")})
+            database.run(QStringLiteral("INSERT INTO blob(touched) VALUES(?)"), {touched});
+        removeAbandonedUploads(*m_session);
+        QCOMPARE(blobs(), (QStringList{living, elsewhere}));
+    }
+
+    void aLongFileNameKeepsItsSuffix()
+    {
+        const QString path = writeFile(QStringLiteral("n").repeated(251) + QStringLiteral(".pdf"), 1);
+        const QString id = QString::number(Content(*m_session).store(path, true, {}).value());
+        QCOMPARE(m_session->database()
+                     .value(QStringLiteral("SELECT file_name FROM document WHERE id = ?"), {id})
+                     .toString(),
+                 QStringLiteral("n").repeated(250) + QStringLiteral(".pdf"));
     }
 
     void aNewVersionKeepsTheId()

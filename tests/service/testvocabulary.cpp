@@ -147,7 +147,6 @@ private slots:
         QVERIFY(Searches(*clerk).save("own", definition, {}).ok());
         QVERIFY(Searches(*m_session).save("all", definition, {"kelvaUSER"}).ok());
         QVERIFY(Searches(*m_session).save("boards", definition, {"board"}).ok());
-        QVERIFY(!Searches(*clerk).save("others", definition, {"board"}).ok());
         const auto names = [](Session &session, const QString &login) {
             QStringList list;
             const Result<QStringList> searches = Searches(session).list(login);
@@ -160,8 +159,76 @@ private slots:
         QCOMPARE(names(*m_session, "admin"), (QStringList{"all", "boards"}));
         QCOMPARE(splitFields(Searches(*clerk).list("clerk").value().at(1)),
                  (QStringList{"1", "own", definition, "r_clerk"}));
-        QVERIFY(!Searches(*clerk).remove("2").ok());
-        QVERIFY(Searches(*clerk).remove("1").ok());
+    }
+
+    /// Searches: 1 the clerk's own, 2 the administrator's for everybody, 3 the clerk's, shared for him by the
+    /// administrator, 4 another clerk's own.
+    void whoMayChangeASearch_data()
+    {
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<QString>("change"); // id, and the roles that it is to get
+        QTest::addColumn<bool>("allowed");
+        kelvatest::row("his own", QString("clerk"), QString("1 r_clerk"), true);
+        kelvatest::row("his own, shared with everybody", QString("clerk"), QString("1 r_clerk kelvaUSER"),
+                       false);
+        kelvatest::row("his own, shared with a role of his", QString("clerk"), QString("1 r_clerk board"),
+                       false);
+        kelvatest::row("his own, given away", QString("clerk"), QString("1 r_other"), false);
+        kelvatest::row("one for everybody", QString("clerk"), QString("2 r_clerk"), false);
+        kelvatest::row("his own that was shared", QString("clerk"), QString("3 r_clerk"), false);
+        kelvatest::row("somebody else's", QString("clerk"), QString("4 r_clerk"), false);
+        kelvatest::row("none", QString("clerk"), QString("77 r_clerk"), false);
+        kelvatest::row("administrator, somebody else's", QString("admin"), QString("1 r_clerk board"), true);
+        kelvatest::row("administrator, a role that is not there", QString("admin"), QString("2 nobody"),
+                       false);
+    }
+
+    void whoMayChangeASearch()
+    {
+        QFETCH(QString, user);
+        QFETCH(QString, change);
+        QFETCH(bool, allowed);
+        m_archive->addUser("clerk", {"board"});
+        m_archive->addUser("other", {});
+        const auto clerk = m_archive->login("clerk", "secret");
+        const auto other = m_archive->login("other", "secret");
+        QVERIFY(Searches(*clerk).save("own", "a", {}).ok());
+        QVERIFY(Searches(*m_session).save("all", "b", {"r_admin", "kelvaUSER"}).ok());
+        QVERIFY(Searches(*clerk).save("shared", "c", {"r_clerk"}).ok());
+        QVERIFY(Searches(*m_session).update(3, "shared", "c", {"r_clerk", "board"}).ok());
+        QVERIFY(Searches(*other).save("others", "d", {}).ok());
+        const auto searches = [this] {
+            return m_archive->owner()->database().texts(
+                "SELECT s.id || name || definition || role FROM search"
+                " s JOIN search_role r ON r.search = s.id");
+        };
+        const QStringList before = searches();
+        QStringList roles = change.split(' ');
+        const QString id = roles.takeFirst();
+        Session &session = user == "admin" ? *m_session : *clerk;
+        QCOMPARE(Searches(session).update(id.toLongLong(), "new", "x", roles).ok(), allowed);
+        QCOMPARE(searches() != before, allowed);
+        if (roles == QStringList("r_clerk"))
+            QCOMPARE(Searches(session).remove(id).ok(), allowed);
+        QVERIFY(allowed || searches() == before);
+    }
+
+    void hostileSearches()
+    {
+        Searches searches(*m_session);
+        for (const QString &name : {QString(), QString("  "), QString("\n\t"), QString(QChar(0xFEFF))})
+            QVERIFY(!searches.save(name, "a", {}).ok());
+        QVERIFY(!searches.save("long", QString(2'000'000, 'x'), {}).ok());
+        QCOMPARE(searches.list("admin").value(), QStringList());
+        const QString name = QString("'; DROP TABLE search; --") + QChar(0xFEFF) + "<b>%1\n";
+        QVERIFY(searches.save(name, QString("a") + QChar(0xFEFF) + QChar(u'\0') + "b", {}).ok());
+        QVERIFY(searches.save(QString(1000, 'n'), QString(100'000, 'x'), {}).ok());
+        const QStringList records = searches.list("admin").value();
+        QCOMPARE(splitFields(records.at(0)),
+                 (QStringList{"1", "'; DROP TABLE search; --<b>%1", "ab", "r_admin"}));
+        QCOMPARE(splitFields(records.at(1)).at(1).size(), 254);
+        QCOMPARE(splitFields(records.at(1)).at(2).size(), 100'000);
+        QVERIFY(!searches.remove("1 OR 1 = 1").ok());
     }
 
     void theArchiveKeepsAnAdministrator()

@@ -44,6 +44,34 @@ void makeForeign(const QString &path, const QByteArray &sql)
     sqlite3_close(database);
 }
 
+/// Another process that opens the archive when it is told to, runs a statement and leaves.
+class Visitor
+{
+public:
+    Visitor(const QString &path, const char *sql)
+    {
+        if (::pipe(m_start) != 0 || (m_process = ::fork()) != 0)
+            return;
+        char start = 0;
+        bool done = ::read(m_start[0], &start, 1) == 1;
+        if (done) {
+            const auto database = Database::open(path, Database::Mode::ReadWrite);
+            done = database.ok() && database.value()->run(QString::fromLatin1(sql));
+        }
+        ::_exit(done ? 0 : 1);
+    }
+    bool visit() const
+    {
+        int status = 0;
+        return ::write(m_start[1], "x", 1) == 1 && ::waitpid(m_process, &status, 0) == m_process &&
+               WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+
+private:
+    int m_start[2] = {-1, -1};
+    pid_t m_process = -1;
+};
+
 } // namespace
 
 class TestDatabase : public QObject
@@ -164,6 +192,28 @@ private slots:
         QCOMPARE(database->texts(QStringLiteral("SELECT name FROM role")), QStringList());
     }
 
+    void whatIsWrittenBehindIsSeenByOthersAndChangesNothingForTheNext()
+    {
+        const auto database = create();
+        const auto other = Database::open(m_path, Database::Mode::ReadWrite, shortWaitMs);
+        const auto waitsForDisk = [&] { return database->value(QStringLiteral("PRAGMA synchronous")) == 2; };
+        const auto add = [&](bool keep) {
+            Transaction writing(*database, Transaction::Kind::WriteBehind);
+            database->run(QStringLiteral("INSERT INTO role VALUES('x')"));
+            return keep && writing.commit().ok();
+        };
+        QVERIFY(!add(false));
+        QVERIFY(waitsForDisk());
+        QVERIFY(add(true));
+        QVERIFY(waitsForDisk());
+        QCOMPARE(other.value()->value(QStringLiteral("SELECT count(*) FROM role")).toInt(), 1);
+        QVERIFY(!add(true)); // there already
+        QVERIFY(waitsForDisk());
+        const Transaction holding(*other.value(), Transaction::Kind::Write);
+        QVERIFY(!add(true));
+        QVERIFY(waitsForDisk());
+    }
+
     void anInnerOperationThatFailsTakesTheOuterOneBack()
     {
         const auto database = create();
@@ -239,6 +289,22 @@ private slots:
                  QStringList{QStringLiteral("committed")});
         QCOMPARE(database.value()->value(QStringLiteral("SELECT count(*) FROM setting")).toInt(), 0);
         QCOMPARE(database.value()->integrityFaults(), QStringList());
+    }
+
+    void anotherProgramThatLeavesTakesNothingWithIt()
+    {
+        // Before this process opens the archive: a connection must not be taken along into a child.
+        Visitor first(m_path, "INSERT INTO role VALUES('elsewhere')");
+        Visitor second(m_path, "UPDATE role SET name = 'seen' WHERE name = 'after'");
+        const auto database = create();
+        // A second connection of this process comes and goes.
+        Database::open(m_path, Database::Mode::ReadWrite).value().reset();
+        QVERIFY(database->run(QStringLiteral("INSERT INTO role VALUES('before')")));
+        QVERIFY(first.visit());
+        QVERIFY(database->run(QStringLiteral("INSERT INTO role VALUES('after')")));
+        QVERIFY(second.visit());
+        QCOMPARE(database->texts(QStringLiteral("SELECT name FROM role ORDER BY name")),
+                 (QStringList{"before", "elsewhere", "seen"}));
     }
 
     void everyOldVersionIsUpgraded()

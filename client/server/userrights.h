@@ -7,5 +7,7 @@ constexpr char administrate[] = "kelvaADMIN";
 constexpr char classify[] = "kelvaCLASSIFY";
 constexpr char history[] = "kelvaHISTORY";
 constexpr char createFolder[] = "kelvaCREATEFOLDER";
+/// In a list of roles: every user. Nobody has it himself.
+constexpr char everyUser[] = "kelvaUSER";
 
 } // namespace userright

@@ -1,0 +1,79 @@
+#include "search/searchoperators.h"
+
+#include "documents/kelvacalendardelegate.h"
+#include "documents/kelvacheckboxdelegate.h"
+#include "documents/kelvacombodelegate.h"
+#include "documents/kelvalinedelegate.h"
+#include "documents/kelvasimplecombodelegate.h"
+#include "documents/searchtexts.h"
+#include "folders/kelvaviewdelegate.h"
+#include "server/recordformat.h"
+
+#include <QCoreApplication>
+
+namespace searchoperators {
+namespace {
+
+QString text(const char *source)
+{
+    return QCoreApplication::translate("SearchOperators", source);
+}
+
+} // namespace
+
+QStringList rows(List list, bool offline)
+{
+    const QString like = offline ? QStringLiteral("like") : QStringLiteral("ilike");
+    const auto row = [](const QString &op, const char *display) {
+        return op + recordformat::fieldSeparator + text(display);
+    };
+    QStringList result{row("=", QT_TRANSLATE_NOOP("SearchOperators", "is"))};
+    if (list == List::Flag)
+        return result;
+    result << row("!=", QT_TRANSLATE_NOOP("SearchOperators", "is not"));
+    if (list == List::Choice || list == List::Folder)
+        return result;
+    result << row(like, QT_TRANSLATE_NOOP("SearchOperators", "contains"))
+           << row("not " + like, QT_TRANSLATE_NOOP("SearchOperators", "not contains"));
+    if (list == List::Text)
+        return result;
+    // "then" is how these four are known.
+    result << row(">", QT_TRANSLATE_NOOP("SearchOperators", "greater then"))
+           << row("<", QT_TRANSLATE_NOOP("SearchOperators", "smaller then"))
+           << row(">=", QT_TRANSLATE_NOOP("SearchOperators", "greater/equal then"))
+           << row("<=", QT_TRANSLATE_NOOP("SearchOperators", "smaller/equal then"));
+    return result;
+}
+
+QString operatorOf(const QString &displayText, bool offline)
+{
+    const QStringList all = rows(List::All, offline);
+    for (const QString &row : all)
+        if (row.section(recordformat::fieldSeparator, 1) == displayText)
+            return row.section(recordformat::fieldSeparator, 0, 0);
+    return searchtext::notAssigned();
+}
+
+List listFor(const QAbstractItemDelegate *delegate)
+{
+    if (qobject_cast<const KelvaComboDelegate *>(delegate))
+        return List::Choice;
+    if (qobject_cast<const KelvaViewDelegate *>(delegate))
+        return List::Folder;
+    if (qobject_cast<const KelvaCheckBoxDelegate *>(delegate))
+        return List::Flag;
+    if (const auto *line = qobject_cast<const KelvaLineDelegate *>(delegate))
+        return line->getIsNumeric() ? List::All : List::Text;
+    return List::All;
+}
+
+bool allowsSeveralValues(const QAbstractItemDelegate *delegate)
+{
+    return qobject_cast<const KelvaComboDelegate *>(delegate) ||
+           qobject_cast<const KelvaSimpleComboDelegate *>(delegate) ||
+           qobject_cast<const KelvaLineDelegate *>(delegate) ||
+           qobject_cast<const KelvaViewDelegate *>(delegate) ||
+           qobject_cast<const KelvaCalendarDelegate *>(delegate);
+}
+
+} // namespace searchoperators

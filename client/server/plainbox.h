@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QMessageBox>
+
+/// Message boxes whose texts may hold what a user, a file name or the service says: nothing in them is taken
+/// as HTML. They show the plain pointer also while the program works.
+namespace plainbox {
+
+QMessageBox::StandardButton information(QWidget *parent, const QString &title, const QString &text);
+QMessageBox::StandardButton warning(QWidget *parent, const QString &title, const QString &text);
+QMessageBox::StandardButton critical(QWidget *parent, const QString &title, const QString &text);
+/// The answer, that of the escape key included.
+QMessageBox::StandardButton question(QWidget *parent, const QString &title, const QString &text,
+                                     QMessageBox::StandardButtons buttons = QMessageBox::Yes |
+                                                                            QMessageBox::No,
+                                     QMessageBox::StandardButton preset = QMessageBox::NoButton);
+
+} // namespace plainbox

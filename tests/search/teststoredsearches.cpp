@@ -1,0 +1,242 @@
+#include "fakes/fakearchive.h"
+#include "search/extsearchfixture.h"
+#include "support/dialogscript.h"
+#include "support/kelvatest.h"
+
+#include "search/filtermodel.h"
+#include "search/quserlistview.h"
+#include "search/searchtemplate.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace {
+
+/// "/" stands for the separator of fields, "|" for that of rows.
+QString content(QString text)
+{
+    return text.replace('/', QChar(0xFFFD)).replace('|', QChar(0xFFFC));
+}
+
+QStringList rolesIn(const QUserListView *list)
+{
+    QStringList roles;
+    for (int row = 0; row < list->rowCount(); ++row)
+        roles << list->item(row)->text();
+    roles.sort();
+    return roles;
+}
+
+std::function<void(QWidget *)> typeName(const QString &name)
+{
+    return [name](QWidget *dialog) { dialog->findChild<QLineEdit *>()->setText(name); };
+}
+
+} // namespace
+
+class TestStoredSearches : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { FakeArchive::instance().reset(); }
+
+    void contents()
+    {
+        const QString text = content("Status/=/open/1|Status/or !=/done/3|Description/ilike/a b/");
+        const QList<TemplateRow> rows = readTemplateRows(text);
+        QCOMPARE(rows.size(), 3);
+        QCOMPARE(rows.at(1).op, QString("or !="));
+        QCOMPARE(rows.at(1).storedValue, QString("3"));
+        QCOMPARE(writeTemplateRows(rows), text);
+        QCOMPARE(readTemplateRows(content("Kind/=/large")).first().valueText, QString("large"));
+        QVERIFY(readTemplateRows(QString()).isEmpty());
+        const QString hostile = QString("a") + QChar(0xFEFF) + QChar(0xFFFD) + QChar(0xFFFC) + "b";
+        QCOMPARE(writeTemplateRows({{"Kind", "=", hostile, QString()}}), content("Kind/=/ab/"));
+    }
+
+    void aStoredSearchIsShown_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<QString>("clause");
+        QTest::addColumn<QString>("savedAgain");
+        const auto row = [](const char *name, const char *stored, const char *shown, const char *clause,
+                            const char *again = nullptr) {
+            QTest::newRow(name) << stored << shown << clause << (again ? again : stored);
+        };
+        row("several values", "Status/=/open/1|Status/or =/done/3|Description/ilike/x/",
+            "Status/is/open\nStatus/or is/done\nDescription/contains/x",
+            "(status = '1' OR status = '3') AND bemerkung::varchar ilike '%x%'::varchar AND  1 = 1 ");
+        row("written in another language", "Status/=/offen/1|Status/oder =/fertig/3",
+            "Status/is/offen\nStatus/or is/fertig", "(status = '1' OR status = '3') AND  1 = 1 ",
+            "Status/=/offen/1|Status/or =/fertig/3");
+        row("rows of three fields", "Kind/!=/large", "Kind/is not/large",
+            "attr4::varchar != 'large'::varchar AND  1 = 1 ", "Kind/!=/large/");
+        row("words of files", "full text/suche/turpentine/", "full text/search for/turpentine", " 1 = 1 ",
+            "full text/search for/turpentine/");
+        row("operator that the field no longer has", "Status/</open/2|Kind/=/small/",
+            "Status/</open\nKind/is/small", "status attr4::varchar = 'small'::varchar AND  1 = 1 ");
+        row("field that is gone", "Colour/=/red/", "Colour/is/red", " 1 = 1 ");
+    }
+
+    void aStoredSearchIsShown()
+    {
+        QFETCH(QString, stored);
+        QFETCH(QString, savedAgain);
+        FakeArchive &archive = FakeArchive::instance();
+        archive.searches.insert(4, {"Mine", content(stored), "r_anna"});
+        ExtSearchFixture search;
+        search.connectClient();
+        search.savedSearches()->setCurrentText("Mine");
+        QTEST(search.rows(), "shown");
+        QTEST(search.dialog->getFilter(), "clause");
+        search.click("m_bUpdateSearch");
+        QCOMPARE(archive.searches.value(4), QStringList({"Mine", content(savedAgain), "r_anna"}));
+        QCOMPARE(search.savedSearches()->currentText(), QString("Mine"));
+        search.savedSearches()->setCurrentIndex(0);
+        QCOMPARE(search.table()->rowCount(), 0);
+        QVERIFY(!search.dialog->getCurrentFilter());
+    }
+
+    void filtersStandInTheirGroup()
+    {
+        FakeArchive &archive = FakeArchive::instance();
+        archive.rights.removeAll("kelvaADMIN");
+        archive.searches.insert(1, {"b mine", content("Id/=/5/"), "r_anna"});
+        archive.searches.insert(2, {"a shared", content("Id/=/6/"), "r_anna", "kelvaUSER"});
+        archive.searches.insert(3, {"of all", content("Id/=/7/"), "kelvaUSER"});
+        ExtSearchFixture search;
+        search.connectClient();
+        QStringList tree;
+        const FilterModel *model = search.dialog->filterModel();
+        for (int group = 0; group < model->rowCount(); ++group)
+            for (int row = 0; row < model->item(group)->rowCount(); ++row)
+                tree << model->item(group)->text() + ": " + model->item(group)->child(row)->text();
+        QCOMPARE(tree, QStringList({"personal filters: b mine", "global filters: a shared",
+                                    "global filters: of all"}));
+        // Who may change what.
+        for (const auto &[name, changes] : {std::pair{"b mine", true}, {"a shared", false}, {"", false}}) {
+            search.savedSearches()->setCurrentText(name);
+            for (const char *button : {"m_bUpdateSearch", "m_bDeleteSearch"})
+                QCOMPARE(search.dialog->findChild<QPushButton *>(button)->isEnabled(), changes);
+        }
+        QVERIFY(!search.dialog->findChild<QCheckBox *>("m_showAll")->isVisible());
+        archive.rights << "kelvaADMIN";
+        search.connectClient();
+        search.savedSearches()->setCurrentText("a shared");
+        QVERIFY(search.dialog->findChild<QPushButton *>("m_bDeleteSearch")->isEnabled());
+        QCOMPARE(search.dialog->getCurrentFilter()->text(), QString("a shared"));
+        search.click("m_bDeleteSearch");
+        QVERIFY(!archive.searches.contains(2));
+        QCOMPARE(search.savedSearches()->currentIndex(), 0);
+        QCOMPARE(search.rows(), QString());
+    }
+
+    void aNewSearchIsItsMakers_data()
+    {
+        QTest::addColumn<bool>("admin");
+        QTest::addColumn<QStringList>("roles");
+        kelvatest::row("administrator", true, QStringList{"kelvaCLASSIFY", "r_anna"});
+        kelvatest::row("anybody", false, QStringList{"r_anna"});
+    }
+
+    void aNewSearchIsItsMakers()
+    {
+        QFETCH(bool, admin);
+        QFETCH(QStringList, roles);
+        FakeArchive &archive = FakeArchive::instance();
+        if (!admin)
+            archive.rights.removeAll("kelvaADMIN");
+        ExtSearchFixture search;
+        search.dialog->setUsers({"kelvaUSER", "kelvaCLASSIFY", "r_anna"});
+        search.connectClient();
+        DialogScript script;
+        script.expectBox("Save search", "no search criterias defined!");
+        search.click("m_bSaveSearch");
+        search.click("m_bAdd");
+        search.fill("Amount", "is", "5");
+        script.expectDialog("Save search", true, typeName(QString()));
+        search.click("m_bSaveSearch");
+        archive.failNext("saveSearch", "full");
+        script.expectDialog("Save search", true, typeName("Five"));
+        script.expectBox("Error", "The search could not be saved: full");
+        search.click("m_bSaveSearch");
+        QVERIFY(archive.searches.isEmpty());
+        if (admin) { // his own role moves out and is added all the same
+            auto *assigned = search.dialog->findChild<QUserListView *>("m_bearbUsers");
+            auto *available = search.dialog->findChild<QUserListView *>("m_Users");
+            QCOMPARE(rolesIn(assigned), QStringList("r_anna"));
+            assigned->selectAll();
+            search.click("m_removeRoles");
+            available->setCurrentIndex(available->model()->index(0, 0));
+            QTest::keyClick(available, Qt::Key_Left);
+            QCOMPARE(rolesIn(available), QStringList({"kelvaUSER", "r_anna"}));
+        }
+        script.expectDialog("Save search", true, typeName("Five"));
+        search.click("m_bSaveSearch");
+        QCOMPARE(script.problems(), QString());
+        QCOMPARE(archive.searches.value(1), QStringList({"Five", content("Amount/=/5/")}) + roles);
+        QCOMPARE(search.savedSearches()->currentText(), QString("Five"));
+    }
+
+    void changedRolesAreAskedFor()
+    {
+        FakeArchive &archive = FakeArchive::instance();
+        archive.searches.insert(1, {"Mine", content("Id/=/5/"), "r_anna"});
+        ExtSearchFixture search;
+        search.dialog->setUsers({"kelvaUSER", "r_anna"});
+        search.connectClient();
+        search.savedSearches()->setCurrentText("Mine");
+        auto *everybody = search.dialog->findChild<QCheckBox *>("m_globalFilter");
+        QVERIFY(!everybody->isChecked());
+        {
+            DialogScript script;
+            search.dialog->reject();
+            search.dialog->show();
+            everybody->click();
+            script.expectBox("Save", "The permissions for the filter has changed, save changes?",
+                             QMessageBox::No);
+            search.dialog->reject();
+            QCOMPARE(script.problems(), QString());
+        }
+        QCOMPARE(archive.searches.value(1).mid(2), QStringList("r_anna"));
+        search.dialog->show();
+        DialogScript script;
+        archive.failNext("updateSearch", "no");
+        script.expectBox("Save", "changed", QMessageBox::Yes);
+        script.expectBox("Error", "The serach could not be saved: no");
+        search.dialog->reject();
+        script.expectBox("Save", "changed", QMessageBox::Yes);
+        search.dialog->reject();
+        QCOMPARE(script.problems(), QString());
+        QCOMPARE(archive.searches.value(1).mid(2), QStringList({"r_anna", "kelvaUSER"}));
+        QVERIFY(everybody->isChecked());
+        everybody->click();
+        QCOMPARE(rolesIn(search.dialog->findChild<QUserListView *>("m_bearbUsers")), QStringList("r_anna"));
+    }
+
+    void rolesMoveBetweenLists()
+    {
+        QUserListView from;
+        QUserListView to;
+        for (const char *role : {"c", "a", "d", "b"})
+            from.addRow(new QStandardItem(role));
+        const auto index = [&from](int row) { return from.model()->index(row, 0); };
+        QCOMPARE(index(0).data().toString(), QString("a"));
+        for (QStandardItem *item : {from.takeRow(index(1)).first()})
+            QCOMPARE(item->text(), QString("b"));
+        for (const int row : {0, 2}) // shown as a, c, d
+            from.selectionModel()->select(index(row), QItemSelectionModel::Select);
+        QVERIFY(from.moveSelectedTo(&to));
+        QCOMPARE(rolesIn(&from), QStringList("c"));
+        QCOMPARE(rolesIn(&to), QStringList({"a", "d"}));
+        QVERIFY(!from.moveSelectedTo(&to));
+        from.removeRow(index(0));
+        QCOMPARE(from.rowCount(), 0);
+    }
+};
+
+KELVA_TEST(TestStoredSearches)
+#include "teststoredsearches.moc"
