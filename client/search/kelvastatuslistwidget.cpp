@@ -3,6 +3,7 @@
 #include "documents/documentcolumns.h"
 #include "documents/documentmime.h"
 #include "documents/itemroles.h"
+#include "documents/recordpicture.h"
 #include "server/recordformat.h"
 
 #include <QDropEvent>
@@ -24,9 +25,7 @@ void KelvaStatusListWidget::setStatusList(const QStringList &records, const QLis
     all->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
     for (int i = 0; i < records.size(); ++i) {
         const QStringList fields = records.at(i).split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
-        QPixmap picture;
-        picture.loadFromData(pictures.value(i));
-        auto *entry = new QListWidgetItem(QIcon(picture), fields.value(1), this);
+        auto *entry = new QListWidgetItem(QIcon(recordPicture(pictures.value(i))), fields.value(1), this);
         entry->setData(itemrole::rawValue, fields.value(0));
         entry->setFlags(Qt::ItemIsSelectable | Qt::ItemIsDropEnabled | Qt::ItemIsEnabled);
     }
