@@ -18,12 +18,16 @@
 void KelvaClientMain::initStatus()
 {
     disconnect(m_twStatus, SIGNAL(currentRowChanged(int)), this, SLOT(selChanged()));
+    disconnect(m_twStatus, SIGNAL(updateStatus(QStringList, QString)), this,
+               SLOT(updateDocsAfterDrop(QStringList, QString)));
     QStringList rows;
     QList<QByteArray> pictures;
     if (!classifyClient->getStatusList(rows, pictures))
         plainbox::critical(this, tr("Error"), tr("The status data could not be loaded!"));
     m_twStatus->setStatusList(rows, pictures);
     connect(m_twStatus, SIGNAL(currentRowChanged(int)), this, SLOT(selChanged()), Qt::DirectConnection);
+    connect(m_twStatus, SIGNAL(updateStatus(QStringList, QString)), this,
+            SLOT(updateDocsAfterDrop(QStringList, QString)), Qt::DirectConnection);
 }
 
 void KelvaClientMain::initExtendedSearch()
