@@ -21,10 +21,17 @@ Error cancelled()
     return {ErrorCode::Refused, QStringLiteral("The transfer was cancelled.")};
 }
 
-/// Who works at an upload, and when it last did: time, computer and process id.
+/// This computer and what process ids mean on it: a container counts its own.
+QString processSpace()
+{
+    return QSysInfo::machineHostName() + QLatin1Char('/') +
+           QFile::symLinkTarget(QStringLiteral("/proc/self/ns/pid")).section(QLatin1Char('/'), -1);
+}
+
+/// Who works at an upload, and when it last did: time, process space and process id.
 QString uploadMark(const Session &session)
 {
-    return QStringLiteral("%1 %2 %3").arg(session.timestamp(), QSysInfo::machineHostName()).arg(::getpid());
+    return QStringLiteral("%1 %2 %3").arg(session.timestamp(), processSpace()).arg(::getpid());
 }
 
 /// A process of this computer that is no more, or one of any that has not been at it for a day.
@@ -35,8 +42,8 @@ bool isAbandoned(const Session &session, const QString &mark)
     if (mark < yesterday)
         return true;
     const auto pid = static_cast<pid_t>(mark.section(QLatin1Char(' '), 2, 2).toInt());
-    return pid > 0 && mark.section(QLatin1Char(' '), 1, 1) == QSysInfo::machineHostName() &&
-           ::kill(pid, 0) != 0 && errno == ESRCH;
+    return pid > 0 && mark.section(QLatin1Char(' '), 1, 1) == processSpace() && ::kill(pid, 0) != 0 &&
+           errno == ESRCH;
 }
 
 } // namespace

@@ -11,7 +11,9 @@
 #include <QSqlError>
 #include <QUrl>
 #include <QUuid>
+#include <QtEndian>
 
+#include <array>
 #include <cstring>
 #include <limits>
 
@@ -82,11 +84,16 @@ Result<void> checkHeader(const QString &path)
     if (code != SQLITE_OK)
         return Error{ErrorCode::Storage, QStringLiteral("The archive %1 cannot be opened: %2")
                                              .arg(path, QString::fromUtf8(sqlite3_errmsg(opened)))};
-    sqlite3_stmt *prepared = nullptr;
-    sqlite3_prepare_v2(opened, "PRAGMA application_id", -1, &prepared, nullptr);
-    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(prepared, &sqlite3_finalize);
-    if (!statement || sqlite3_step(prepared) != SQLITE_ROW ||
-        sqlite3_column_int(prepared, 0) != schema::applicationId)
+    // The bytes themselves: SQLite would compare the first page with the length of the file, and while
+    // another program writes the log back, or after it was killed at that, the two do not fit.
+    sqlite3_file *file = nullptr;
+    sqlite3_file_control(opened, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    std::array<char, 100> header{};
+    constexpr int idOffset = 68;
+    if (!file || !file->pMethods ||
+        file->pMethods->xRead(file, header.data(), header.size(), 0) != SQLITE_OK ||
+        std::memcmp(header.data(), "SQLite format 3", 16) != 0 ||
+        qFromBigEndian<qint32>(header.data() + idOffset) != schema::applicationId)
         return noArchive;
     return {};
 }

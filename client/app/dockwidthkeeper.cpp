@@ -11,30 +11,41 @@ DockWidthKeeper::DockWidthKeeper(QMainWindow *window, QDockWidget *dock, QDockWi
       m_other(other)
 {
     window->installEventFilter(this);
-    dock->installEventFilter(this);
+}
+
+bool DockWidthKeeper::isBesideTheOther() const
+{
+    const auto isIn = [](const QDockWidget *dock) { return dock->isVisible() && !dock->isFloating(); };
+    return isIn(m_dock) && isIn(m_other) &&
+           (m_dock->geometry().right() < m_other->x() || m_other->geometry().right() < m_dock->x());
 }
 
 void DockWidthKeeper::takeBack()
 {
-    m_windowSize = m_window->size();
-    if (!m_dock->isVisible() || m_dock->isFloating())
+    if (!isBesideTheOther())
         return;
-    if (m_width == 0)
+    if (m_width <= 0)
+        learn();
+    const int rest = m_window->width() - m_width;
+    if (rest > m_other->minimumSizeHint().width())
+        m_window->resizeDocks({m_dock, m_other}, {m_width, rest}, Qt::Horizontal);
+}
+
+void DockWidthKeeper::learn()
+{
+    if (isBesideTheOther())
         m_width = m_dock->width();
-    else
-        m_window->resizeDocks({m_dock, m_other}, {m_width, m_window->width() - m_width}, Qt::Horizontal);
 }
 
 bool DockWidthKeeper::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Resize) {
-        if (watched == m_window) {
-            // The docks have their new sizes already; within the event they would not take others.
-            QMetaObject::invokeMethod(
-                this, [this] { takeBack(); }, Qt::QueuedConnection);
-        } else if (!m_dock->isFloating() && m_window->size() == m_windowSize) {
-            m_width = m_dock->width();
-        }
-    }
+    // Afterwards: within a resize the docks would not take other sizes, and a drag is not over yet. What the
+    // mouse lets go of in the window itself is the line between docks.
+    if (event->type() == QEvent::Resize)
+        QMetaObject::invokeMethod(
+            this, [this] { takeBack(); }, Qt::QueuedConnection);
+    else if (event->type() == QEvent::MouseButtonRelease)
+        QMetaObject::invokeMethod(
+            this, [this] { learn(); }, Qt::QueuedConnection);
     return QObject::eventFilter(watched, event);
 }

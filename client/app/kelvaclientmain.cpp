@@ -81,7 +81,7 @@ void KelvaClientMain::setupPanels()
 
     m_tWOrdner->setSaveState(true, "kelvaMainFolderView");
     setDockNestingEnabled(true);
-    new DockWidthKeeper(this, m_dockFolder, m_dockDocuments);
+    m_folderWidth = new DockWidthKeeper(this, m_dockFolder, m_dockDocuments);
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     m_infoView->horizontalHeader()->setSectionsMovable(true);
     m_infoView->horizontalHeader()->setContextMenuPolicy(Qt::ActionsContextMenu);

@@ -14,6 +14,7 @@
 #include <memory>
 
 class ClassifyInterface;
+class DockWidthKeeper;
 class KelvaArchiveWorker;
 class KelvaComboDelegate;
 class KelvaDelegate;
@@ -270,6 +271,7 @@ private:
     bool useHttpLinks = false;
     QString emailCommand;
     int DockFolderWidth = 0;
+    DockWidthKeeper *m_folderWidth = nullptr;
 
     // Query
     QString m_selectionOption;

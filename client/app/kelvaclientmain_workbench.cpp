@@ -1,6 +1,7 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/defaultlayout.h"
+#include "app/dockwidthkeeper.h"
 #include "documents/kelvatrashbutton.h"
 #include "extensions/qttoolbarmanager.h"
 #include "search/kelvastatusbarext.h"
@@ -11,6 +12,7 @@
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLayout>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSaveFile>
@@ -238,6 +240,10 @@ void KelvaClientMain::loadScreenSettings()
 {
     const QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
     DockFolderWidth = settings.value("DockFolderWidth", DockFolderWidth).toInt();
+    if (DockFolderWidth > 0) {
+        const QMargins frame = m_twStatus->parentWidget()->layout()->contentsMargins();
+        m_folderWidth->setWidth(frame.left() + DockFolderWidth + frame.right());
+    }
     if (settings.contains("DockSettings")) {
         if (settings.value("isMaximized", false).toBool())
             setWindowState(windowState() | Qt::WindowMaximized); // the window is shown only after the login

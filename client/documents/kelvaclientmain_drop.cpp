@@ -51,7 +51,9 @@ void KelvaClientMain::updateDocsAfterDrop(const QStringList &docIds, const QStri
     progress.setWindowModality(Qt::WindowModal);
     QStringList rows = classifyClient->getDocuments(
         {"docs_id in (" + docIds.join(',') + ")", QString("OPT:LIMIT;%1").arg(docIds.size() + 1)});
-    if (!rows.isEmpty())
+    if (rows.isEmpty())
+        plainbox::critical(this, tr("Error"), tr("The document data could not be read."));
+    else
         rows.removeFirst(); // the header
     QStringList handled;
     for (const QString &row : qAsConst(rows)) {

@@ -207,6 +207,10 @@ bool KelvaClientMain::loadRows()
                               openedKnown ? &opened : nullptr);
     disableDocumentActions();
     showCount();
+    // Even an empty list has its header.
+    if (docs.isEmpty() && !classifyClient->lastError().isEmpty())
+        statusBar()->showMessage(
+            QStringLiteral("%1 - %2").arg(statusBar()->currentMessage(), classifyClient->lastError()));
     updateFolderColumn();
     return true;
 }

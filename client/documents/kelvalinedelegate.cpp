@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QStandardItemModel>
 #include <QUrl>
+#include <QValidator>
 
 KelvaLineDelegate::KelvaLineDelegate(const QStringList &completions, QObject *parent, int maxLength,
                                      bool numeric)
@@ -85,6 +86,12 @@ void KelvaLineDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
         return;
     }
     QString text = line->text().trimmed();
+    if (line->validator() && !line->hasAcceptableInput()) {
+        line->validator()->fixup(text);
+        int position = 0;
+        if (line->validator()->validate(text, position) != QValidator::Acceptable)
+            return; // half a number, when something else than leaving the cell asks for it
+    }
     if (m_numeric)
         text.remove(QLocale().groupSeparator());
     if (m_numeric &&

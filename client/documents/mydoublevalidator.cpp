@@ -7,7 +7,13 @@ MyDoubleValidator::MyDoubleValidator(QObject *parent) : QDoubleValidator(-1e53, 
 
 QValidator::State MyDoubleValidator::validate(QString &text, int &position) const
 {
-    return text.isEmpty() ? Acceptable : QDoubleValidator::validate(text, position);
+    if (text.isEmpty())
+        return Acceptable;
+    const State state = QDoubleValidator::validate(text, position);
+    // No thousands begin with a nought: "0.123" is meant as a decimal where the point separates thousands.
+    const int separator = text.indexOf(locale().groupSeparator());
+    const QString first = text.left(separator).remove('-');
+    return state == Acceptable && separator >= 0 && first == QLatin1String("0") ? Intermediate : state;
 }
 
 void MyDoubleValidator::fixup(QString &text) const

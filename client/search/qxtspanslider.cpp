@@ -230,6 +230,7 @@ void QxtSpanSlider::setUpperPosition(int upper)
 
 void QxtSpanSlider::mousePressEvent(QMouseEvent *event)
 {
+    d->pressed = SpanHandle::None; // a release may have gone elsewhere
     const bool held = event->button() == Qt::LeftButton && (d->pressHandle(SpanHandle::Upper, event->pos()) ||
                                                             d->pressHandle(SpanHandle::Lower, event->pos()));
     event->setAccepted(held);
@@ -237,7 +238,7 @@ void QxtSpanSlider::mousePressEvent(QMouseEvent *event)
 
 void QxtSpanSlider::mouseMoveEvent(QMouseEvent *event)
 {
-    if (d->pressed == SpanHandle::None) {
+    if (d->pressed == SpanHandle::None || !event->buttons().testFlag(Qt::LeftButton)) {
         event->ignore();
         return;
     }

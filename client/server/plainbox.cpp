@@ -2,8 +2,7 @@
 
 #include <QCursor>
 #include <QGuiApplication>
-
-#include <optional>
+#include <QList>
 
 namespace {
 
@@ -11,17 +10,17 @@ QMessageBox::StandardButton ask(QMessageBox::Icon icon, QWidget *parent, const Q
                                 const QString &text, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton preset = QMessageBox::NoButton)
 {
-    std::optional<QCursor> working;
-    if (const QCursor *cursor = QGuiApplication::overrideCursor())
-        working = *cursor;
-    if (working)
+    QList<QCursor> working; // one for each operation within another
+    while (const QCursor *cursor = QGuiApplication::overrideCursor()) {
+        working.prepend(*cursor);
         QGuiApplication::restoreOverrideCursor();
+    }
     QMessageBox box(icon, title, text, buttons, parent);
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(preset);
     const int answer = box.exec();
-    if (working)
-        QGuiApplication::setOverrideCursor(*working);
+    for (const QCursor &cursor : qAsConst(working))
+        QGuiApplication::setOverrideCursor(cursor);
     return static_cast<QMessageBox::StandardButton>(answer);
 }
 

@@ -185,6 +185,7 @@ private slots:
         kelvatest::row("thousands and decimals", "12,", "1.234,5", "1234,5||1");
         kelvatest::row("a stored number is no thousand times itself", "12.345", QString(), "12.345||0");
         kelvatest::row("a point that separates no thousands is a comma", "1", "7.5", "7,5||1");
+        kelvatest::row("nor does one behind a nought", "1", "0.123", "0,123||1");
     }
 
     void numbersFollowTheLocale()

@@ -235,9 +235,11 @@ private slots:
                 QStringLiteral("SELECT touched FROM blob WHERE touched IS NOT NULL ORDER BY id"));
         };
         const QString mark = m_session->timestamp() + QStringLiteral(" %1 %2");
-        const QString living = mark.arg(QSysInfo::machineHostName()).arg(QCoreApplication::applicationPid());
+        const QString here = QSysInfo::machineHostName() + QLatin1Char('/') +
+                             QFileInfo(QFile::symLinkTarget("/proc/self/ns/pid")).fileName();
+        const QString living = mark.arg(here).arg(QCoreApplication::applicationPid());
         const QString elsewhere = mark.arg(QStringLiteral("another.example")).arg(deadPid);
-        for (const QString &touched : {mark.arg(QSysInfo::machineHostName()).arg(deadPid), living, elsewhere,
+        for (const QString &touched : {mark.arg(here).arg(deadPid), living, elsewhere,
                                        QStringLiteral("2020-01-01T00:00:00 another.example 1")})
             database.run(QStringLiteral("INSERT INTO blob(touched) VALUES(?)"), {touched});
         removeAbandonedUploads(*m_session);

@@ -291,6 +291,28 @@ private slots:
         QCOMPARE(database.value()->integrityFaults(), QStringList());
     }
 
+    void anArchiveTornInWritingItsLogBackIsOpened()
+    {
+        const QString torn = m_directory->filePath(QStringLiteral("torn.kelva"));
+        auto database = create();
+        database->run(QStringLiteral("PRAGMA wal_checkpoint"));
+        database->run(
+            QStringLiteral("INSERT INTO setting(section, name, value) VALUES('s', 'n', zeroblob(500000))"));
+        QVERIFY(QFile::copy(m_path, torn));
+        QVERIFY(QFile::copy(m_path + QStringLiteral("-wal"), torn + QStringLiteral("-wal")));
+        database.reset(); // writes the log back, the first page first
+        QFile whole(m_path);
+        QFile part(torn);
+        QVERIFY(whole.open(QIODevice::ReadOnly) && part.open(QIODevice::ReadWrite));
+        QVERIFY(part.size() < whole.size());
+        QVERIFY(part.write(whole.read(4096)) == 4096);
+        part.close();
+        const auto opened = Database::open(torn, Database::Mode::ReadWrite);
+        QVERIFY2(opened.ok(), opened ? "" : qPrintable(opened.error().text));
+        QCOMPARE(opened.value()->value(QStringLiteral("SELECT count(*) FROM setting")).toInt(), 1);
+        QCOMPARE(opened.value()->integrityFaults(), QStringList());
+    }
+
     void anotherProgramThatLeavesTakesNothingWithIt()
     {
         // Before this process opens the archive: a connection must not be taken along into a child.
