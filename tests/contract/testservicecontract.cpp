@@ -1,5 +1,6 @@
 #include "fakes/fakearchive.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "server/classifyinterface.h"
 #include "server/kelvaarchiveclientinterface.h"
@@ -157,9 +158,7 @@ private:
 
     QString writeFile(const QString &name, const QByteArray &bytes)
     {
-        QFile file(m_directory.filePath(name));
-        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName()
-                                                                                    : QString();
+        return outside::write(m_directory.filePath(name), bytes);
     }
 
     QByteArray download(qint64 id)
@@ -167,9 +166,8 @@ private:
         QString path;
         if (!m_content->downloadDocument(int(id), path, 1))
             return "refused: " + m_content->lastError().toUtf8();
-        QFile file(path);
-        const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : "no file";
-        file.remove();
+        const QByteArray bytes = outside::read(path);
+        QFile::remove(path);
         return bytes;
     }
 
@@ -201,10 +199,6 @@ void TestServiceContract::sessionsBeginWithAPassword()
     QVERIFY(!m_client->lastMessage().isEmpty());
     QCOMPARE(m_client->lastMessage(), m_client->lastError());
     login();
-    QCOMPARE(m_client->getLoginName(), QString("anna"));
-    QCOMPARE(m_client->getServerHost(), QString("localhost"));
-    QCOMPARE(m_client->getServerPort(), archiveNumber);
-    QCOMPARE(m_client->getProfileId(), 7);
     QVERIFY(m_client->getUserRights().contains("kelvaADMIN"));
     QVERIFY(m_client->getUserRights().contains("r_anna"));
     QStringList archives{"left from before"};

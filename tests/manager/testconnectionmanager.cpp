@@ -2,6 +2,7 @@
 #include "manager/managersurroundings.h"
 #include "manager/profileblock.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "folders/workbenchdata.h"
 #include "server/kelvalogindata.h"
@@ -14,7 +15,6 @@
 #include <QLocalSocket>
 #include <QRegularExpression>
 #include <QSharedMemory>
-#include <QSignalSpy>
 
 using namespace kelva;
 
@@ -24,7 +24,6 @@ class TestConnectionManager : public QObject
 
 private slots:
     void aClientGetsItsProfileAndItsBlock();
-    void everyProfileHasABlockFromTheStart();
     void aReloadIsAnsweredWithTheNewVocabulary();
     void unchangedArchivesAreNotReadAgain();
     void blocksReturnWhenTheTemporaryDirectoryWasSwept();
@@ -32,7 +31,6 @@ private slots:
     void aFaultyProfileDoesNotStopTheOthers();
     void aStuckBlockHoldsUpNobody();
     void theProfileFileIsFollowed();
-    void removedProfilesLoseTheirBlock();
     void requestsOfOneConnectionAreAnsweredInTurn();
     void aSlowClientHoldsUpNobody();
     void cutOffClients_data();
@@ -89,9 +87,7 @@ void TestConnectionManager::aClientGetsItsProfileAndItsBlock()
 {
     ManagerSurroundings s;
     const Profile stored = s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
+    StartedManager started(s.store);
     kelvaLoginData login;
     kelvaProfileData profile;
     QString message;
@@ -106,32 +102,15 @@ void TestConnectionManager::aClientGetsItsProfileAndItsBlock()
     QCOMPARE(profile.extraList2, QStringList(""));
     WorkbenchData data;
     QVERIFY(readWorkbenchData(::workbenchKey("admin", "localhost", 1, profile.id), data));
-    QTRY_COMPARE(manager.countUsers(stored.id), 1);
-    QCOMPARE(manager.countUsers(stored.id + 1), 0);
-}
-
-void TestConnectionManager::everyProfileHasABlockFromTheStart()
-{
-    ManagerSurroundings s;
-    s.archive.addUser("anna", {"kelvaCLASSIFY"});
-    const Profile admin = s.added(s.profile("All", "admin"));
-    const Profile anna = s.added(s.profile("Some", "anna"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    QTRY_VERIFY(folderNames(admin).contains("Board"));
-    QTRY_VERIFY(folderNames(anna).contains("Office"));
-    QVERIFY(!folderNames(anna).contains("Board"));
-    QVERIFY(manager.stop(5000));
+    QTRY_COMPARE(started.manager.countUsers(stored.id), 1);
+    QCOMPARE(started.manager.countUsers(stored.id + 1), 0);
 }
 
 void TestConnectionManager::aReloadIsAnsweredWithTheNewVocabulary()
 {
     ManagerSurroundings s;
     const Profile profile = s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
+    StartedManager started(s.store);
     const auto session = s.archive.login("admin", "secret");
     kelvaLoginData login;
     // One after the other, faster than file times can tell them apart.
@@ -187,18 +166,8 @@ void TestConnectionManager::aFaultyProfileDoesNotStopTheOthers_data()
     QTest::addColumn<QString>("port");
     QTest::addColumn<QString>("user");
     QTest::addColumn<QString>("fault");
-    QTest::newRow("the archive is gone") << "7"
-                                         << "admin"
-                                         << "no archive";
-    QTest::newRow("the file is no archive") << "8"
-                                            << "admin"
-                                            << "is no archive";
-    QTest::newRow("the user is unknown") << "1"
-                                         << "nobody"
-                                         << "nobody";
-    QTest::newRow("the port is no number") << "x"
-                                           << "admin"
-                                           << "not valid";
+    kelvatest::row("the file is no archive", "8", "admin", "is no archive");
+    kelvatest::row("the port is no number", "x", "admin", "not valid");
 }
 
 void TestConnectionManager::aFaultyProfileDoesNotStopTheOthers()
@@ -207,16 +176,12 @@ void TestConnectionManager::aFaultyProfileDoesNotStopTheOthers()
     QFETCH(QString, user);
     QFETCH(QString, fault);
     ManagerSurroundings s;
-    QFile noArchive(qEnvironmentVariable("KELVA_HOME") + "/8.kelva");
-    QVERIFY(noArchive.open(QIODevice::WriteOnly) && noArchive.write(QByteArray(5000, 'x')) > 0);
-    noArchive.close();
+    outside::write(qEnvironmentVariable("KELVA_HOME") + "/8.kelva", QByteArray(5000, 'x'));
     Profile faulty = s.profile("Faulty", user);
     faulty.port = port;
     faulty = s.added(faulty);
     const Profile sound = s.added(s.profile("Sound"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
+    StartedManager started(s.store);
     kelvaLoginData login;
     QString message;
     for (const Profile &wanted : {faulty, sound}) {
@@ -226,9 +191,9 @@ void TestConnectionManager::aFaultyProfileDoesNotStopTheOthers()
     }
     QVERIFY(folderNames(sound).contains("Office"));
     QVERIFY(!hasBlock(faulty));
-    QCOMPARE(manager.blocks().fault(sound.id), QString());
-    QVERIFY2(manager.blocks().fault(faulty.id).contains(fault),
-             qPrintable(manager.blocks().fault(faulty.id)));
+    QCOMPARE(started.manager.blocks().fault(sound.id), QString());
+    QVERIFY2(started.manager.blocks().fault(faulty.id).contains(fault),
+             qPrintable(started.manager.blocks().fault(faulty.id)));
 }
 
 void TestConnectionManager::aStuckBlockHoldsUpNobody()
@@ -265,47 +230,31 @@ void TestConnectionManager::aStuckBlockHoldsUpNobody()
 void TestConnectionManager::theProfileFileIsFollowed()
 {
     ManagerSurroundings s;
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    QSignalSpy changed(&profiles, &ProfileList::changed);
-    const Profile first = ProfileStore().add(s.profile("First")).value();
-    QTRY_VERIFY(hasBlock(first));
-    const Profile second = ProfileStore().add(s.profile("Second")).value();
-    QTRY_VERIFY(hasBlock(second));
-    QCOMPARE(profiles.profiles().size(), 2);
+    s.archive.addUser("anna", {"kelvaCLASSIFY"});
+    const Profile first = s.added(s.profile("All"));
+    StartedManager started(s.store);
+    QTRY_VERIFY(folderNames(first).contains("Board"));
+    const Profile second = ProfileStore().add(s.profile("Some", "anna")).value();
+    QTRY_VERIFY(folderNames(second).contains("Office"));
+    QVERIFY(!folderNames(second).contains("Board"));
+    QVERIFY(s.store.remove(first.id).ok());
+    QTRY_VERIFY(!hasBlock(first));
+    QVERIFY(hasBlock(second));
     s.writeFile("{ damaged");
-    QTRY_VERIFY(profiles.fault().contains("damaged"));
+    QTRY_VERIFY(started.profiles.fault().contains("damaged"));
     // What it knew before serves on.
     kelvaLoginData login;
     kelvaProfileData profile;
     QString message;
     QVERIFY(login.getProfileById(profile, message, static_cast<int>(second.id)));
-    QVERIFY(changed.count() >= 3);
     QCOMPARE(s.readFile(), QByteArray("{ damaged"));
-}
-
-void TestConnectionManager::removedProfilesLoseTheirBlock()
-{
-    ManagerSurroundings s;
-    const Profile first = s.added(s.profile("First"));
-    const Profile second = s.added(s.profile("Second"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    QTRY_VERIFY(hasBlock(first) && hasBlock(second));
-    QVERIFY(s.store.remove(first.id).ok());
-    QTRY_VERIFY(!hasBlock(first));
-    QVERIFY(hasBlock(second));
 }
 
 void TestConnectionManager::requestsOfOneConnectionAreAnsweredInTurn()
 {
     ManagerSurroundings s;
     const Profile profile = s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
+    StartedManager started(s.store);
     Client client;
     const QByteArray list = profileListAnswer({profile});
     client.send("RELOADPROFILE#5\r\nGETPROFILES\r\nRELOADPROFILE#" + QByteArray::number(profile.id) +
@@ -319,16 +268,14 @@ void TestConnectionManager::requestsOfOneConnectionAreAnsweredInTurn()
         hasty.send("USEPROFILE#" + QByteArray::number(QCoreApplication::applicationPid()) + "#" +
                    QByteArray::number(profile.id) + "#/opt/k\r\n");
     }
-    QTRY_COMPARE(manager.countUsers(profile.id), 1);
+    QTRY_COMPARE(started.manager.countUsers(profile.id), 1);
 }
 
 void TestConnectionManager::aSlowClientHoldsUpNobody()
 {
     ProfileFixture s;
     s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
+    StartedManager started(s.store);
     Client slow;
     slow.send("GETPROF");
     Client deaf; // asks and asks and takes no answer
@@ -346,11 +293,9 @@ void TestConnectionManager::aSlowClientHoldsUpNobody()
 void TestConnectionManager::cutOffClients_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("garbage") << QByteArray("\x16\x03\x01\r\n\r\n", 7);
-    QTest::newRow("a line without end") << QByteArray(RequestParser::longestLine + 1, 'G');
-    QTest::newRow("megabytes of it") << QByteArray(8 * 1024 * 1024, 'G');
-    QTest::newRow("garbage behind a request") << QByteArray("GETPROFILES\r\nGETPROFILE\r\n");
-    QTest::newRow("a hundred requests at once") << QByteArray("GETPROFILES\r\n").repeated(100);
+    kelvatest::row("megabytes of it", QByteArray(8 * 1024 * 1024, 'G'));
+    kelvatest::row("garbage behind a request", QByteArray("GETPROFILES\r\nGETPROFILE\r\n"));
+    kelvatest::row("a hundred requests at once", QByteArray("GETPROFILES\r\n").repeated(100));
 }
 
 void TestConnectionManager::cutOffClients()
@@ -358,9 +303,7 @@ void TestConnectionManager::cutOffClients()
     QFETCH(QByteArray, bytes);
     ProfileFixture s;
     s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
+    StartedManager started(s.store);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("a client was cut off"));
     Client client;
     client.send(bytes);
@@ -404,9 +347,7 @@ void TestConnectionManager::connectionsAreLimited()
 {
     ProfileFixture s;
     s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
+    StartedManager started(s.store);
     std::vector<std::unique_ptr<Client>> clients;
     for (int i = 0; i < ManagerServer::mostConnections; ++i)
         clients.push_back(std::make_unique<Client>());
@@ -422,11 +363,8 @@ void TestConnectionManager::onlyOneManagerRuns()
     ProfileFixture s;
     ProfileList profiles(s.store);
     const QString socketFile = QDir::tempPath() + '/' + socketName();
-    {
-        // What a killed one leaves behind is in nobody's way.
-        QFile leftover(socketFile);
-        QVERIFY(leftover.open(QIODevice::WriteOnly));
-    }
+    // What a killed one leaves behind is in nobody's way.
+    outside::write(socketFile, QByteArray());
     {
         ConnectionManager first(profiles);
         QVERIFY(first.start().ok());
