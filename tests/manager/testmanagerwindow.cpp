@@ -6,7 +6,6 @@
 #include "service/users.h"
 
 #include <QLineEdit>
-#include <QLocalSocket>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTreeWidget>
@@ -22,7 +21,6 @@ private slots:
     void aTestLogsIn();
     void aProfileIsEditedAndRemoved();
     void closingAsks();
-    void aSecondStartBringsTheWindowBack();
     void aDamagedFileCanBeSetAside();
     void changesReachTheOneInTheBackground();
 };
@@ -30,21 +28,17 @@ private slots:
 namespace {
 
 /// The window as the program shows it.
-struct Shown
+struct Shown : StartedManager
 {
-    explicit Shown(ManagerSurroundings &s) : profiles(s.store), manager(profiles)
+    explicit Shown(ManagerSurroundings &s) : StartedManager(s.store)
     {
-        QVERIFY(manager.start().ok());
         window = std::make_unique<ManagerWindow>(profiles, &manager);
-        QObject::connect(&manager, &ConnectionManager::windowWanted, window.get(), &ManagerWindow::present);
         window->present();
     }
     QTreeWidget *list() const { return window->findChild<QTreeWidget *>("profiles"); }
     QPushButton *button(const char *name) const { return window->findChild<QPushButton *>(name); }
     QString state(int row) const { return list()->topLevelItem(row)->text(3); }
 
-    ProfileList profiles;
-    ConnectionManager manager;
     std::unique_ptr<ManagerWindow> window;
 };
 
@@ -71,12 +65,6 @@ void TestManagerWindow::faultsAreShownAtTheirProfile()
     right.password = "secret";
     QVERIFY(s.store.replace(s.store.load().value().at(1), right).ok());
     QTRY_COMPARE(shown.state(1), QString("Ready"));
-    // And another becomes wrong in the archive: seen when a client has its block renewed.
-    QVERIFY(Users(*s.archive.owner()).setPassword("admin", "changed").ok());
-    bool renewed = false;
-    shown.manager.blocks().renew({right.id}, 10000, [&renewed](bool) { renewed = true; });
-    QTRY_VERIFY(renewed);
-    QTRY_COMPARE(shown.state(1), QString("Wrong username or password!"));
 }
 
 void TestManagerWindow::aTestLogsIn()
@@ -146,19 +134,6 @@ void TestManagerWindow::closingAsks()
     QCOMPARE(script.problems(), QString());
 }
 
-void TestManagerWindow::aSecondStartBringsTheWindowBack()
-{
-    ManagerSurroundings s;
-    Shown shown(s);
-    shown.window->hide();
-    QLocalSocket second;
-    second.connectToServer(socketName());
-    second.write("SHOWWINDOW\r\n");
-    QTRY_VERIFY(second.canReadLine());
-    QCOMPARE(second.readLine(), QByteArray("OK\r\n"));
-    QVERIFY(shown.window->isVisible());
-}
-
 void TestManagerWindow::aDamagedFileCanBeSetAside()
 {
     ManagerSurroundings s;
@@ -183,9 +158,7 @@ void TestManagerWindow::changesReachTheOneInTheBackground()
 {
     ManagerSurroundings s;
     const Profile profile = s.added(s.profile("Office"));
-    ProfileList background(s.store);
-    ConnectionManager manager(background);
-    QVERIFY(manager.start().ok());
+    const StartedManager background(s.store);
     ProfileStore store;
     ProfileList mine(store);
     ManagerWindow window(mine, nullptr);
@@ -193,7 +166,7 @@ void TestManagerWindow::changesReachTheOneInTheBackground()
     DialogScript script;
     script.expectBox(title, "\"Office\"", QMessageBox::Yes);
     window.findChild<QPushButton *>("remove")->click();
-    QTRY_VERIFY(background.profiles().isEmpty());
+    QTRY_VERIFY(background.profiles.profiles().isEmpty());
     QSignalSpy quit(&window, &ManagerWindow::quitRequested);
     window.close();
     QCOMPARE(quit.count(), 1);

@@ -82,11 +82,11 @@ void TestProfileStore::damagedFilesAreKept_data()
         if (at < 0)
             qFatal("%s", name);
         bytes.replace(at, from.size(), to);
-        QTest::newRow(name) << bytes << QString(text);
+        kelvatest::row(name, bytes, QString(text));
     };
-    QTest::newRow("empty") << QByteArray() << "is damaged";
-    QTest::newRow("random bytes") << QByteArray("\x01\xff\x00zz", 5) << "is damaged";
-    QTest::newRow("another JSON") << QByteArray("[1, 2]") << "\"format\" is missing or wrong";
+    kelvatest::row("empty", QByteArray(), "is damaged");
+    kelvatest::row("random bytes", QByteArray("\x01\xff\x00zz", 5), "is damaged");
+    kelvatest::row("another JSON", QByteArray("[1, 2]"), "\"format\" is missing or wrong");
     row("newer format", "\"format\": 1", "\"format\": 2", "newer version");
     row("id as text", "\"id\": 1001", "\"id\": \"x\"", "\"id\" of profile 1");
     row("id with a fraction", "\"id\": 1001", "\"id\": 1.5", "\"id\" of profile 1");
@@ -172,50 +172,18 @@ void TestProfileStore::invalidProfilesAreExplained_data()
     QTest::addColumn<QString>("field");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("text");
-    QTest::newRow("complete") << "name"
-                              << " Office "
-                              << "";
-    QTest::newRow("port with zeros and blanks") << "port"
-                                                << " 007 "
-                                                << "";
-    QTest::newRow("no name") << "name"
-                             << "  "
-                             << "name";
-    QTest::newRow("no host") << "host"
-                             << ""
-                             << "host";
-    QTest::newRow("a server elsewhere") << "host"
-                                        << "archive.example"
-                                        << "archive.example";
-    QTest::newRow("no port") << "port"
-                             << ""
-                             << "port";
-    QTest::newRow("port zero") << "port"
-                               << "0"
-                               << "port";
-    QTest::newRow("negative port") << "port"
-                                   << "-1"
-                                   << "port";
-    QTest::newRow("port beyond an int") << "port"
-                                        << "4294967297"
-                                        << "port";
-    QTest::newRow("port that is a path") << "port"
-                                         << "1/../2"
-                                         << "port";
-    QTest::newRow("no user") << "user"
-                             << ""
-                             << "login name";
-    QTest::newRow("no password") << "password"
-                                 << ""
-                                 << "password";
-    QTest::newRow("line break") << "line1"
-                                << "a\nb"
-                                << "line breaks";
-    QTest::newRow("separator") << "name" << QString("a") + QChar(0xFEFF) << "254 characters";
-    QTest::newRow("too long") << "line2" << QString(255, 'x') << "254 characters";
-    QTest::newRow("no archive") << "archives"
-                                << ""
-                                << "load the archives";
+    kelvatest::row("complete", "name", " Office ", "");
+    kelvatest::row("port with zeros and blanks", "port", " 007 ", "");
+    kelvatest::row("no name", "name", "  ", "name");
+    kelvatest::row("a server elsewhere", "host", "archive.example", "archive.example");
+    kelvatest::row("port zero", "port", "0", "port");
+    kelvatest::row("port beyond an int", "port", "4294967297", "port");
+    kelvatest::row("port that is a path", "port", "1/../2", "port");
+    kelvatest::row("no password", "password", "", "password");
+    kelvatest::row("line break", "line1", "a\nb", "line breaks");
+    kelvatest::row("separator", "name", QString("a") + QChar(0xFEFF), "254 characters");
+    kelvatest::row("too long", "line2", QString(255, 'x'), "254 characters");
+    kelvatest::row("no archive", "archives", "", "load the archives");
 }
 
 void TestProfileStore::invalidProfilesAreExplained()

@@ -13,39 +13,17 @@ class TestKelvaLoginData : public QObject
     Q_OBJECT
 
 private slots:
-    void aProfileIsReadFieldByField();
     void archiveIndexIsChecked_data();
     void archiveIndexIsChecked();
     void oneProfileIsTakenWithoutAsking();
     void severalProfilesAreAskedFor();
-    void aCancelledChoiceIsSilent();
     void damagedAnswersGiveTheLoadFailure_data();
     void damagedAnswersGiveTheLoadFailure();
-    void noManagerGivesTheLoadFailure();
     void profilesAreFoundById();
-    void aReloadWaitsForItsAnswer();
 
 private:
     const QString m_entry = QString("Main archive") + recordformat::fieldSeparator + "1";
 };
-
-void TestKelvaLoginData::aProfileIsReadFieldByField()
-{
-    QByteArray bytes = FakeManager::profileRecord(7, "Office", m_entry, "srv", "4711");
-    QDataStream stream(&bytes, QIODevice::ReadOnly);
-    stream.setVersion(10);
-    kelvaProfileData profile;
-    stream >> profile;
-    QCOMPARE(profile.id, 7);
-    QCOMPARE(profile.name, QString("Office"));
-    QCOMPARE(profile.host + ':' + profile.port, QString("srv:4711"));
-    QCOMPARE(profile.user + '/' + profile.password, QString("anna/secret"));
-    QCOMPARE(profile.flag, true);
-    QCOMPARE(profile.archiveEntry, m_entry);
-    QCOMPARE(profile.displayLine1 + '|' + profile.displayLine2, QString("First line|Second line"));
-    QCOMPARE(profile.extraList1 + profile.extraList2, QStringList({"a", "b", "c"}));
-    QVERIFY(stream.atEnd());
-}
 
 void TestKelvaLoginData::archiveIndexIsChecked_data()
 {
@@ -91,27 +69,6 @@ void TestKelvaLoginData::severalProfilesAreAskedFor()
     manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry),
                                                    FakeManager::profileRecord(9, "Archive", m_entry)});
     DialogScript script;
-    script.expectDialog("Kelva - Login", true, [](QWidget *dialog) {
-        auto *profiles = dialog->findChild<QComboBox *>("m_cbProfiles");
-        QCOMPARE(profiles->count(), 2);
-        profiles->setCurrentIndex(1);
-    });
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY(login.getProfile(profile, message, nullptr, false));
-    QCOMPARE(profile.id, 9);
-    QTRY_COMPARE(manager.requests.size(), 2);
-    QVERIFY(!manager.requests.last().endsWith('#'));
-    QCOMPARE(script.problems(), QString());
-}
-
-void TestKelvaLoginData::aCancelledChoiceIsSilent()
-{
-    FakeManager manager;
-    manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry),
-                                                   FakeManager::profileRecord(9, "Archive", m_entry)});
-    DialogScript script;
     script.expectDialog("Kelva - Login", false);
     kelvaLoginData login;
     kelvaProfileData profile;
@@ -120,14 +77,23 @@ void TestKelvaLoginData::aCancelledChoiceIsSilent()
     QVERIFY(login.getIsUserCanceled());
     QCOMPARE(message, QString());
     QCOMPARE(manager.requests, QStringList("GETPROFILES"));
+    script.expectDialog("Kelva - Login", true, [](QWidget *dialog) {
+        auto *profiles = dialog->findChild<QComboBox *>("m_cbProfiles");
+        QCOMPARE(profiles->count(), 2);
+        profiles->setCurrentIndex(1);
+    });
+    QVERIFY(login.getProfile(profile, message, nullptr, false));
+    QCOMPARE(profile.id, 9);
+    QTRY_COMPARE(manager.requests.size(), 3);
+    QVERIFY(!manager.requests.last().endsWith('#'));
     QCOMPARE(script.problems(), QString());
 }
 
 void TestKelvaLoginData::damagedAnswersGiveTheLoadFailure_data()
 {
     const QByteArray whole = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry)});
-    QByteArray shorterSize = whole;
-    shorterSize[7] = char(shorterSize.at(7) - 3);
+    QByteArray billions = FakeManager::profileRecord(7, "x", m_entry);
+    billions.replace(QByteArray("\x00\x00\x00\x01", 4), QByteArray("\x7f\xff\xff\xff", 4));
     QTest::addColumn<QByteArray>("answer");
     QTest::newRow("nothing") << QByteArray();
     QTest::newRow("fewer than 8 bytes") << whole.left(5);
@@ -136,11 +102,7 @@ void TestKelvaLoginData::damagedAnswersGiveTheLoadFailure_data()
         << FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry).left(30)});
     QTest::newRow("a size of exabytes") << QByteArray("\x7f\xff\xff\xff\xff\xff\xff\xff garbage", 16);
     QTest::newRow("a negative size") << QByteArray(64, '\xff');
-    QTest::newRow("a list count of billions")
-        << FakeManager::profileList({FakeManager::profileRecord(7, "x", m_entry)
-                                         .replace(QByteArray("\x00\x00\x00\x01", 4) +
-                                                      FakeManager::profileRecord(7, "x", m_entry).mid(0, 0),
-                                                  QByteArray("\x7f\xff\xff\xff", 4))});
+    QTest::newRow("a list count of billions") << FakeManager::profileList({billions});
 }
 
 void TestKelvaLoginData::damagedAnswersGiveTheLoadFailure()
@@ -156,16 +118,6 @@ void TestKelvaLoginData::damagedAnswersGiveTheLoadFailure()
     QCOMPARE(message,
              QString("The profile information could not be loaded. Please start the Connection Manager!"));
     QVERIFY(!login.getIsUserCanceled());
-}
-
-void TestKelvaLoginData::noManagerGivesTheLoadFailure()
-{
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY(!login.getProfileById(profile, message, 7));
-    QVERIFY(message.startsWith("The profile information could not be loaded."));
-    QCOMPARE(login.reloadProfile(7), 0);
 }
 
 void TestKelvaLoginData::profilesAreFoundById()
@@ -188,14 +140,6 @@ void TestKelvaLoginData::profilesAreFoundById()
     manager.listAnswer = FakeManager::profileList({});
     QVERIFY(!login.getProfile(missing, message, nullptr, false));
     QVERIFY(message.startsWith("You are not connected to any profile."));
-}
-
-void TestKelvaLoginData::aReloadWaitsForItsAnswer()
-{
-    FakeManager manager;
-    kelvaLoginData login;
-    QCOMPARE(login.reloadProfile(12), 0);
-    QCOMPARE(manager.requests, QStringList("RELOADPROFILE#12"));
 }
 
 KELVA_TEST(TestKelvaLoginData)
