@@ -14,30 +14,16 @@
 #include <QStandardItem>
 #include <QStatusBar>
 
-namespace {
-
-QSettings settings()
-{
-    return QSettings("Norbant GmbH", QCoreApplication::applicationName());
-}
-
-} // namespace
-
 class TestKelvaClientMain : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
+    void init() { Workplace::prepare(); }
     void aLoginListsTheDocuments();
-    void theEndIsInOrder();
-    void failedLogins_data();
-    void failedLogins();
+    void loginsThatFail_data();
+    void loginsThatFail();
     void anExpiredPasswordIsChanged();
-    void aMissingBlockStopsTheLogin();
-    void anArchiveThatIsGone_data();
-    void anArchiveThatIsGone();
     void offlineNeedsNoProfile();
     void rightsHideActions();
     void theSelectionSurvivesARefresh();
@@ -45,7 +31,6 @@ private slots:
     void quickMovesThroughFoldersRefreshOnce();
     void aRefreshDuringARefreshRunsAfterwards();
     void unreadDocumentsAreBold();
-    void theReloadActionBlinks();
     void aReloadKeepsOneConnection();
     void theLayoutReturns();
     void damagedSettingsDoNotMatter();
@@ -57,19 +42,6 @@ private slots:
     void aReloadCannotBeStartedTwice();
 };
 
-void TestKelvaClientMain::initTestCase()
-{
-    QCoreApplication::setApplicationName("kelvaclient");
-    QCoreApplication::setOrganizationName("Norbant GmbH");
-}
-
-void TestKelvaClientMain::init()
-{
-    FakeArchive::instance().reset();
-    QSettings file("Norbant GmbH", QCoreApplication::applicationName());
-    file.clear();
-}
-
 void TestKelvaClientMain::aLoginListsTheDocuments()
 {
     FakeArchive &archive = FakeArchive::instance();
@@ -77,7 +49,6 @@ void TestKelvaClientMain::aLoginListsTheDocuments()
     archive.addDocument("Letter", "9.9");
     Workplace workplace;
     QVERIFY(workplace.start());
-    QVERIFY(workplace.window->isVisible());
     QCOMPARE(workplace.window->windowTitle(), QString("Kelva - First line - Main archive"));
     QCOMPARE(archive.queries, QList<QStringList>({{"1=1", "OPT:LIMIT;100"}}));
     QCOMPARE(workplace.column(0), QStringList({"101", "102"}));
@@ -86,57 +57,58 @@ void TestKelvaClientMain::aLoginListsTheDocuments()
     QCOMPARE(workplace.column(5), QStringList({"Müller & Söhne", "not assigned"}));
     QCOMPARE(workplace.column(6), QStringList({"Invoice", "Invoice"}));
     QCOMPARE(workplace.message(), QString("2 documents"));
-    QCOMPARE(settings().value("Softwarekelvaclient/Version").toString(), QString("14.08-1-Update12"));
     QVERIFY(!workplace.action("action_Exportieren")->isEnabled());
     workplace.table()->selectRow(0);
     QVERIFY(workplace.action("action_Exportieren")->isEnabled());
 }
 
-void TestKelvaClientMain::theEndIsInOrder()
+void TestKelvaClientMain::loginsThatFail_data()
 {
-    Workplace workplace;
-    QVERIFY(workplace.start());
-    FakeArchive::instance().calls.clear();
-    QVERIFY(!settings().contains("DockSettings"));
-    workplace.end();
-    QVERIFY(settings().contains("DockSettings"));
-    QCOMPARE(settings().value("HideEmptyFolders").toBool(), false);
-    QCOMPARE(FakeArchive::instance().calls, QStringList({"disconnectClient", "disconnectFromArchive"}));
+    QTest::addColumn<QString>("failure"); // of the service; null: none
+    QTest::addColumn<int>("profile");
+    QTest::addColumn<QString>("archive");
+    QTest::addColumn<QString>("box");
+    const QString archive = QString("Main archive") + recordformat::fieldSeparator + "1";
+    const QString unknown = QString("Gone") + recordformat::fieldSeparator + "3";
+    const QString none;
+    kelvatest::row("wrong password", "Wrong user name.", 7, archive,
+                   "Error: The connection to the server could not be established: Wrong user name.");
+    kelvatest::row("another version", "WRONGVERSION", 7, archive,
+                   "Error: Version mismatch. Your client and server components has different versions.");
+    kelvatest::row("nearly another version", "WRONGVERSION 2", 7, archive,
+                   "Error: The connection to the server could not be established: WRONGVERSION 2");
+    kelvatest::row("a profile without a block", none, 8, archive,
+                   "Error: The connection to the Connection Manager could not be established, please restart "
+                   "Kelva!");
+    kelvatest::row("the archive is gone", none, 7, unknown,
+                   "Information: The configured archive was not found. Check the settings in the Connection "
+                   "Manager !");
+    kelvatest::row("an archive without a key", none, 7, "no separator",
+                   "Information: The archive information can not be read. Check the settings in the "
+                   "Connection Manager!");
 }
 
-void TestKelvaClientMain::failedLogins_data()
-{
-    QTest::addColumn<QString>("failure");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("disconnects");
-    QTest::newRow("wrong password")
-        << "Wrong user name or password."
-        << "The connection to the server could not be established: Wrong user name or "
-           "password."
-        << true;
-    QTest::newRow("another version")
-        << "WRONGVERSION"
-        << "Version mismatch. Your client and server components has different versions." << false;
-    QTest::newRow("nearly another version")
-        << "WRONGVERSION 2"
-        << "The connection to the server could not be established: WRONGVERSION 2" << true;
-}
-
-void TestKelvaClientMain::failedLogins()
+void TestKelvaClientMain::loginsThatFail()
 {
     QFETCH(QString, failure);
-    QFETCH(QString, text);
-    QFETCH(bool, disconnects);
-    FakeArchive::instance().failNext("connectClient", failure);
+    QFETCH(int, profile);
+    QFETCH(QString, archive);
+    QFETCH(QString, box);
+    if (!failure.isNull())
+        FakeArchive::instance().failNext("connectClient", failure);
     Workplace workplace;
+    workplace.manager.listAnswer =
+        FakeManager::profileList({FakeManager::profileRecord(profile, "Office", archive)});
     DialogScript script;
-    script.expectBox("Error", text);
+    script.expectBox(box.section(": ", 0, 0), box.section(": ", 1));
     QVERIFY(!workplace.start());
     QVERIFY(!workplace.window->isVisible());
     QCOMPARE(script.problems(), QString());
-    QCOMPARE(FakeArchive::instance().calls.contains("disconnectClient"), disconnects);
+    // A service of another version is not spoken to again.
+    QCOMPARE(FakeArchive::instance().calls.contains("disconnectClient"),
+             !failure.isNull() && failure != "WRONGVERSION");
     workplace.end();
-    QVERIFY(!settings().contains("DockSettings")); // a failed login writes no layout
+    QVERIFY(!Workplace::settings().contains("DockSettings")); // a failed login writes no layout
 }
 
 void TestKelvaClientMain::anExpiredPasswordIsChanged()
@@ -147,11 +119,9 @@ void TestKelvaClientMain::anExpiredPasswordIsChanged()
         Workplace workplace;
         DialogScript script;
         script.expectDialog("Change password", true, [](QWidget *dialog) {
-            auto *ok = dialog->findChild<QPushButton *>();
             dialog->findChild<QLineEdit *>("m_oldPass")->setText("secret");
             dialog->findChild<QLineEdit *>("m_newPass1")->setText("new");
             dialog->findChild<QLineEdit *>("m_newPass2")->setText("new");
-            Q_UNUSED(ok)
         });
         script.expectBox("Password changed", "Password changed successfully!");
         QVERIFY(workplace.start());
@@ -164,48 +134,6 @@ void TestKelvaClientMain::anExpiredPasswordIsChanged()
     Workplace workplace;
     DialogScript script;
     script.expectDialog("Change password", false);
-    QVERIFY(!workplace.start());
-    QCOMPARE(script.problems(), QString());
-}
-
-void TestKelvaClientMain::aMissingBlockStopsTheLogin()
-{
-    Workplace workplace;
-    const QString entry = QString("Main archive") + recordformat::fieldSeparator + "1";
-    workplace.manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(8, "Other", entry)});
-    DialogScript script;
-    script.expectBox(
-        "Error", "The connection to the Connection Manager could not be established, please restart Kelva!");
-    QVERIFY(!workplace.start());
-    QCOMPARE(script.problems(), QString());
-}
-
-void TestKelvaClientMain::anArchiveThatIsGone_data()
-{
-    QTest::addColumn<QString>("entry");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("unknown key")
-        << QString("Gone") + recordformat::fieldSeparator + "3"
-        << "The configured archive was not found. Check the settings in the Connection "
-           "Manager !";
-    QTest::newRow("no key")
-        << "no separator"
-        << "The archive information can not be read. Check the settings in the Connection "
-           "Manager!";
-    QTest::newRow("nothing")
-        << ""
-        << "The archive information can not be read. Check the settings in the Connection "
-           "Manager!";
-}
-
-void TestKelvaClientMain::anArchiveThatIsGone()
-{
-    QFETCH(QString, entry);
-    QFETCH(QString, text);
-    Workplace workplace;
-    workplace.manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", entry)});
-    DialogScript script;
-    script.expectBox("Information", text);
     QVERIFY(!workplace.start());
     QCOMPARE(script.problems(), QString());
 }
@@ -343,33 +271,28 @@ void TestKelvaClientMain::unreadDocumentsAreBold()
     QVERIFY(!bold(0) && !bold(1));
 }
 
-void TestKelvaClientMain::theReloadActionBlinks()
-{
-    Workplace workplace;
-    QVERIFY(workplace.start());
-    const QAction *reload = workplace.action("action_ReloadAll");
-    workplace.window->handleServerRequest("something else");
-    QVERIFY(workplace.window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).isEmpty());
-    workplace.window->handleServerRequest("DORELOADALL");
-    workplace.window->handleServerRequest("DORELOADALL");
-    QCOMPARE(workplace.window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).size(), 1);
-    QTRY_COMPARE(reload->data().toInt(), 1);
-    QTRY_COMPARE(reload->data().toInt(), 0);
-}
-
 void TestKelvaClientMain::aReloadKeepsOneConnection()
 {
     FakeArchive &archive = FakeArchive::instance();
     archive.addDocument("Invoice", "1.1.1");
     Workplace workplace;
     QVERIFY(workplace.start());
+    const QAction *reload = workplace.action("action_ReloadAll");
+    const auto timers = [&workplace] {
+        return workplace.window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).size();
+    };
+    workplace.window->handleServerRequest("something else");
+    QCOMPARE(timers(), 0);
     workplace.window->handleServerRequest("DORELOADALL");
+    workplace.window->handleServerRequest("DORELOADALL");
+    QCOMPARE(timers(), 1);
+    QTRY_COMPARE(reload->data().toInt(), 1); // it blinks until it is used
     archive.queries.clear();
     workplace.action("action_ReloadAll")->trigger();
     QVERIFY(workplace.manager.requests.contains("RELOADPROFILE#7"));
     QCOMPARE(archive.queries.size(), 1);
     QCOMPARE(workplace.column(5), QStringList("Müller & Söhne"));
-    QVERIFY(workplace.window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).isEmpty());
+    QCOMPARE(timers(), 0);
     // Status list and folder panel are connected once each, not twice.
     archive.queries.clear();
     workplace.window->findChild<QListWidget *>("m_twStatus")->setCurrentRow(2);
@@ -385,7 +308,9 @@ void TestKelvaClientMain::theLayoutReturns()
         workplace.window->findChild<QDockWidget *>("m_dockStatus")->close();
         workplace.window->findChild<QSpinBox *>("m_maxSearchBox")->setValue(77);
         workplace.window->resize(1100, 720);
+        FakeArchive::instance().calls.clear();
     }
+    QCOMPARE(FakeArchive::instance().calls, QStringList({"disconnectClient", "disconnectFromArchive"}));
     Workplace workplace;
     QVERIFY(workplace.start());
     QVERIFY(!workplace.window->findChild<QDockWidget *>("m_dockStatus")->isVisible());
@@ -396,7 +321,7 @@ void TestKelvaClientMain::theLayoutReturns()
 void TestKelvaClientMain::damagedSettingsDoNotMatter()
 {
     {
-        QSettings file("Norbant GmbH", QCoreApplication::applicationName());
+        QSettings file(Workplace::organization, Workplace::application);
         file.setValue("DockSettings", QByteArray(500, '\xff'));
         file.setValue("DockGeometry", QByteArray("geometry"));
         file.setValue("ToolBarState", QByteArray(100, '\x7f'));
@@ -414,7 +339,7 @@ void TestKelvaClientMain::resettingLeavesTheWindowMaximised()
     Workplace workplace;
     QVERIFY(workplace.start());
     {
-        QSettings file("Norbant GmbH", QCoreApplication::applicationName());
+        QSettings file(Workplace::organization, Workplace::application);
         file.setValue("isMaximized", true);
         file.setValue("DockSettings", QByteArray("x"));
         file.setValue("lastWorkbenchDir", "kept");
@@ -426,9 +351,9 @@ void TestKelvaClientMain::resettingLeavesTheWindowMaximised()
     workplace.action("action_Reset")->trigger();
     QCOMPARE(script.problems(), QString());
     QVERIFY(workplace.window->findChild<QDockWidget *>("m_dockStatus")->isVisible());
-    QVERIFY(!settings().contains("DockSettings"));
-    QCOMPARE(settings().value("isMaximized").toBool(), true);
-    QCOMPARE(settings().value("lastWorkbenchDir").toString(), QString("kept"));
+    QVERIFY(!Workplace::settings().contains("DockSettings"));
+    QCOMPARE(Workplace::settings().value("isMaximized").toBool(), true);
+    QCOMPARE(Workplace::settings().value("lastWorkbenchDir").toString(), QString("kept"));
 }
 
 void TestKelvaClientMain::fullTextNeedsThreeCharacters()

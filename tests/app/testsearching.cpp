@@ -8,7 +8,6 @@
 
 #include <QComboBox>
 #include <QPushButton>
-#include <QSettings>
 #include <QStandardItemModel>
 #include <QTableWidget>
 
@@ -38,17 +37,10 @@ class TestSearching : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        QCoreApplication::setApplicationName("kelvaclient");
-        QCoreApplication::setOrganizationName("Norbant GmbH");
-    }
-
     void init()
     {
+        Workplace::prepare();
         FakeArchive &archive = FakeArchive::instance();
-        archive.reset();
-        QSettings("Norbant GmbH", QCoreApplication::applicationName()).clear();
         archive.addDocument("Invoice");
         archive.addDocument("Letter");
         archive.searches.insert(1, {"Mine", content("Description/ilike/letter/"), "r_anna"});
