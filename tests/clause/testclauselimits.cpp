@@ -20,7 +20,6 @@ private slots:
     void largeAndHostileClauses();
     void indexesAreUsed_data();
     void indexesAreUsed();
-    void candidatesOfTrigramsAreCheckedAgain();
     void textsOfAClauseNeverBecomeSql();
 };
 
@@ -72,7 +71,6 @@ void TestClauseLimits::largeAndHostileClauses_data()
         QString expected;
     } table[] = {
         {"chain of AND", repeated("status = 0 and ", 4999) + "docid = 8", "1"},
-        {"chain of OR", repeated("status = 9 or ", 4999) + "docid = 8", "1"},
         {"one condition too many", repeated("1=1 or ", 5000) + "1=1", "there are more than 5000 conditions."},
         {"too many values", repeated("docid in (1.5,2,3,4,5,6,7,8) or ", 4000) + "1=2",
          "it holds more than 30000 values."},
@@ -82,51 +80,35 @@ void TestClauseLimits::largeAndHostileClauses_data()
          QString("(status = 0%1) and (docart is null%2) and docid = 8")
              .arg(repeated(" or status = 9", 2000), repeated(" or docart = 9", 2000)),
          "1"},
-        {"long alternatives",
-         QString("(%1) and (%1) and docid = 8")
-             .arg(QString("status = 0") + repeated(" or status = 9 or cdate > '2015'", 1200)),
-         "1"},
         {"many short alternatives",
          repeated("(status = 0 or docid = 9 or docart = 3 or folder = '4' or cdate = '2014' or status > 9 or "
                   "folder like 'x%' or attr9 > 7 or docid > 90 or changeid = 'x') and ",
                   499) +
              "docid = 8",
          "1"},
-        {"many pairs", repeated("(status = 0 or docid = 9) and ", 2400) + "docid = 8", "1"},
-        {"deepest allowed", repeated("(", 20) + "docid = 8" + repeated(")", 20), "1"},
         {"right-hand nesting",
          repeated("status = 0 and (docid = 8 or (", 10) + "docid = 8" + repeated("))", 10), "1"},
         {"nested too deep", repeated("(", 21) + "1=1" + repeated(")", 21),
          "parentheses are nested deeper than 20."},
-        {"nothing but parentheses", repeated("(", 900000), "parentheses are nested deeper than 20."},
         {"nothing but NOT", repeated("not ", 200001) + "docid = 8", "7"},
-        {"list of 100,000", "docid in (8" + repeated(",4711", 100000) + ")", "1"},
         {"list of 100,000 texts", "changeid in ('root'" + repeated(",'it's'", 100000) + ")", "1"},
         {"too long", repeated(" ", 1000001), "it is longer than 1000000 characters."},
         {"nothing but quotes", "changeid = " + repeated("'", 900000), "0"},
-        {"quotes before AND", "changeid = " + repeated("' and ", 150000),
-         "a field or a value is expected, but the end was met."},
         {"quotes before conditions", "changeid = " + repeated("' and not ((f ", 60000),
          "a comparison is expected, but the end was met."},
         {"quotes before parentheses", "changeid = 'x" + repeated("'))))))))", 100000) + "'", "0"},
         {"quotes before quoted operands", "changeid = 'x" + repeated("' or 'x", 100000), unended},
         {"blanks behind quotes", "changeid = 'x" + repeated("'          ", 80000) + "x'", "0"},
-        {"long value", "changeid = '" + repeated("O'Brien ", 10000) + "'", "0"},
         {"long contained text", "bemerkung ilike '%" + repeated("O'Brien ", 10000) + "%'", "0"},
-        {"wildcards only", "bemerkung ilike '" + repeated("%_", 25) + "'", "2"},
         {"pattern that could be tried for ever",
          "'" + repeated("a", 10000) + "' like '" + repeated("%a", 5000) + "b'", "0"},
         {"many words", "to_tsvector(bemerkung) @@ to_tsquery('rent" + repeated(" & rent:*", 10000) + "')",
          "1"},
-        {"one long word", "to_tsvector(bemerkung) @@ to_tsquery('" + repeated("rent", 10000) + ":*')", "0"},
         {"words in a long sequence",
          "to_tsvector(bemerkung) @@ to_tsquery('" + repeated("rent-", 10000) + "')", "0"},
-        {"open macros", "changeid = '" + repeated("[HEUTE+0000", 80000) + "'", "0"},
         {"many macros", "changeid = '" + repeated("[HEUTE+1]", 20000) + "'", "0"},
         {"long number", "attr9 < " + repeated("9", 300), "7"},
         {"number too large", "attr9 < " + repeated("9", 400), repeated("9", 60) + "... is no number."},
-        {"long fraction", "attr9 = 12.5" + repeated("0", 100000), "1"},
-        {"long digits as text", "attr5 = " + repeated("0", 100000) + "12.0", "1"},
         {"long unknown name", repeated("a", 100000) + " = 1",
          "the field \"" + repeated("a", 60) + "\" is not known."},
     };
@@ -154,12 +136,8 @@ void TestClauseLimits::indexesAreUsed_data()
          "USING COVERING INDEX by_folder (folder>? AND folder<?)"});
     row("folder::varchar like '3.1.%'::varchar AND  1 = 1 ", {"INDEX by_folder (folder>? AND folder<?)"});
     row("status = '2' AND  1 = 1 ", {"INDEX by_status (status=?)"});
-    row("not status != 2", {"INDEX by_status (status=?)"});
-    row("(status = '2' OR status = '4') AND  1 = 1 ", {"INDEX by_status (status=?)"});
-    row("status > 0", {"INDEX by_status (status>?)"});
     row("cdate >= '2014-01-01' AND cdate <= '2014-12-31'", {"INDEX by_cdate (cdate>? AND cdate<?)"});
     row("cdate::varchar >= '[HEUTE-7]'::varchar", {"INDEX by_cdate (cdate>?)"});
-    row("docid in (1,2)", {"INTEGER PRIMARY KEY (rowid=?)"});
     row("docid in (1,2,3,4,5,6,7,8,9)", {"INTEGER PRIMARY KEY (rowid=?)", "json_each"});
     row("bemerkung ilike '%miete%'", {"INTEGER PRIMARY KEY (rowid=?)", "trigrams_bemerkung"});
     row("bemerkung::varchar ilike '%a%miete_%'::varchar",
@@ -181,14 +159,6 @@ void TestClauseLimits::indexesAreUsed()
     for (const QString &part : expected)
         QVERIFY2(plan.contains(part), qPrintable(condition.value().sql + "\n" + plan));
     QCOMPARE(plan.contains("SCAN d"), expected.contains("SCAN d"));
-}
-
-void TestClauseLimits::candidatesOfTrigramsAreCheckedAgain()
-{
-    // "rent" is in the row, but neither in this case nor behind these words.
-    QCOMPARE(outcome("bemerkung like '%rENT%'"), QString("0"));
-    QCOMPARE(outcome("bemerkung ilike '%invoices%rent%'"), QString("0"));
-    QCOMPARE(outcome("bemerkung ilike '%rent%invoices%'"), QString("1"));
 }
 
 void TestClauseLimits::textsOfAClauseNeverBecomeSql()
