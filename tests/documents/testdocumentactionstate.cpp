@@ -11,21 +11,15 @@ private slots:
     {
         QTest::addColumn<QString>("facts"); // l live, d any document, t trash, o offline, c may classify
         QTest::addColumn<QString>("enabled");
-        QTest::newRow("nothing selected") << "c"
-                                          << "";
-        QTest::newRow("nothing selected in the trash") << "tc"
-                                                       << "history";
-        QTest::newRow("only deleted ones selected in the trash") << "dtc"
-                                                                 << "archive history";
-        QTest::newRow("selected") << "ldc"
-                                  << "resubmit trash archive export link show print folder history";
-        QTest::newRow("selected without the right to classify")
-            << "ld"
-            << "trash archive export link show print folder history";
-        QTest::newRow("selected in the trash") << "ldtc"
-                                               << "trash archive export link show print folder history erase";
-        QTest::newRow("selected offline") << "ldoc"
-                                          << "resubmit trash archive export show print folder history";
+        kelvatest::row("nothing selected", "c", "");
+        kelvatest::row("nothing selected in the trash", "tc", "history");
+        kelvatest::row("only deleted ones selected in the trash", "dtc", "archive history");
+        kelvatest::row("selected", "ldc", "resubmit trash archive export link show print folder history");
+        kelvatest::row("selected without the right to classify", "ld",
+                       "trash archive export link show print folder history");
+        kelvatest::row("selected in the trash", "ldtc",
+                       "trash archive export link show print folder history erase");
+        kelvatest::row("selected offline", "ldoc", "resubmit trash archive export show print folder history");
     }
 
     void states()

@@ -71,19 +71,6 @@ private slots:
         QVERIFY(!tree.findItem("1"));
     }
 
-    void theCurrentFolderIsMarked()
-    {
-        KelvaDocTree tree("Folders", true, "not assigned", "0", nullptr);
-        tree.loadFromStringList({record({"1", "Company"})}, {}, false);
-        const QModelIndex index = tree.indexFromItem(tree.findItem("1"));
-        tree.setPrevItem(tree.findItem("1"));
-        QCOMPARE(index.data(Qt::ForegroundRole).value<QBrush>().color(), QColor(255, 0, 0));
-        QCOMPARE(index.data(Qt::FontRole).value<QFont>().weight(), int(QFont::Bold));
-        tree.resetPrevItem();
-        QVERIFY(!index.data(Qt::ForegroundRole).isValid());
-        QVERIFY(!index.data(Qt::EditRole).isValid());
-    }
-
     void nextChildNumberIsAboveTheLargest()
     {
         KelvaDocTree tree("Folders", true, QString(), QString(), nullptr);
@@ -92,17 +79,6 @@ private slots:
             false);
         QCOMPARE(tree.findItem("3")->nextChildNum(), QString("3.10"));
         QCOMPARE(tree.findItem("3.1")->nextChildNum(), QString("3.1.1"));
-    }
-
-    void removedFoldersStayReadable()
-    {
-        KelvaDocTree tree("Folders", false, QString(), QString(), nullptr);
-        tree.loadFromStringList({record({"3", "a"}), record({"3.1", "b"}), record({"3.1.1", "c"})}, {},
-                                false);
-        QList<KelvaDocItem *> removed;
-        tree.findItem("3")->removeChild(tree.findItem("3.1"), removed);
-        QCOMPARE(oids(removed), QStringList({"3.1.1", "3.1"}));
-        QCOMPARE(tree.findItem("3")->childCount(), 0);
     }
 
     void theViewSpeaksInTreeIndexes()

@@ -111,21 +111,6 @@ private slots:
         QCOMPARE(script.problems(), QString());
     }
 
-    void whatIsNotForItGetsNoDialog()
-    {
-        const auto tree = makeTree();
-        auto *delegate = new KelvaViewDelegate(tree.get(), nullptr);
-        OneCellTable table(delegate);
-        table.cell()->setEditable(false);
-        QVERIFY(!table.edit());
-        table.cell()->setEditable(true);
-        delegate->setDelegateColumn(3);
-        QVERIFY(table.edit());
-        QVERIFY(!qobject_cast<KelvaFolderViewDlg *>(table.view().indexWidget(table.index())));
-        const std::unique_ptr<KelvaDelegate> copy(delegate->clone(nullptr));
-        QCOMPARE(qobject_cast<KelvaViewDelegate *>(copy.get())->getTree(), tree.get());
-    }
-
     void aTreeThatVanishesEndsTheChoice()
     {
         DialogScript script;
