@@ -132,38 +132,6 @@ bool FakeClassifyClient::saveDocument(QString docId, QStringList fields)
     return true;
 }
 
-qint64 FakeClassifyClient::countDocuments(QString where, bool)
-{
-    if (!m_archive.begin("countDocuments", where))
-        return -1;
-    qint64 count = 0;
-    for (const FakeDocument &document : qAsConst(m_archive.documents)) {
-        bool known = false;
-        count += matches(where, document, known) ? 1 : 0;
-        if (!known)
-            return -1;
-    }
-    return count;
-}
-
-bool FakeClassifyClient::moveToTrash(QStringList docIds)
-{
-    if (!m_archive.begin("moveToTrash", docIds.join(',')))
-        return false;
-    for (const QString &id : docIds)
-        m_archive.documents[id.toInt()].trashed = true;
-    return true;
-}
-
-bool FakeClassifyClient::restoreFromTrash(QStringList docIds)
-{
-    if (!m_archive.begin("restoreFromTrash", docIds.join(',')))
-        return false;
-    for (const QString &id : docIds)
-        m_archive.documents[id.toInt()].trashed = false;
-    return true;
-}
-
 bool FakeClassifyClient::saveSearch(QString name, QString definition, QStringList roles)
 {
     if (!m_archive.begin("saveSearch", name))
@@ -226,17 +194,5 @@ bool FakeClassifyClient::getSetting(QString section, QString key, QByteArray &va
         return false;
     }
     value = m_archive.settings.value(section + '/' + key);
-    return true;
-}
-
-bool FakeClassifyClient::saveSetting(QString section, QString key, QByteArray value, QString, bool update)
-{
-    if (!m_archive.begin("saveSetting", key))
-        return false;
-    if (!update && m_archive.settings.contains(section + '/' + key)) {
-        m_archive.lastError = "The setting exists already.";
-        return false;
-    }
-    m_archive.settings.insert(section + '/' + key, value);
     return true;
 }

@@ -41,7 +41,7 @@ public:
     bool getDocTypeSettings(QStringList &, QList<QByteArray> &) override { return unsupported(); }
     bool saveStatusList(QStringList, QList<QByteArray>) override { return unsupported(); }
     bool saveDocTypes(QStringList, QList<QByteArray>) override { return unsupported(); }
-    qint64 countDocuments(QString where, bool all) override;
+    qint64 countDocuments(QString, bool) override { return unsupported() ? 0 : -1; }
     QStringList getDescriptionCompletions() override { return {"Invoice", "Letter"}; }
     QString lastMessage() override { return m_archive.lastError; }
     bool deleteDocumentVersion(QString, QString, QStringList) override { return unsupported(); }
@@ -67,13 +67,13 @@ public:
     QStringList getAttributeValues(int) override { return none(); }
     bool saveAttributes(QStringList) override { return unsupported(); }
     bool archiveDocument(qint64, QString, QString, QString) override { return unsupported(); }
-    bool moveToTrash(QStringList docIds) override;
-    bool restoreFromTrash(QStringList docIds) override;
+    bool moveToTrash(QStringList) override { return unsupported(); }
+    bool restoreFromTrash(QStringList) override { return unsupported(); }
     void reloadServerData() override { m_archive.begin("reloadServerData"); }
     void refreshSession() override { m_archive.begin("refreshSession"); }
     QString lastError() override { return m_archive.lastError; }
     bool createFolder(QString, QString, QString, QString) override { return unsupported(); }
-    bool saveSetting(QString section, QString key, QByteArray value, QString owner, bool update) override;
+    bool saveSetting(QString, QString, QByteArray, QString, bool) override { return unsupported(); }
     bool sslCommand(QString, QString) override { return unsupported(); }
     bool getSetting(QString section, QString key, QByteArray &value, QString &owner) override;
     bool moveDocumentToArchive(qint64, int) override { return unsupported(); }
