@@ -1,9 +1,7 @@
 #include "support/kelvatest.h"
 #include "support/outside.h"
 
-#include "admin/samplearchive.h"
 #include "service/archive.h"
-#include "service/documentlist.h"
 #include "service/session.h"
 
 #include <QDir>
@@ -23,26 +21,6 @@ QString home(const QString &name)
 bool canLogIn(const QString &path, const QString &user, const QString &password)
 {
     return kelva::Session::login(path, user, password).ok();
-}
-
-QStringList rows(const QString &path, const QString &user)
-{
-    auto session = kelva::Session::openAsUser(path, user);
-    if (!session)
-        return {};
-    const auto list = kelva::listDocuments(*session.value(), {"1=1"});
-    return list ? list.value() : QStringList();
-}
-
-kelva::SampleOptions sample(const QString &path, quint32 seed)
-{
-    kelva::SampleOptions options;
-    options.path = path;
-    options.documents = 80;
-    options.files = 20;
-    options.seed = seed;
-    options.today = QDate(2024, 3, 5);
-    return options;
 }
 
 } // namespace
@@ -90,12 +68,11 @@ private slots:
 
     void theTextsOfAllFilesAreTaken()
     {
-        const auto made = kelva::createSampleArchive(sample(home("15.kelva"), 1), [](int) {});
-        QVERIFY(made.ok());
+        QCOMPARE(run({"sample", "15", "--documents", "20"}).code, 0);
         const outside::Outcome first = run({"index", "15"});
-        QCOMPARE(first.output, QStringLiteral("20 done, 0 failed.\n"));
+        QCOMPARE(first.output, QString("20 done, 0 failed.\n"));
         QCOMPARE(first.code, 0);
-        QCOMPARE(run({"index", "15"}).output, QStringLiteral("0 done, 0 failed.\n"));
+        QCOMPARE(run({"index", "15"}).output, QString("0 done, 0 failed.\n"));
         QCOMPARE(run({"index", "16"}).code, 1);
     }
 
@@ -116,22 +93,6 @@ private slots:
         QCOMPARE(outcome.code, 2);
         QVERIFY(outcome.errors.startsWith("kelvaadmin: "));
         QVERIFY(!QFile::exists(home("14.kelva")));
-    }
-
-    void oneSeedMakesOneArchive()
-    {
-        const auto make = [](const QString &name, quint32 seed) {
-            const auto made = kelva::createSampleArchive(sample(home(name), seed), [](int) {});
-            return made ? rows(home(name), "admin") : QStringList(made.error().text);
-        };
-        const QStringList first = make("a.kelva", 5);
-        QVERIFY(first.size() > 70);
-        QCOMPARE(make("b.kelva", 5), first);
-        QVERIFY(make("c.kelva", 6) != first);
-        const auto faults = kelva::archive::check(home("a.kelva"));
-        QVERIFY(faults && faults.value().isEmpty());
-        // Its users see different parts of it.
-        QVERIFY(rows(home("a.kelva"), "obrien").size() < rows(home("a.kelva"), "krause").size());
     }
 };
 

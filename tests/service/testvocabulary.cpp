@@ -40,6 +40,8 @@ private slots:
         QCOMPARE(folders.create("-1", "Main", "", "").value(), QString("3"));
         QVERIFY(!folders.create("9.9", "Lost", "", "").ok());
         QVERIFY(!folders.create("1", "  ", "", "").ok());
+        QCOMPARE(mainFolderOf("3") + ' ' + mainFolderOf("1.30.7"), QString("3 1.30"));
+        QCOMPARE(mainFolderOf("12.3.7"), QString("2.3")); // a first level of two digits loses one
         QCOMPARE(folders.nextOid().value(), QString("4"));
     }
 
@@ -58,21 +60,6 @@ private slots:
         QCOMPARE(textOf(Folders(*m_session).save(change)), QString());
         QCOMPARE(Folders(*m_session).list(true).value().rows.size(), 6);
         QVERIFY(!Folders(*m_session).save(change).ok());
-    }
-
-    void mainFoldersFollowFromTheFirstTwoLevels_data()
-    {
-        QTest::addColumn<QString>("oid");
-        QTest::addColumn<QString>("mainFolder");
-        kelvatest::row("one level", "3", "3");
-        kelvatest::row("three levels", "1.3.7", "1.3");
-        kelvatest::row("a first level of two digits loses one", "12.3.7", "2.3");
-    }
-
-    void mainFoldersFollowFromTheFirstTwoLevels()
-    {
-        QFETCH(QString, oid);
-        QTEST(mainFolderOf(oid), "mainFolder");
     }
 
     void inactiveFoldersHideWhatIsBelowThem()
