@@ -6,7 +6,6 @@
 #include "documents/kelvacombodelegate.h"
 #include "server/recordformat.h"
 
-#include <QApplication>
 #include <QLocale>
 #include <QScopeGuard>
 
@@ -124,27 +123,6 @@ private slots:
         script.expectDialog("Multiple selection", true, chooseValues({}));
         search.button(0, 3)->click();
         QCOMPARE(search.table()->rowCount(), 0);
-        QCOMPARE(script.problems(), QString());
-    }
-
-    void tabGoesThroughTheRowsToTheButtons()
-    {
-        ExtSearchFixture search;
-        QVERIFY(QTest::qWaitForWindowActive(search.dialog.get()));
-        search.fill("Description", "contains", "");
-        QVERIFY(search.editor(0, 0)->accessibleName() == "Field");
-        search.editor(0, 0)->setFocus();
-        const auto type = [](const QString &text) {
-            QTest::keyClicks(QApplication::focusWidget(), text);
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        };
-        type(QString());
-        QCOMPARE(QApplication::focusWidget(), search.editor(0, 1));
-        type(QString());
-        QCOMPARE(QApplication::focusWidget()->accessibleName(), QString("Value"));
-        type("letter");
-        QTRY_COMPARE(QApplication::focusWidget()->objectName(), QString("m_bAdd"));
-        QCOMPARE(search.rows(), QString("Description/contains/letter"));
     }
 
     void resubmissionFilter()
