@@ -1,7 +1,6 @@
 #include "support/kelvatest.h"
 
 #include "server/qfiledialogarchive.h"
-#include "server/qfiledialogzip.h"
 
 #include <QCheckBox>
 #include <QTemporaryDir>
@@ -26,23 +25,6 @@ private slots:
         }
         QFileDialogArchive again(nullptr, "Archive file", directory.path());
         QVERIFY(!again.isMoveChecked() && again.isCreateVersion());
-    }
-
-    void aZipFileOrADirectory()
-    {
-        const QTemporaryDir directory;
-        QFileDialogZip dialog(nullptr, "Select folder", directory.path());
-        auto *zip = dialog.findChild<QCheckBox *>();
-        dialog.show();
-        QVERIFY(!dialog.isZipMode());
-        QCOMPARE(dialog.selectedFiles(), QStringList(directory.path()));
-        zip->click();
-        QVERIFY(dialog.isZipMode());
-        QCOMPARE(dialog.nameFilters(), QStringList("Zip Archive (*.zip)"));
-        QCOMPARE(dialog.directory().absolutePath(), directory.path());
-        zip->click();
-        QVERIFY(!dialog.isZipMode());
-        QCOMPARE(dialog.selectedFiles(), QStringList(directory.path()));
     }
 };
 

@@ -1,12 +1,7 @@
 #include "support/kelvatest.h"
 
 #include "server/exportfilename.h"
-#include "server/kelvafilecopy.h"
 #include "server/transferprogress.h"
-
-#include <QLabel>
-#include <QProgressBar>
-#include <QPushButton>
 
 class TestTransferRules : public QObject
 {
@@ -74,35 +69,6 @@ private slots:
         QFETCH(qint64, elapsed);
         const TransferProgress progress = transferProgress(current, total, elapsed);
         QTEST(QString::number(progress.percent) + ' ' + QString(progress.text).replace("\r\n", "|"), "text");
-    }
-
-    void theDialogFollowsTheTransfer()
-    {
-        KelvaFileCopy dialog("Moving");
-        auto *bar = dialog.findChild<QProgressBar *>("m_Progress");
-        auto *whole = dialog.findChild<QProgressBar *>("m_pTotal");
-        auto *cancel = dialog.findChild<QPushButton *>("m_bCancel");
-        auto *speed = dialog.findChild<QLabel *>("m_Speed");
-        dialog.showOver(nullptr);
-        QVERIFY(!cancel->isEnabled() && whole->isHidden());
-        QCOMPARE(bar->maximum(), 0);
-        dialog.setTotal(3);
-        dialog.setFinishedFilesCount(1);
-        dialog.setProgressMax(QString("1000"));
-        QTRY_VERIFY((dialog.setProgressValue(QString("500")), cancel->isEnabled()));
-        QCOMPARE(QString("%1/%2 %3/%4")
-                     .arg(bar->value())
-                     .arg(bar->maximum())
-                     .arg(whole->value())
-                     .arg(whole->maximum()),
-                 QString("50/100 150/300"));
-        QVERIFY(!whole->isHidden() && speed->text().contains("/ sec"));
-        dialog.copyFinished();
-        QVERIFY(!cancel->isEnabled());
-        QCOMPARE(bar->maximum(), 0);
-        dialog.setProgressMax(QString("1")); // too small for a percentage
-        dialog.setProgressValue(QString("1"));
-        QCOMPARE(speed->text(), QString());
     }
 };
 
