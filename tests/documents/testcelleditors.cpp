@@ -12,7 +12,6 @@
 
 #include <QAbstractItemView>
 #include <QAction>
-#include <QCompleter>
 #include <QDesktopServices>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -161,26 +160,6 @@ private slots:
         QTest::keyClick(line, Qt::Key_Return);
         QTRY_VERIFY(!table.isEditing() || !line->hasAcceptableInput());
         QTEST(table.outcome(), "outcome");
-    }
-
-    void whatWasTypedIsOfferedNextTime()
-    {
-        OneCellTable table(new KelvaLineDelegate({"alpha", "type:Numeric"}, nullptr, 254, false));
-        const auto offered = [&table](const QString &prefix) {
-            QCompleter *completer = qobject_cast<QLineEdit *>(table.edit())->completer();
-            completer->setCompletionPrefix(prefix);
-            const int count = completer->completionCount();
-            table.commit();
-            return count;
-        };
-        QCOMPARE(offered("AL"), 1);
-        QCOMPARE(offered("type"), 0);
-        for (int i = 0; i < 2; ++i) { // the second time it is known
-            auto *line = qobject_cast<QLineEdit *>(table.edit());
-            line->setText("beta");
-            table.commit();
-        }
-        QCOMPARE(offered("b"), 1);
     }
 
     void linksOpenWithControl()

@@ -137,7 +137,6 @@ private slots:
         QVERIFY(table.edit());
         QTRY_VERIFY(!table.isEditing());
         QTEST(table.outcome(), "outcome");
-        QCOMPARE(script.problems(), QString());
     }
 
     void aWrappedDialogWritesOnce()
@@ -161,7 +160,6 @@ private slots:
         view.edit(model.index(0, 0));
         QTRY_VERIFY(!view.indexWidget(model.index(0, 0)));
         QCOMPARE(model.item(0, 0)->text() + QString::number(changes), QString("2031-02-031"));
-        QCOMPARE(script.problems(), QString());
     }
 };
 

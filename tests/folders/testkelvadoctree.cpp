@@ -8,7 +8,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QAbstractProxyModel>
-#include <QCompleter>
+#include <QSettings>
 #include <QSignalSpy>
 
 namespace {
@@ -107,14 +107,8 @@ private slots:
             const auto *proxy = qobject_cast<const QAbstractProxyModel *>(view.QTreeView::model());
             return view.isExpanded(proxy->mapFromSource(tree.indexFromItem(tree.findItem(oid))));
         };
-        {
-            KelvaFolderView view;
-            view.setSaveState(true, "testTree");
-            view.setModel(&tree);
-            const auto *proxy = qobject_cast<const QAbstractProxyModel *>(view.QTreeView::model());
-            view.expand(proxy->mapFromSource(tree.indexFromItem(tree.findItem("-1"))));
-            view.expand(proxy->mapFromSource(tree.indexFromItem(tree.findItem("1"))));
-        }
+        QSettings("Norbant GmbH", QCoreApplication::applicationName() + "_testTree")
+            .setValue("TreeExpandedItems", QStringList{"-1", "1"});
         KelvaFolderView view;
         view.setSaveState(true, "testTree");
         view.setModel(&tree);

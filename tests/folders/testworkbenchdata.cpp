@@ -10,11 +10,6 @@ class TestWorkbenchData : public QObject
     Q_OBJECT
 
 private slots:
-    void theKeyHasNoSeparatorBeforeTheProfile()
-    {
-        QCOMPARE(workbenchKey("meier", "srv", 8080, 17), QString("kelva_meier_srv_808017"));
-    }
-
     void aBlockIsReadThroughSharedMemory()
     {
         const WorkbenchFixture segment("kelva_test", WorkbenchFixture::block(WorkbenchFixture::vocabulary()));
