@@ -2,8 +2,6 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
-#include "documents/itemroles.h"
-#include "search/kelvaextsearch.h"
 #include "search/kelvafilters.h"
 
 #include <QComboBox>
@@ -11,12 +9,6 @@
 #include <QTableWidget>
 
 namespace {
-
-/// "/" stands for the separator of fields, "|" for that of rows.
-QString content(QString text)
-{
-    return text.replace('/', QChar(0xFFFD)).replace('|', QChar(0xFFFC));
-}
 
 /// Answers the extended search with one row on the description.
 void searchDescription(QWidget *dialog, const QString &field, const QString &value)
@@ -42,9 +34,11 @@ private slots:
         FakeArchive &archive = FakeArchive::instance();
         archive.addDocument("Invoice");
         archive.addDocument("Letter");
-        archive.searches.insert(1, {"Mine", content("Description/ilike/letter/"), "r_anna"});
+        archive.searches.insert(1,
+                                {"Mine", FakeArchive::searchContent("Description/ilike/letter/"), "r_anna"});
         archive.searches.insert(
-            2, {"Ours", content("Status/=/open/1|full text/search for/invoice/"), "kelvaUSER"});
+            2, {"Ours", FakeArchive::searchContent("Status/=/open/1|full text/search for/invoice/"),
+                "kelvaUSER"});
         m_workplace = std::make_unique<Workplace>();
         QVERIFY(m_workplace->start());
         archive.queries.clear();

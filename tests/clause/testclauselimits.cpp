@@ -85,8 +85,6 @@ private slots:
             {"list of 100,000 texts", "changeid in ('root'" + repeated(",'it's'", 100000) + ")", "1"},
             {"too long", repeated(" ", 1000001), "it is longer than 1000000 characters."},
             {"nothing but quotes", "changeid = " + repeated("'", 900000), "0"},
-            {"quotes before conditions", "changeid = " + repeated("' and not ((f ", 60000),
-             "a comparison is expected, but the end was met."},
             {"quotes before parentheses", "changeid = 'x" + repeated("'))))))))", 100000) + "'", "0"},
             {"quotes before quoted operands", "changeid = 'x" + repeated("' or 'x", 100000), unended},
             {"blanks behind quotes", "changeid = 'x" + repeated("'          ", 80000) + "x'", "0"},
@@ -95,8 +93,6 @@ private slots:
              "'" + repeated("a", 10000) + "' like '" + repeated("%a", 5000) + "b'", "0"},
             {"many words", "to_tsvector(bemerkung) @@ to_tsquery('rent" + repeated(" & rent:*", 10000) + "')",
              "1"},
-            {"words in a long sequence",
-             "to_tsvector(bemerkung) @@ to_tsquery('" + repeated("rent-", 10000) + "')", "0"},
             {"many macros", "changeid = '" + repeated("[HEUTE+1]", 20000) + "'", "0"},
             {"long number", "attr9 < " + repeated("9", 300), "7"},
             {"number too large", "attr9 < " + repeated("9", 400), repeated("9", 60) + "... is no number."},
@@ -126,16 +122,13 @@ private slots:
             {"USING COVERING INDEX by_folder (folder=?)",
              "USING COVERING INDEX by_folder (folder>? AND folder<?)"});
         row("folder::varchar like '3.1.%'::varchar AND  1 = 1 ", {"INDEX by_folder (folder>? AND folder<?)"});
-        row("status = '2' AND  1 = 1 ", {"INDEX by_status (status=?)"});
         row("cdate >= '2014-01-01' AND cdate <= '2014-12-31'", {"INDEX by_cdate (cdate>? AND cdate<?)"});
-        row("cdate::varchar >= '[HEUTE-7]'::varchar", {"INDEX by_cdate (cdate>?)"});
         row("docid in (1,2,3,4,5,6,7,8,9)", {"INTEGER PRIMARY KEY (rowid=?)", "json_each"});
         row("bemerkung ilike '%miete%'", {"INTEGER PRIMARY KEY (rowid=?)", "trigrams_bemerkung"});
         row("bemerkung::varchar ilike '%a%miete_%'::varchar",
             {"INTEGER PRIMARY KEY (rowid=?)", "trigrams_bemerkung"});
         row("to_tsvector(bemerkung) @@ to_tsquery('inv:*')",
             {"INTEGER PRIMARY KEY (rowid=?)", "words_bemerkung"});
-        row("bemerkung ilike '%mi%'", {"SCAN d"});
         row("bemerkung not ilike '%miete%'", {"SCAN d"});
     }
 

@@ -8,7 +8,6 @@
 #include "service/archive.h"
 #include "service/bulkload.h"
 #include "service/session.h"
-#include "service/users.h"
 
 #include <QDirIterator>
 #include <QPluginLoader>
@@ -111,15 +110,6 @@ private slots:
         m_client->disconnectClient();
     }
 
-    void settingsKnowWhatTheyDoNotHold()
-    {
-        login();
-        QByteArray value;
-        QString owner;
-        QVERIFY(!m_client->getSetting("kelvaGlobalSettings", "color", value, owner));
-        QCOMPARE(m_client->lastError(), QString("No data found."));
-    }
-
     void listsHaveAHeaderAndRights()
     {
         login();
@@ -137,6 +127,9 @@ private slots:
             QVERIFY(split.at(4).startsWith("1_"));
         }
         QCOMPARE(m_client->getDocuments({"docid = 99999"}).size(), 1); // no hit: the header alone
+        const QStringList record = m_client->getDocument(classificationOf("Second"), QString());
+        QVERIFY(rows.contains(record.join(recordformat::fieldSeparator)));
+        QCOMPARE(m_client->getDocument("99999", QString()), QStringList());
     }
 
     void filtersNarrowTheList()
@@ -151,15 +144,6 @@ private slots:
         QCOMPARE(descriptions({"1=1", "OPT:LIMIT;1"}).size(), 1);
         QCOMPARE(m_client->getDocuments({"no clause at all"}), QStringList());
         QVERIFY(!m_client->lastMessage().isEmpty());
-    }
-
-    void aRecordIsARowAsAList()
-    {
-        login();
-        const QString id = classificationOf("Second");
-        const QStringList record = m_client->getDocument(id, QString());
-        QVERIFY(m_client->getDocuments({"1=1"}).contains(record.join(recordformat::fieldSeparator)));
-        QCOMPARE(m_client->getDocument("99999", QString()), QStringList());
     }
 
     void aStaleTokenIsRefused()

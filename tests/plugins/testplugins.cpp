@@ -97,13 +97,19 @@ private slots:
         QVERIFY(connectBoth());
         QVERIFY(m_files->selectArchive("1"));
         const QString name = "O'Brien & Söhne.txt";
-        QVERIFY2(m_files->uploadDocument(" ", writeFile(name, "content"), true),
+        QVERIFY2(m_files->uploadDocument(" ", outside::write(m_directory.filePath(name), "content"), true),
                  qPrintable(m_files->lastError()));
         const qint64 id = m_files->getLastDocId();
         QVERIFY(m_classify->archiveDocument(id, name, "1", "0"));
         const QStringList rows = m_classify->getDocuments({QString("docid = %1").arg(id)});
         QCOMPARE(rows.size(), 2);
         QCOMPARE(rows.at(1).split(fieldSeparator).value(2), name);
+        const QString record = rows.at(1).section(fieldSeparator, 0, 0).section('#', 1);
+        QVERIFY(m_classify->moveToTrash({record}));
+        QCOMPARE(m_classify->getDocuments({"1=1"}).size(), 1);
+        QVERIFY(m_classify->restoreFromTrash({record}));
+        QCOMPARE(m_classify->countDocuments("(trashed = false)", true), 1);
+        QVERIFY(m_classify->countDocuments("status =", true) < 0);
         QString path;
         QVERIFY(m_files->downloadDocument(static_cast<int>(id), path, 1));
         QStringList actions;
@@ -114,7 +120,8 @@ private slots:
     void theContentOfAFileIsFoundSoonAfterItCameIn()
     {
         QVERIFY(connectBoth());
-        QVERIFY(m_files->uploadDocument(" ", writeFile("Offer.html", "<p>turpen<b>tine</b>"), true));
+        QVERIFY(m_files->uploadDocument(
+            " ", outside::write(m_directory.filePath("Offer.html"), "<p>turpen<b>tine</b>"), true));
         const QString id = QString::number(m_files->getLastDocId());
         QTRY_COMPARE_WITH_TIMEOUT(m_files->searchDocuments("turpentine"), QStringList{record({id, id})},
                                   30000);
@@ -129,6 +136,22 @@ private slots:
         m_classify->disconnectClient();
         QVERIFY(!m_classify->getIndexerInfo(states));
         QCOMPARE(states, QStringList());
+    }
+
+    void settingsAreNotOverwrittenUnasked()
+    {
+        QVERIFY(connectBoth());
+        QByteArray value;
+        QString owner;
+        QVERIFY(!m_classify->getSetting("kelvaGlobalSettings", "color", value, owner));
+        QCOMPARE(m_classify->lastError(), QString("No data found."));
+        QVERIFY(m_classify->saveSetting("kelvaGlobalSettings", "color", "blue", QString(), false));
+        QVERIFY(!m_classify->saveSetting("kelvaGlobalSettings", "color", "red", QString(), false));
+        QVERIFY(m_classify->getSetting("kelvaGlobalSettings", "color", value, owner));
+        QCOMPARE(value, QByteArray("blue"));
+        QVERIFY(m_classify->saveSetting("kelvaGlobalSettings", "color", "red", QString(), true));
+        QVERIFY(m_classify->getSetting("kelvaGlobalSettings", "color", value, owner));
+        QCOMPARE(value, QByteArray("red"));
     }
 
     void vocabularyChangedByOthersIsAnnounced()
@@ -207,11 +230,6 @@ private slots:
     }
 
 private:
-    QString writeFile(const QString &name, const QByteArray &bytes)
-    {
-        return outside::write(m_directory.filePath(name), bytes);
-    }
-
     static QString offlinePath() { return QCoreApplication::applicationDirPath() + "/offline.kelva"; }
 
     template<typename Interface>

@@ -45,9 +45,8 @@ private slots:
         column("CREATE VIRTUAL TABLE terms USING fts5vocab(trigrams, instance)");
         column(
             "WITH RECURSIVE c(x) AS (VALUES (1) UNION ALL SELECT x + 1 FROM c WHERE x < 0x1ffff) INSERT INTO "
-            "trigrams (rowid, t) SELECT x, char(x, x, x) FROM c WHERE x NOT BETWEEN 0xd800 AND 0xdfff AND x "
-            "NOT IN "
-            "(0xfeff, 0xfffe, 0xffff)");
+            "trigrams (rowid, t) SELECT x, char(x, x, x) FROM c WHERE x NOT BETWEEN 0xd800 AND 0xdfff "
+            "AND x NOT IN (0xfeff, 0xfffe, 0xffff)");
         const QStringList folded = column("SELECT doc || ' ' || unicode(term) FROM terms");
         QVERIFY(folded.size() > 120000);
         for (const QString &pair : folded) {
@@ -62,9 +61,8 @@ private slots:
         column("CREATE VIRTUAL TABLE terms USING fts5vocab(words, instance)");
         column(
             "WITH RECURSIVE c(x) AS (VALUES (1) UNION ALL SELECT x + 1 FROM c WHERE x < 0x1ffff) INSERT INTO "
-            "words (rowid, t) SELECT x, char(x) || ' a' || char(x) || 'Z' FROM c WHERE x NOT BETWEEN 0xd800 "
-            "AND 0xdfff "
-            "AND x NOT IN (0xfeff, 0xfffe, 0xffff)");
+            "words (rowid, t) SELECT x, char(x) || ' a' || char(x) || 'Z' FROM c WHERE x NOT BETWEEN "
+            "0xd800 AND 0xdfff AND x NOT IN (0xfeff, 0xfffe, 0xffff)");
         QMap<uint, QString> terms;
         for (const QString &pair : column("SELECT doc || ' ' || term FROM terms ORDER BY doc, offset"))
             terms[pair.section(' ', 0, 0).toUInt()] += '|' + pair.section(' ', 1);
