@@ -32,21 +32,15 @@ private slots:
         selection.offline = facts.contains('o');
         selection.mayClassify = facts.contains('c');
         const DocumentActionState state = documentActionState(selection);
+        const QList<QPair<bool, QString>> actions{
+            {state.resubmit, "resubmit"},    {state.trash, "trash"},         {state.moveToArchive, "archive"},
+            {state.exportAndMail, "export"}, {state.link, "link"},           {state.show, "show"},
+            {state.print, "print"},          {state.moveToFolder, "folder"}, {state.history, "history"},
+            {state.erase, "erase"}};
         QStringList enabled;
-        const auto add = [&enabled](bool on, const char *name) {
+        for (const auto &[on, name] : actions)
             if (on)
                 enabled << name;
-        };
-        add(state.resubmit, "resubmit");
-        add(state.trash, "trash");
-        add(state.moveToArchive, "archive");
-        add(state.exportAndMail, "export");
-        add(state.link, "link");
-        add(state.show, "show");
-        add(state.print, "print");
-        add(state.moveToFolder, "folder");
-        add(state.history, "history");
-        add(state.erase, "erase");
         QTEST(enabled.join(' '), "enabled");
         QCOMPARE(state.hideResubmit, !selection.mayClassify);
         QCOMPARE(state.eraseUnchanged, !selection.hasLiveDocuments);

@@ -6,8 +6,6 @@
 #include <QMainWindow>
 #include <QToolBar>
 
-#include <memory>
-
 namespace {
 
 /// A window with one default bar of the actions one, a separator, two; three is on no bar.

@@ -1,5 +1,4 @@
 #include "support/kelvatest.h"
-#include "support/workbenchfixture.h"
 
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
@@ -9,7 +8,6 @@
 #include <QAbstractItemModelTester>
 #include <QAbstractProxyModel>
 #include <QSettings>
-#include <QSignalSpy>
 
 namespace {
 
@@ -64,7 +62,6 @@ private slots:
         QCOMPARE(tree.findItem("-1")->getName(), QString("All folders"));
         QCOMPARE(tree.getCompleterStringList().mid(0, 4), QStringList({"all", "of", "it", "all of it"}));
         QVERIFY(!tree.getCompleterStringList().contains("Late"));
-        QCOMPARE(tree.headerData(2, Qt::Horizontal).toString(), QString("Keywords"));
 
         tree.loadFromStringList({record({"9", "New"})}, {}, true);
         QCOMPARE(outline(tree), QString("All folders\n-New\n"));
@@ -79,23 +76,6 @@ private slots:
             false);
         QCOMPARE(tree.findItem("3")->nextChildNum(), QString("3.10"));
         QCOMPARE(tree.findItem("3.1")->nextChildNum(), QString("3.1.1"));
-    }
-
-    void theViewSpeaksInTreeIndexes()
-    {
-        KelvaDocTree tree("Folders", true, QString(), QString(), nullptr);
-        tree.loadFromStringList({record({"1", "Zebra"}), record({"2", "Ant"})}, {}, false);
-        KelvaFolderView view;
-        view.setModel(&tree);
-        view.sortByColumn(0, Qt::AscendingOrder);
-        QCOMPARE(view.currentOid(), QString());
-        const QSignalSpy changes(&view, SIGNAL(curSelChanged()));
-        view.setCurrentIndex(tree.indexFromItem(tree.findItem("1")));
-        QCOMPARE(view.currentOid(), QString("1"));
-        QCOMPARE(changes.count(), 1);
-        QVERIFY(tree.findItem("1")->isItemChecked());
-        view.setCurrentIndex(QModelIndex());
-        QCOMPARE(view.currentOid(), QString("1"));
     }
 
     void expandedFoldersReturn()

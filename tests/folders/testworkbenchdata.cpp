@@ -16,9 +16,6 @@ private slots:
         QVERIFY(segment.isReady());
         WorkbenchData data;
         QVERIFY(readWorkbenchData("kelva_test", data));
-        QCOMPARE(data.searchColumns.size(), 14);
-        QCOMPARE(data.lineColumns.value(11), QString("type:Numeric"));
-        QCOMPARE(data.checkColumns.keys(), QList<int>{12});
         QCOMPARE(data.folders.size(), 5);
         QCOMPARE(data.retentionByType(), (QMap<QString, QString>{{"1", "10;0;0"}}));
         QVERIFY(!readWorkbenchData("kelva_other", data));

@@ -16,7 +16,7 @@ private slots:
     void theArchiveIndexIsChecked()
     {
         for (const qint64 index : {qint64(1), qint64(-1), qint64(1) << 40}) {
-            QByteArray bytes = FakeManager::profileRecord(7, "Office", m_entry, "srv", "1", index);
+            QByteArray bytes = FakeManager::profileRecord(7, "Office", m_entry, index);
             QDataStream stream(&bytes, QIODevice::ReadOnly);
             stream.setVersion(10);
             kelvaProfileData profile;
