@@ -76,22 +76,15 @@ private slots:
         QCOMPARE(run({"index", "16"}).code, 1);
     }
 
-    void wrongCommandLines_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("nothing") << QStringList();
-        QTest::newRow("unknown command") << QStringList{"frobnicate", "1"};
-        QTest::newRow("a word too few") << QStringList{"add-user", "1"};
-        QTest::newRow("unknown option") << QStringList{"check", "1", "--fast"};
-        QTest::newRow("a count that is none") << QStringList{"sample", "14", "--documents", "many"};
-    }
-
     void wrongCommandLines()
     {
-        QFETCH(QStringList, arguments);
-        const outside::Outcome outcome = run(arguments);
-        QCOMPARE(outcome.code, 2);
-        QVERIFY(outcome.errors.startsWith("kelvaadmin: "));
+        for (const QStringList &arguments :
+             {QStringList(), QStringList{"frobnicate", "1"}, QStringList{"add-user", "1"},
+              QStringList{"check", "1", "--fast"}, QStringList{"sample", "14", "--documents", "many"}}) {
+            const outside::Outcome outcome = run(arguments);
+            QCOMPARE(outcome.code, 2);
+            QVERIFY(outcome.errors.startsWith("kelvaadmin: "));
+        }
         QVERIFY(!QFile::exists(home("14.kelva")));
     }
 };

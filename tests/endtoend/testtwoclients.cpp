@@ -4,8 +4,6 @@
 #include <QDir>
 #include <QProcess>
 
-#include <memory>
-
 namespace {
 
 QString program(const char *name)

@@ -86,7 +86,7 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
         QFETCH(QString, text);
-        write(name, bytes);
+        outside::write(m_directory.filePath(name), bytes);
         QCOMPARE(extract(name, {}), Extractor::Outcome::Done);
         QCOMPARE(m_text, text);
     }
@@ -166,8 +166,6 @@ private slots:
         kelvatest::row("a zip file that breaks off", "a.odt",
                        zipped("content.xml", openDocument("<text:p>x</text:p>")).chopped(60),
                        ExtractorLimits());
-        kelvatest::row("XML that breaks off", "a.odt",
-                       zipped("content.xml", openDocument("<text:p>x").left(180)), ExtractorLimits());
         kelvatest::row("a little that unpacks to a lot", "a.odt", zipped("content.xml", bomb), small);
         kelvatest::row("entities that grow", "a.fodt", entities, ExtractorLimits());
         kelvatest::row("an entity that names a file", "a.fodt",
@@ -186,7 +184,7 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
         QFETCH(ExtractorLimits, limits);
-        write(name, bytes);
+        outside::write(m_directory.filePath(name), bytes);
         QCOMPARE(extract(name, limits), Extractor::Outcome::Failed);
         QCOMPARE(m_text, QString());
     }
@@ -234,7 +232,7 @@ private slots:
     {
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
-        write(name, bytes);
+        outside::write(m_directory.filePath(name), bytes);
         ExtractorLimits limits;
         limits.characters = 200;
         QCOMPARE(extract(name, limits), Extractor::Outcome::Done);
@@ -243,11 +241,6 @@ private slots:
     }
 
 private:
-    void write(const QString &name, const QByteArray &bytes)
-    {
-        outside::write(m_directory.filePath(name), bytes);
-    }
-
     QByteArray zipped(const QString &name, const QByteArray &bytes)
     {
         const QString path = m_directory.filePath("made.zip");

@@ -76,7 +76,7 @@ private slots:
         slow.cancelled = [&] {
             if (!isStored) {
                 isStored = true;
-                storeVersion("Offer.txt", "varnish");
+                storeFile("Offer.txt", "varnish", false);
             }
             return false;
         };
@@ -206,11 +206,6 @@ private:
         if (!stored)
             qFatal("%s", qPrintable(stored.error().text));
         return stored.value();
-    }
-
-    qint64 storeVersion(const QString &name, const QByteArray &bytes)
-    {
-        return storeFile(name, bytes, false);
     }
 
     /// Stores and classifies a file into a folder.

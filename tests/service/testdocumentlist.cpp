@@ -3,11 +3,9 @@
 #include "testarchive.h"
 
 #include "server/recordformat.h"
-#include "service/attributes.h"
 #include "service/documentlist.h"
 #include "service/documents.h"
 #include "service/records.h"
-#include "service/vocabulary.h"
 
 using namespace kelva;
 
@@ -94,30 +92,6 @@ private slots:
         QCOMPARE(row, (QStringList{"3#3", "1.2", "Old letter", "1", "1_1", "1.2.1", "0", "admin",
                                    "2019-02-05", "2020-02-03T04:05:06", "", "W"}));
         QCOMPARE(splitFields(list.value().at(0)).size(), row.size());
-    }
-
-    void attributesAreColumnsOfTheirKind()
-    {
-        Attributes attributes(*m_session);
-        const auto made = attributes.save({joinFields({"-1", "Amount", "Numeric", "false", "false"}),
-                                           joinFields({"-2", "Paid", "CheckBox", "false", "false"}),
-                                           joinFields({"-3", "Customer", "String", "false", "false"})});
-        QVERIFY(made.ok());
-        QStringList record = Documents(*m_session).get("1").value();
-        record.removeFirst();
-        QCOMPARE(record.size(), 14);
-        record.replace(10, "12.50");
-        record.replace(11, "2");
-        record.replace(12, "Müller & Söhne");
-        QCOMPARE(textOf(Documents(*m_session).save("1", record)), QString());
-        for (const char *clause : {"attr1 = 12.5", "attr2 = 2::varchar", "attr3 ilike '%söhne%'",
-                                   "to_tsvector(attr3) @@ to_tsquery('müller')"}) {
-            const Result<QStringList> list = listDocuments(*m_session, {QString::fromUtf8(clause)});
-            QVERIFY2(list.ok() && list.value().size() == 2, clause);
-            QCOMPARE(splitFields(list.value().at(1)).mid(11),
-                     (QStringList{"12.5", "2", "Müller & Söhne", "W"}));
-        }
-        QCOMPARE(listDocuments(*m_session, {"(attr2 != 2::varchar OR attr2 IS NULL)"}).value().size(), 5);
     }
 
     void dueResubmissionsCountAsNew()
