@@ -105,28 +105,6 @@ private slots:
         }
     }
 
-    void unchangedArchivesAreNotReadAgain()
-    {
-        ManagerSurroundings s;
-        const Profile profile = s.added(s.profile("Office"));
-        ProfileBlock block;
-        // The archive was made just now; once its times are old enough, nothing is read.
-        const auto isQuiet = [&] {
-            const int before = block.readings();
-            return block.renew(profile).ok() && block.readings() == before;
-        };
-        QTRY_VERIFY(isQuiet());
-        QVERIFY(isQuiet());
-        addFolder(*s.archive.login("admin", "secret"), "Fresh");
-        QVERIFY(!isQuiet());
-        QVERIFY(folderNames(profile).contains("Fresh"));
-        // Another profile's block stands elsewhere, and the old one goes.
-        Profile other = profile;
-        other.id += 1;
-        QVERIFY(block.renew(other).ok());
-        QVERIFY(hasBlock(other) && !hasBlock(profile));
-    }
-
     void blocksReturnWhenTheTemporaryDirectoryWasSwept()
     {
         ManagerSurroundings s;
@@ -340,8 +318,6 @@ private slots:
         ProfileFixture s;
         ProfileList profiles(s.store);
         const QString socketFile = QDir::tempPath() + '/' + socketName();
-        // What a killed one leaves behind is in nobody's way.
-        outside::write(socketFile, QByteArray());
         {
             ConnectionManager first(profiles);
             QVERIFY(first.start().ok());
