@@ -88,17 +88,20 @@ void addSelection(SqlCondition *whole, const DocumentFilter &filter)
     QStringList either;
     QVariantList values;
     if (filter.hasSelection) {
-        either << QStringLiteral("c.document IN (SELECT value FROM json_each(?))");
+        either << QStringLiteral(
+            "SELECT id FROM classification WHERE document IN (SELECT value FROM json_each(?))");
         values << jsonList(filter.selection);
     }
     const QString expression = fullTextExpression(filter.fullText);
     if (!expression.isEmpty()) {
-        either << QStringLiteral("c.document IN (SELECT rowid FROM words_text WHERE words_text MATCH ?)")
-               << QStringLiteral("c.id IN (SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?)");
+        either << QStringLiteral("SELECT id FROM classification WHERE document IN (SELECT rowid FROM "
+                                 "words_text WHERE words_text MATCH ?)")
+               << QStringLiteral("SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?");
         values << expression << expression;
     }
     if (!either.isEmpty())
-        add(whole, QStringLiteral("(%1)").arg(either.join(QStringLiteral(" OR "))), values);
+        // One set of records: an OR between them would be tried on every record.
+        add(whole, QStringLiteral("c.id IN (%1)").arg(either.join(QStringLiteral(" UNION ALL "))), values);
     else if (!filter.fullText.isEmpty())
         add(whole, QStringLiteral("0"));
 }

@@ -75,19 +75,16 @@ Result<void> checkMayChange(Session &session, qint64 id)
 {
     if (session.isOffline())
         return session.access().require(rights::admin);
-    const QVariant owner =
-        session.database().value(QStringLiteral("SELECT owner FROM search WHERE id = ?"), {id});
-    if (!owner.isValid())
+    if (!session.database().value(QStringLiteral("SELECT 1 FROM search WHERE id = ?"), {id}).isValid())
         return Error{ErrorCode::NotFound, QStringLiteral("The search does not exist.")};
-    if (session.access().isAdmin())
+    const QStringList roles = rolesOfSearch(session.database(), id);
+    const QString personal = rights::personalPrefix + session.login();
+    if (session.access().isAdmin() || roles == QStringList{personal})
         return {};
-    if (owner.toString() != session.login())
+    if (!roles.contains(personal))
         return Error{ErrorCode::Refused, QStringLiteral("The search belongs to another user.")};
-    if (rolesOfSearch(session.database(), id) != QStringList{rights::personalPrefix + session.login()})
-        return Error{
-            ErrorCode::Refused,
-            QStringLiteral("The search is for other users, too; only an administrator can change it.")};
-    return {};
+    return Error{ErrorCode::Refused,
+                 QStringLiteral("The search is for other users, too; only an administrator can change it.")};
 }
 
 } // namespace

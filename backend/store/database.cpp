@@ -49,6 +49,8 @@ Error sqliteError(int code, const QString &details)
         return {ErrorCode::BadInput, QStringLiteral("The archive refused the change: %1").arg(details)};
     case SQLITE_TOOBIG:
         return {ErrorCode::BadInput, QStringLiteral("A value is too long to be stored.")};
+    case SQLITE_INTERRUPT:
+        return {ErrorCode::TooSlow, QStringLiteral("The search takes too long. Please narrow it down.")};
     default:
         return {ErrorCode::Storage, QStringLiteral("The archive reported an error: %1").arg(details)};
     }
@@ -364,20 +366,58 @@ std::optional<QVector<qint64>> Database::numbersWithin(qint64 steps, const QStri
     }
     for (int i = 0; i < values.size(); ++i)
         bindValue(statement.get(), i + 1, values.at(i));
-    if (steps <= std::numeric_limits<int>::max())
-        sqlite3_progress_handler(
-            handle(), static_cast<int>(steps), [](void *) { return 1; }, nullptr);
+    m_stepsLeft = steps;
+    watchProgress();
     QVector<qint64> list;
     int code = sqlite3_step(statement.get());
     for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
         list.append(sqlite3_column_int64(statement.get(), 0));
-    sqlite3_progress_handler(handle(), 0, nullptr, nullptr);
+    const bool outOfSteps = m_stepsLeft < 0;
+    m_stepsLeft = 0;
+    watchProgress();
     if (code == SQLITE_DONE)
         return list;
-    if (code == SQLITE_INTERRUPT)
+    if (code == SQLITE_INTERRUPT && outOfSteps)
         return std::nullopt;
     noteFailure();
     return QVector<qint64>();
+}
+
+/// Lets the database ask now and then whether the statement at work may go on.
+void Database::watchProgress()
+{
+    constexpr qint64 unbounded = std::numeric_limits<int>::max();
+    constexpr qint64 oftenEnough = 10'000; // some hundred records
+    const bool bounded = m_stepsLeft > 0 && m_stepsLeft <= unbounded;
+    if (!bounded)
+        m_stepsLeft = 0;
+    if (!bounded && !m_deadline) {
+        sqlite3_progress_handler(handle(), 0, nullptr, nullptr);
+        return;
+    }
+    m_stepsAtATime = bounded ? qMin(m_stepsLeft, oftenEnough) : oftenEnough;
+    const auto mustStop = [](void *context) {
+        auto *self = static_cast<Database *>(context);
+        if (self->m_stepsLeft > 0) {
+            self->m_stepsLeft -= self->m_stepsAtATime;
+            if (self->m_stepsLeft <= 0)
+                self->m_stepsLeft = -1;
+        }
+        return self->m_stepsLeft < 0 || (self->m_deadline && self->m_deadline->hasExpired()) ? 1 : 0;
+    };
+    sqlite3_progress_handler(handle(), static_cast<int>(m_stepsAtATime), mustStop, this);
+}
+
+TimeLimit::TimeLimit(Database &database, qint64 ms) : m_database(database)
+{
+    m_database.m_deadline.emplace(ms);
+    m_database.watchProgress();
+}
+
+TimeLimit::~TimeLimit()
+{
+    m_database.m_deadline.reset();
+    m_database.watchProgress();
 }
 
 void Database::noteFailure()

@@ -2,6 +2,7 @@
 
 #include "store/result.h"
 
+#include <QDeadlineTimer>
 #include <QSqlQuery>
 #include <QString>
 #include <QVariantList>
@@ -117,6 +118,7 @@ public:
 private:
     friend class Query;
     friend class Statement;
+    friend class TimeLimit;
     friend class Transaction;
     Database(QString path, QString connection);
     Result<void> connect(Mode mode, int busyTimeoutMs, int version);
@@ -124,6 +126,7 @@ private:
     bool mayRun();
     void noteFailure(const QSqlQuery &query);
     void noteFailure();
+    void watchProgress();
     QSqlDatabase connection() const;
 
     QString m_path;
@@ -134,6 +137,23 @@ private:
     qint64 m_lastInsertId = 0;
     int m_affected = 0;
     std::optional<Error> m_error;
+    std::optional<QDeadlineTimer> m_deadline;
+    qint64 m_stepsLeft = 0; ///< of the statement at work; 0 for any number, negative when used up
+    qint64 m_stepsAtATime = 0;
+};
+
+/// As long as it lives, a statement that is still at work after so many milliseconds fails with TooSlow. Not
+/// to be used where something is written, and one at a time.
+class TimeLimit
+{
+public:
+    TimeLimit(Database &database, qint64 ms);
+    ~TimeLimit();
+    TimeLimit(const TimeLimit &) = delete;
+    TimeLimit &operator=(const TimeLimit &) = delete;
+
+private:
+    Database &m_database;
 };
 
 /// Rolls back unless commit() succeeded. Write locks the archive at once, so that what is read stays true

@@ -19,6 +19,7 @@ enum class ErrorCode {
     NotAnArchive, ///< the file is no archive or is damaged
     Busy,         ///< locked by another process for longer than the busy time
     Storage,      ///< the medium failed: full, read-only, unreadable
+    TooSlow,      ///< given up after the time that a list may take
     NotAvailable, ///< this build cannot do it
 };
 

@@ -115,7 +115,7 @@ void KelvaClientMain::connectPanels()
     connect(m_infoView->getModel(), SIGNAL(dataChanged(QModelIndex, QModelIndex)), this,
             SLOT(infoViewItemChanged()));
     connect(m_infoView, SIGNAL(redrawMain()), this, SLOT(repaint()));
-    connect(m_bSuchen, SIGNAL(clicked()), this, SLOT(doSearch()));
+    connect(m_bSuchen, SIGNAL(clicked()), this, SLOT(searchClicked()));
     connect(m_bClearSuchen, SIGNAL(clicked()), this, SLOT(doClearSearch()));
     connect(m_bClearSuchen2, SIGNAL(clicked()), this, SLOT(doClearSearch()));
     connect(m_bFilterBearbeiten, SIGNAL(clicked()), this, SLOT(doEditFilters()));

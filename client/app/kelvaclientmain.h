@@ -23,6 +23,7 @@ class KelvaExtSearch;
 class KelvaLineDelegate;
 class KelvaTrashButton;
 class KelvaViewDelegate;
+class QProgressDialog;
 class QStandardItem;
 class QTimer;
 class QToolBar;
@@ -86,8 +87,15 @@ public slots:
     /// Writes the edited cell back.
     void infoViewItemChanged();
 
+    // documents/kelvaclientmain_drop.cpp
+    /// Moves a document to a folder, or gives it the status of a status node. Does not refresh.
+    void updateDocAfterDrop(const QString &docId, const QString &value);
+    /// The same for several, which must be writable, with a date for a resubmission; then refreshes.
+    void updateDocsAfterDrop(const QStringList &docIds, const QString &folder);
+
     // documents/kelvaclientmain_search.cpp
     void doSearch(bool special = false);
+    void searchClicked();
     void doClearSearch(bool update = true);
     void searchComboChanged(int index, bool focus);
     void searchComboChanged(int index);
@@ -187,13 +195,16 @@ private:
     void updateDocArt(const QString &docId, const QString &value);
     void updateDatum(const QString &docId, const QString &value);
     void updateFromColumn(const QString &value, int column, const QString &docId);
-    void updateDocAfterDrop(const QString &docId, const QString &value);
+    bool classifyDropped(const QString &row, const QString &folder, const QString &date,
+                         QProgressDialog &progress, QStringList &handled);
     bool askResubmissionDate(const QString &docId, QString &date);
     QMap<QString, QString> getCurrentBemerkungen(bool onlyWritable) const;
 
     // documents/kelvaclientmain_search.cpp
     void setSearchActive(bool active);
-    void searchExtended(bool special);
+    bool runSearch(bool special);
+    bool searchExtended(bool special);
+    void searchAnew(bool special);
     /// Sets up the full-text options; false, with a box, when nothing can be searched for.
     bool takeFullText(const QString &words);
     void showSearch();

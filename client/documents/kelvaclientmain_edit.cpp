@@ -9,7 +9,6 @@
 #include "server/classifyinterface.h"
 #include "server/plainbox.h"
 
-#include <QHoverEvent>
 #include <QStandardItem>
 
 namespace edit = classificationedit;
@@ -199,18 +198,6 @@ void KelvaClientMain::updateFromColumn(const QString &value, int column, const Q
         plainbox::critical(this, tr("Error"),
                            tr("The document could not be classified: ") + classifyClient->lastError());
     updateDocuments({});
-}
-
-void KelvaClientMain::updateDocAfterDrop(const QString &docId, const QString &value)
-{
-    if (edit::isStatusNode(value))
-        updateStatus(docId, edit::statusOfNode(value), false);
-    else
-        updateDocFolder(docId, value, false);
-    // The tree takes back the highlight of the drop when the pointer seems to move.
-    const QPointF pointer = m_tWOrdner->viewport()->mapFromGlobal(QCursor::pos());
-    QCoreApplication::postEvent(m_tWOrdner->viewport(),
-                                new QHoverEvent(QEvent::HoverLeave, pointer, pointer));
 }
 
 QMap<QString, QString> KelvaClientMain::getCurrentBemerkungen(bool onlyWritable) const

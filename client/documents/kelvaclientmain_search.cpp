@@ -53,10 +53,7 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
         m_SearchString->setEnabled(false);
         if (!focus)
             return;
-        m_searchWhere = QStringLiteral("1=1");
-        m_selectionOption.clear();
-        m_fullTextOption.clear();
-        doSearch(false);
+        searchAnew(false);
         return;
     }
     // A text is kept only from one line editor to the next: it means nothing to a list of choices.
@@ -78,10 +75,7 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
     if (active ? cell->text().isEmpty() : !putBack) {
         doClearSearch(true);
     } else {
-        m_searchWhere = QStringLiteral("1=1");
-        m_selectionOption.clear();
-        m_fullTextOption.clear();
-        doSearch(false);
+        searchAnew(false);
     }
     if (!focus)
         return;
@@ -149,13 +143,37 @@ void KelvaClientMain::doCheckSearch()
         doSearch(m_SearchCombo->currentData() == searchtext::extendedSearchKey);
 }
 
+/// Drops the search before. When the new one cannot be done, nothing is searched for.
+void KelvaClientMain::searchAnew(bool special)
+{
+    m_searchWhere = QStringLiteral("1=1");
+    m_selectionOption.clear();
+    m_fullTextOption.clear();
+    if (!runSearch(special))
+        doClearSearch(true);
+}
+
+void KelvaClientMain::searchClicked()
+{
+    {
+        // The shortcut leaves an editor open: what was typed into it is meant.
+        const QSignalBlocker blocker(m_SearchString);
+        m_bSuchen->setFocus();
+    }
+    doSearch(false);
+}
+
 void KelvaClientMain::doSearch(bool special)
 {
+    runSearch(special); // when it cannot be done, the search before stays
+}
+
+/// False when the search cannot be done; then the user has been told and nothing has changed.
+bool KelvaClientMain::runSearch(bool special)
+{
     const QString column = m_SearchCombo->currentData().toString();
-    if (column == searchtext::extendedSearchKey) {
-        searchExtended(special);
-        return;
-    }
+    if (column == searchtext::extendedSearchKey)
+        return searchExtended(special);
     const QTableWidgetItem *cell = m_SearchString->item(0, 0);
     QString value = cell ? cell->data(itemrole::rawValue).toString() : QString();
     if (value.isEmpty() && cell)
@@ -168,9 +186,10 @@ void KelvaClientMain::doSearch(bool special)
             value = key;
     }
     if (column == searchtext::fullText()) {
-        if (takeFullText(value))
-            showSearch();
-        return;
+        if (!takeFullText(value))
+            return false;
+        showSearch();
+        return true;
     }
     OneLineSearch search;
     search.column = column;
@@ -184,13 +203,14 @@ void KelvaClientMain::doSearch(bool special)
         m_tWOrdner->clearSelection();
     }
     showSearch();
+    return true;
 }
 
-void KelvaClientMain::searchExtended(bool special)
+bool KelvaClientMain::searchExtended(bool special)
 {
     if (!special && m_extSearch->exec() != QDialog::Accepted) {
         doClearSearch(true);
-        return;
+        return true;
     }
     m_SearchString->setEnabled(false);
     const QString where = m_extSearch->getFilter();
@@ -199,12 +219,13 @@ void KelvaClientMain::searchExtended(bool special)
         m_selectionOption.clear();
         m_fullTextOption.clear();
     } else if (!takeFullText(words)) {
-        return;
+        return false;
     }
     m_searchWhere = where;
     if (!special)
         m_treeSearch->selectActive(m_extSearch->getCurrentFilter());
     showSearch();
+    return true;
 }
 
 bool KelvaClientMain::takeFullText(const QString &words)

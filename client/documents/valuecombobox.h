@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QComboBox>
+#include <QWheelEvent>
 
 /// Editor of a cell with values to choose from. Typing looks for a value by its first letters.
 class ValueComboBox final : public QComboBox
@@ -21,6 +22,8 @@ protected:
     void showEvent(QShowEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    /// The wheel scrolls the table; it would change the value in passing.
+    void wheelEvent(QWheelEvent *event) override { event->ignore(); }
 
 private slots:
     void doShowPopup();

@@ -172,6 +172,10 @@ void KelvaClientMain::showFolderTree(const WorkbenchData &workbench)
         tree->setCanCreateFolder(true);
         connect(tree, SIGNAL(doCreateFolder(QString)), this, SLOT(doCreateFolder(QString)));
     }
+    connect(tree, SIGNAL(newDocumentFolders(QStringList, QString)), this,
+            SLOT(updateDocsAfterDrop(QStringList, QString)));
+    connect(tree, SIGNAL(newDocumentFolder(QString, QString)), this,
+            SLOT(updateDocAfterDrop(QString, QString)));
     tree->loadFromStringList(workbench.folders, workbench.folderPictures, false);
     KelvaDocTree *old = docTree;
     docTree = tree;

@@ -1,14 +1,12 @@
 #include "folders/kelvadoctree.h"
 
+#include "documents/documentmime.h"
 #include "folders/kelvadocitem.h"
 #include "server/folderoid.h"
 #include "server/plainbox.h"
 #include "server/recordformat.h"
 
 #include <QBuffer>
-#include <QCoreApplication>
-#include <QDataStream>
-#include <QMimeData>
 #include <QPixmap>
 #include <QSet>
 
@@ -49,23 +47,13 @@ Qt::DropActions KelvaDocTree::supportedDropActions() const
 
 QStringList KelvaDocTree::mimeTypes() const
 {
-    return {QStringLiteral("x-norbant-kelvadocument%1").arg(QCoreApplication::applicationPid())};
+    return {documentmime::type()};
 }
 
 bool KelvaDocTree::dropMimeData(const QMimeData *data, Qt::DropAction, int, int, const QModelIndex &parent)
 {
-    const QString type = mimeTypes().first();
-    if (!data->hasFormat(type) || !parent.isValid())
-        return false;
-    QStringList ids;
-    const QByteArray bytes = data->data(type);
-    QDataStream stream(bytes);
-    while (!stream.atEnd() && stream.status() == QDataStream::Ok) {
-        QString id;
-        stream >> id;
-        ids << id;
-    }
-    if (stream.status() != QDataStream::Ok)
+    const QStringList ids = documentmime::documentIds(data);
+    if (ids.isEmpty() || !parent.isValid())
         return false;
     emit newDocumentFolders(ids, item(parent)->getOid());
     return true;

@@ -89,6 +89,11 @@ void KelvaSearchDlg::keyPressEvent(QKeyEvent *event)
         break;
     case Qt::Key_Return:
     case Qt::Key_Enter:
+        if (m_ui->m_bCancel->hasFocus()) {
+            cancel(); // who stands on the button means it
+            break;
+        }
+        [[fallthrough]];
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
         hide();

@@ -1,5 +1,6 @@
 #include "app/kelvaclientmain.h"
 
+#include "documents/itemroles.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/searchtexts.h"
@@ -17,12 +18,16 @@
 void KelvaClientMain::initStatus()
 {
     disconnect(m_twStatus, SIGNAL(currentRowChanged(int)), this, SLOT(selChanged()));
+    disconnect(m_twStatus, SIGNAL(updateStatus(QStringList, QString)), this,
+               SLOT(updateDocsAfterDrop(QStringList, QString)));
     QStringList rows;
     QList<QByteArray> pictures;
     if (!classifyClient->getStatusList(rows, pictures))
         plainbox::critical(this, tr("Error"), tr("The status data could not be loaded!"));
     m_twStatus->setStatusList(rows, pictures);
     connect(m_twStatus, SIGNAL(currentRowChanged(int)), this, SLOT(selChanged()), Qt::DirectConnection);
+    connect(m_twStatus, SIGNAL(updateStatus(QStringList, QString)), this,
+            SLOT(updateDocsAfterDrop(QStringList, QString)), Qt::DirectConnection);
 }
 
 void KelvaClientMain::initExtendedSearch()
@@ -100,12 +105,10 @@ void KelvaClientMain::filterActivated(const QModelIndex &index)
     }
     replaceSearchCell(nullptr);
     m_treeSearch->setActive(item);
+    m_extSearch->selectEntry(item->data(itemrole::storedId).toString()); // its name may be there twice
     m_extSearch->reloadSearch(item->text());
-    m_searchWhere = QStringLiteral("1=1");
-    m_selectionOption.clear();
-    m_fullTextOption.clear();
     m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(searchtext::extendedSearchKey));
-    doSearch(true);
+    searchAnew(true);
 }
 
 void KelvaClientMain::doEditFilters()

@@ -48,6 +48,7 @@ KelvaExtSearch::KelvaExtSearch(bool offline, QWidget *parent)
         m_ui->m_extSearchTable->setColumnWidth(column, widths[column]);
     connect(m_ui->m_extSearchTable, SIGNAL(itemChanged(QTableWidgetItem *)), this,
             SLOT(criterionChanged(QTableWidgetItem *)));
+    m_ui->m_SavedSearch->installEventFilter(this);
     connect(m_ui->m_bAdd, SIGNAL(clicked()), this, SLOT(addLine()));
     connect(m_ui->m_bSaveSearch, SIGNAL(clicked()), this, SLOT(saveSearch()));
     connect(m_ui->m_bUpdateSearch, SIGNAL(clicked()), this, SLOT(updateSearch()));
@@ -132,7 +133,7 @@ QString KelvaExtSearch::getFilter()
 void KelvaExtSearch::setResubmissionFilter(int days)
 {
     // The rows are no longer those of a stored search, which must not be written over with them.
-    selectSearch(QString());
+    showNone();
     loadRow({m_fieldDelegate->getData("defdate"), "<=", QStringLiteral("[HEUTE+%1]").arg(days), QString()});
     const auto *status = qobject_cast<const KelvaComboDelegate *>(delegateFor("status"));
     loadRow({m_fieldDelegate->getData("status"), "=",
@@ -152,6 +153,13 @@ void KelvaExtSearch::setSimpleMode(bool simple)
     m_simple = simple;
     m_ui->m_templates->setVisible(!simple);
     showRoles();
+}
+
+bool KelvaExtSearch::eventFilter(QObject *watched, QEvent *event)
+{
+    // A turn of the wheel in passing would take all criteria away.
+    return (watched == m_ui->m_SavedSearch && event->type() == QEvent::Wheel) ||
+           QDialog::eventFilter(watched, event);
 }
 
 void KelvaExtSearch::accept()

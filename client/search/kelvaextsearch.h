@@ -65,8 +65,11 @@ public slots:
     void reject() override;
     void clearSearch();
     void addLine();
-    /// Shows the stored search of this name; the empty name shows none.
+    /// Shows the stored search of this name, of several the selected one if it is among them; the empty name
+    /// shows none.
     void reloadSearch(const QString &name);
+    /// Selects the stored search of this id without showing it; nothing for an id that is not known.
+    void selectEntry(const QString &id);
     /// Asks for a name and stores the rows as a new search.
     void saveSearch();
     /// Stores them over the selected one.
@@ -76,6 +79,9 @@ public slots:
 signals:
     void modelReset();
     void filterUpdated();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private slots:
     void criterionChanged(QTableWidgetItem *item);
@@ -107,6 +113,7 @@ private:
     void replaceValueDelegate(int row, const KelvaDelegate *source);
     void offerOperators(int row, const KelvaDelegate *source);
     void operatorChanged(int row);
+    void valueChanged(QTableWidgetItem *item);
     void closeEditors(int row, std::initializer_list<int> columns);
     bool isOrRow(int row) const;
     int rowsBelow(int row) const;
@@ -119,7 +126,8 @@ private:
     // kelvaextsearch_templates.cpp
     void loadSearchDefs();
     void updateFilterModel(const QList<SearchTemplate> &searches);
-    void selectSearch(const QString &name);
+    void showNone();
+    QString askName();
     void loadRow(const TemplateRow &row);
     QList<TemplateRow> templateRows() const;
     bool checkCriteria();

@@ -7,6 +7,7 @@
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvamultiselection.h"
 #include "documents/searchtexts.h"
+#include "folders/kelvaviewdelegate.h"
 #include "search/criteriacolumns.h"
 #include "search/searchoperators.h"
 #include "server/recordformat.h"
@@ -44,10 +45,10 @@ void copyValue(const QTableWidgetItem *from, QTableWidgetItem *to)
         to->setData(role, from->data(role));
 }
 
-bool isText(const KelvaDelegate *delegate)
+/// What is typed into it: a line, or the words of the full text.
+bool isTyped(const QString &field, const KelvaDelegate *delegate)
 {
-    const auto *line = qobject_cast<const KelvaLineDelegate *>(delegate);
-    return line && !line->getIsNumeric();
+    return field == searchtext::fullText() || qobject_cast<const KelvaLineDelegate *>(delegate);
 }
 
 } // namespace
@@ -133,6 +134,19 @@ void KelvaExtSearch::criterionChanged(QTableWidgetItem *item)
         filterChanged(item->row());
     else if (item->column() == criteriacolumn::op)
         operatorChanged(item->row());
+    else if (item->column() == criteriacolumn::value)
+        valueChanged(item);
+}
+
+/// Editors that write the text alone leave a stored value behind, which would go before it.
+void KelvaExtSearch::valueChanged(QTableWidgetItem *item)
+{
+    const KelvaDelegate *delegate = valueDelegate(item->row());
+    if (qobject_cast<const KelvaComboDelegate *>(delegate) ||
+        qobject_cast<const KelvaViewDelegate *>(delegate))
+        return;
+    const QSignalBlocker blocker(m_ui->m_extSearchTable);
+    item->setData(itemrole::rawValue, QVariant());
 }
 
 /// Tab behind the last cell goes on to the buttons; the table would begin again at its first.
@@ -152,9 +166,9 @@ void KelvaExtSearch::filterChanged(int row)
     const QSignalBlocker blocker(m_ui->m_extSearchTable);
     const QString field = fieldKey(row);
     const KelvaDelegate *source = delegateFor(field);
-    const bool sameField = cell(row, criteriacolumn::field)->data(itemrole::storedId) == field;
-    // A value means nothing to another field, unless both are free texts.
-    const bool keepValue = sameField || (isText(valueDelegate(row)) && isText(source));
+    const QString former = cell(row, criteriacolumn::field)->data(itemrole::storedId).toString();
+    // A value means nothing to another field, unless it was typed and is typed there as well.
+    const bool keepValue = former == field || (isTyped(former, valueDelegate(row)) && isTyped(field, source));
     cell(row, criteriacolumn::field)->setData(itemrole::storedId, field);
     replaceValueDelegate(row, source);
     if (!keepValue)

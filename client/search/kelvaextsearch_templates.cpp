@@ -42,11 +42,16 @@ void KelvaExtSearch::loadSearchDefs()
 {
     m_personalRole = personalRole(m_client->getLoginName());
     QComboBox *box = m_ui->m_SavedSearch;
+    const QStringList records = m_client->getSearches(m_client->getLoginName());
+    if (records.isEmpty() && !m_client->lastError().isEmpty()) {
+        plainbox::critical(this, tr("Error"),
+                           tr("The saved searches could not be loaded: %1").arg(m_client->lastError()));
+        return; // with the ones that are known
+    }
     disconnect(box, SIGNAL(currentTextChanged(QString)), this, SLOT(reloadSearch(QString)));
     box->clear();
     box->addItem(QString());
     box->setItemData(0, 0, itemrole::rawValue);
-    const QStringList records = m_client->getSearches(m_client->getLoginName());
     QList<SearchTemplate> searches;
     for (const QString &record : records) {
         const SearchTemplate search = SearchTemplate::parse(record);
@@ -79,21 +84,31 @@ QStandardItem *KelvaExtSearch::getCurrentFilter() const
     return m_filterModel->searchItem(m_ui->m_SavedSearch->currentData(itemrole::storedId).toString());
 }
 
-/// Shows it anew even when it is the one that is shown.
-void KelvaExtSearch::selectSearch(const QString &name)
+void KelvaExtSearch::selectEntry(const QString &id)
+{
+    const QSignalBlocker blocker(m_ui->m_SavedSearch);
+    const int entry = m_ui->m_SavedSearch->findData(id, itemrole::storedId);
+    if (entry > 0)
+        m_ui->m_SavedSearch->setCurrentIndex(entry);
+}
+
+void KelvaExtSearch::showNone()
 {
     {
         const QSignalBlocker blocker(m_ui->m_SavedSearch);
         m_ui->m_SavedSearch->setCurrentIndex(0);
     }
-    reloadSearch(name);
+    reloadSearch(QString());
 }
 
 void KelvaExtSearch::reloadSearch(const QString &name)
 {
     clearSearch();
-    // Of several with one name it is the first: names are all there is to go by.
-    const int entry = qMax(0, m_ui->m_SavedSearch->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive));
+    // Of several with one name the first, unless another one of them is selected.
+    const int entry =
+        m_ui->m_SavedSearch->currentText() == name
+            ? m_ui->m_SavedSearch->currentIndex()
+            : qMax(0, m_ui->m_SavedSearch->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive));
     {
         const QSignalBlocker blocker(m_ui->m_SavedSearch);
         m_ui->m_SavedSearch->setCurrentIndex(entry);
@@ -134,6 +149,8 @@ void KelvaExtSearch::loadRow(const TemplateRow &criteria)
         return;
     }
     makeOrRow(row, op, displayText);
+    if (row == 0)
+        addButtons(row); // no row above it takes it along when it is removed
     if (row > 0 && !isOrRow(row - 1))
         fixHead(row - 1);
 }
@@ -180,10 +197,8 @@ void KelvaExtSearch::saveSearch()
 {
     if (!checkCriteria())
         return;
-    bool accepted = false;
-    const QString name = QInputDialog::getText(this, tr("Save search"), tr("Name"), QLineEdit::Normal,
-                                               tr("New search"), &accepted);
-    if (!accepted || name.isEmpty())
+    const QString name = askName();
+    if (name.isEmpty())
         return;
     if (!m_client->saveSearch(name, writeTemplateRows(templateRows()), rolesToSave())) {
         plainbox::critical(this, tr("Error"),
@@ -191,7 +206,27 @@ void KelvaExtSearch::saveSearch()
         return;
     }
     loadSearchDefs();
-    selectSearch(name);
+    // The criteria stay where they are if the service should know the search by another name.
+    if (m_ui->m_SavedSearch->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive) > 0)
+        reloadSearch(name);
+}
+
+/// A name that no stored search in the list has, as the service stores it; empty when the user gives up.
+QString KelvaExtSearch::askName()
+{
+    constexpr int longest = 254;
+    QString name = tr("New search");
+    for (;;) {
+        bool accepted = false;
+        const QString typed =
+            QInputDialog::getText(this, tr("Save search"), tr("Name"), QLineEdit::Normal, name, &accepted);
+        name = typed.simplified().left(longest).trimmed();
+        if (!accepted || name.isEmpty())
+            return QString();
+        if (m_ui->m_SavedSearch->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive) < 0)
+            return name;
+        plainbox::information(this, tr("Save search"), tr("There is a search of this name already."));
+    }
 }
 
 void KelvaExtSearch::updateSearch()
@@ -203,15 +238,16 @@ void KelvaExtSearch::updateSearch()
     if (!checkCriteria())
         return;
     const QString name = m_ui->m_SavedSearch->currentText();
-    if (!m_client->updateSearch(m_ui->m_SavedSearch->currentData(itemrole::storedId).toInt(), name,
-                                writeTemplateRows(templateRows()), rolesToSave())) {
+    const QString id = m_ui->m_SavedSearch->currentData(itemrole::storedId).toString();
+    if (!m_client->updateSearch(id.toInt(), name, writeTemplateRows(templateRows()), rolesToSave())) {
         // "serach" is how this message is known.
         plainbox::critical(this, tr("Error"),
                            tr("The serach could not be saved: %1").arg(m_client->lastMessage()));
         return;
     }
     loadSearchDefs();
-    selectSearch(name);
+    selectEntry(id);
+    reloadSearch(name);
 }
 
 void KelvaExtSearch::deleteSearch()

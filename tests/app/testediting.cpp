@@ -3,6 +3,8 @@
 #include "support/kelvatest.h"
 
 #include "documents/itemroles.h"
+#include "folders/kelvadoctree.h"
+#include "folders/kelvafolderview.h"
 
 #include <QCalendarWidget>
 #include <QLineEdit>
@@ -149,6 +151,51 @@ private slots:
         QTRY_COMPARE(stored(), QString("1.1|Typed|1|1.1.1|1|2024-03-05|||0"));
         QCOMPARE(workplace.column(2), QStringList("Typed"));
         QTRY_VERIFY(!table->findChild<QLineEdit *>());
+    }
+
+    void documentsAreDroppedOnFoldersAndStatusValues_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<QString>("first"); // what becomes of the first, and of the read-only second
+        kelvatest::row("folder", "1.2", "1.2|Invoice|1|1.2|1|2024-03-05|||0");
+        kelvatest::row("status", "0.3", "1.1|Invoice|3|1.1.1|1|2024-03-05|||0");
+        kelvatest::row("resubmission", "0.2", "1.1|Invoice|2|1.1.1|1|2024-03-05|2030-01-01||0");
+        kelvatest::row("resubmission without a date", "0.2", unchanged());
+        kelvatest::row("resubmission of what was changed", "0.2", "1.1|Theirs|1|1.1.1|1|2024-03-05|||0");
+    }
+
+    void documentsAreDroppedOnFoldersAndStatusValues()
+    {
+        QFETCH(QString, target);
+        const QString tag = QTest::currentDataTag();
+        FakeArchive &archive = FakeArchive::instance();
+        archive.addDocument("Letter", "1.1.1", "1");
+        archive.documents[2].rights.clear();
+        const QStringList readOnly = archive.documents[2].fields;
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        DialogScript script;
+        if (target == "0.2")
+            script.expectDialog("Resubmit documents at...", !tag.endsWith("without a date"),
+                                [](QWidget *dialog) {
+                                    dialog->findChild<QCalendarWidget *>()->setSelectedDate({2030, 1, 1});
+                                });
+        if (tag.endsWith("was changed")) {
+            archive.documents[1].fields[2] = "Theirs";
+            archive.documents[1].fields[4] = "1_99";
+            script.expectBox("Warning", "processed in the meantime");
+            script.expectBox("Error", "Resubmission could not be set");
+        }
+        const char *signal = target.startsWith('0') ? "updateStatus" : "newDocumentFolders";
+        QObject *sender = workplace.window->findChild<QObject *>("m_twStatus");
+        if (!target.startsWith('0'))
+            sender = workplace.window->findChild<KelvaFolderView *>("m_tWOrdner")->model();
+        QVERIFY(QMetaObject::invokeMethod(sender, signal, Q_ARG(QStringList, QStringList({"1", "2"})),
+                                          Q_ARG(QString, target)));
+        QCOMPARE(script.problems(), QString());
+        QTEST(stored(), "first");
+        QCOMPARE(archive.documents[2].fields, readOnly);
+        QCOMPARE(workplace.column(2).contains(stored().section('|', 1, 1)), true); // refreshed
     }
 
     void aRefreshKeepsWhatIsBeingTyped()

@@ -5,6 +5,7 @@
 #include "search/kelvafilters.h"
 
 #include <QComboBox>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTableWidget>
 
@@ -93,6 +94,45 @@ private slots:
         activate("global filters", QString());
         QCOMPARE(lastQuery(), QStringList({"1=1", "OPT:LIMIT;100"}));
         QCOMPARE(active(), QStringList());
+    }
+
+    void ofTwoFiltersOfOneNameTheChosenOneIsApplied()
+    {
+        FakeArchive::instance().searches.insert(
+            3, {"Mine", FakeArchive::searchContent("Description/ilike/invoice/"), "kelvaUSER"});
+        m_workplace->action("action_ReloadAll")->trigger();
+        activate("global filters", "Mine");
+        QCOMPARE(lastQuery().first(), QString("bemerkung::varchar ilike '%invoice%'::varchar AND  1 = 1 "));
+        activate("personal filters", "Mine");
+        QCOMPARE(lastQuery().first(), QString("bemerkung::varchar ilike '%letter%'::varchar AND  1 = 1 "));
+    }
+
+    void aFilterThatFailsLeavesNothingActive()
+    {
+        activate("personal filters", "Mine");
+        FakeArchive::instance().failNext("searchDocuments", "no");
+        DialogScript script;
+        script.expectBox("Error", "no");
+        activate("global filters", "Ours");
+        QCOMPARE(script.problems(), QString());
+        QCOMPARE(lastQuery(), QStringList({"1=1", "OPT:LIMIT;100"}));
+        QCOMPARE(active(), QStringList());
+        QVERIFY(!button("m_bClearSuchen")->isEnabled());
+    }
+
+    void theSearchButtonTakesWhatIsBeingTyped()
+    {
+        chooseColumn("bemerkung");
+        QVERIFY(QTest::qWaitForWindowActive(m_workplace->window.get()));
+        cell()->editItem(cell()->item(0, 0));
+        auto *editor = cell()->findChild<QLineEdit *>();
+        QVERIFY(editor);
+        editor->setFocus();
+        QTest::keyClicks(editor, "letter");
+        const int queries = FakeArchive::instance().queries.size();
+        button("m_bSuchen")->click();
+        QCOMPARE(lastQuery().first(), QString("to_tsvector(bemerkung) @@ to_tsquery('letter')"));
+        QCOMPARE(FakeArchive::instance().queries.size(), queries + 1);
     }
 
     void editingStartsFromTheActiveFilter()

@@ -42,8 +42,10 @@ private slots:
         same("number", "attr9", "12.5", Editor::NumericLine, "attr9 = 12.5");
         same("number of the locale", "attr9", "12,5", Editor::NumericLine, "attr9 = 12.5");
         same("whole number as the table shows it", "attr9", "12,", Editor::NumericLine, "attr9 = 12");
-        kelvatest::row("nearly a number", "attr9", "1e5", Editor::NumericLine,
-                       "to_tsvector(attr9) @@ to_tsquery('1e5')", "attr9 like '%1e5%'");
+        same("number without its nought", "attr9", "-,5", Editor::NumericLine, "attr9 = -0.5");
+        same("number with an exponent", "attr9", "1e5", Editor::NumericLine, "attr9 = 100000");
+        kelvatest::row("nearly a number", "attr9", "inf", Editor::NumericLine,
+                       "to_tsvector(attr9) @@ to_tsquery('inf')", "attr9 like '%inf%'");
         same("no number", "attr9", "", Editor::NumericLine, "attr9 is null");
         kelvatest::row("words, one of them a beginning", "bemerkung", "inv* 2015", Editor::Line,
                        "to_tsvector(bemerkung) @@ to_tsquery('inv:* & 2015')",

@@ -15,7 +15,11 @@ bool matches(const QString &clause, const FakeDocument &document, bool &known)
     static const QRegularExpression folder("^\\(folder = '([^']*)' OR folder like '[^']*'\\)$");
     static const QRegularExpression status("^\\(status = (-?\\d+)\\)$");
     static const QRegularExpression docid("^docid = (\\d+)$");
-    auto match = folder.match(clause);
+    static const QRegularExpression records("^docs_id in \\(([0-9,]+)\\)$");
+    auto match = records.match(clause);
+    if (match.hasMatch())
+        return match.captured(1).split(',').contains(document.fields.at(0).section('#', 1, 1));
+    match = folder.match(clause);
     if (match.hasMatch())
         return document.fields.at(5) == match.captured(1) ||
                document.fields.at(5).startsWith(match.captured(1) + '.');

@@ -150,6 +150,43 @@ private slots:
         QCOMPARE(panel.view->currentOid(), QString("2"));
     }
 
+    void theBarIsWorkedByKeys_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QString>("outcome"); // folder from 1.1 on, open or closed, what was told
+        kelvatest::row("confirm", int(Qt::Key_Return), "1.1 closed confirm");
+        kelvatest::row("confirm on the number pad", int(Qt::Key_Enter), "1.1 closed confirm");
+        kelvatest::row("confirm by a page", int(Qt::Key_PageDown), "1.1 closed confirm");
+        kelvatest::row("cancel", int(Qt::Key_Escape), "-1 closed cancel");
+        kelvatest::row("next, past an inactive folder", int(Qt::Key_F3), "2 open next");
+        kelvatest::row("down", int(Qt::Key_Down), "1.2 open ");
+        kelvatest::row("up", int(Qt::Key_Up), "1 open ");
+        kelvatest::row("to the cancel button and press it", int(Qt::Key_Tab), "-1 closed cancel");
+    }
+
+    void theBarIsWorkedByKeys()
+    {
+        QFETCH(int, key);
+        Panel panel;
+        panel.window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&panel.window));
+        panel.view->showSearchDlg("inv");
+        panel.view->expandAll();
+        panel.view->setCurrentIndex(panel.tree.indexFromItem(panel.tree.findItem("1.1")));
+        QTRY_VERIFY(panel.input->hasFocus());
+        QStringList told;
+        connect(panel.bar, &KelvaSearchDlg::updateFolder, this, [&] { told << "confirm"; });
+        connect(panel.bar, &KelvaSearchDlg::resetFolder, this, [&] { told << "cancel"; });
+        connect(panel.bar, &KelvaSearchDlg::nextSearch, this, [&] { told << "next"; });
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key(key));
+        if (key == Qt::Key_Tab)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        const bool open = panel.bar->isVisible();
+        QTEST(panel.view->currentOid() + (open ? " open " : " closed ") + told.join(','), "outcome");
+        QCOMPARE(QApplication::focusWidget(),
+                 open ? static_cast<QWidget *>(panel.input) : static_cast<QWidget *>(panel.view));
+    }
+
     void foldersComeAndGo()
     {
         Panel panel;

@@ -10,6 +10,7 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QWheelEvent>
 
 namespace {
 
@@ -41,6 +42,26 @@ private slots:
         const QString hostile = QString("a") + QChar(0xFEFF) + QChar(0xFFFD) + QChar(0xFFFC) + "b";
         QCOMPARE(writeTemplateRows({{"Kind", "=", hostile, QString()}}),
                  FakeArchive::searchContent("Kind/=/ab/"));
+    }
+
+    void whatIsTypedOverAStoredValueCounts()
+    {
+        // A choice that has become a text since it was stored.
+        FakeArchive::instance().searches.insert(
+            4, {"Mine", FakeArchive::searchContent("Description/=/shown/hidden"), "r_anna"});
+        ExtSearchFixture search;
+        search.connectClient();
+        search.dialog->reloadSearch("Mine");
+        QVERIFY(search.dialog->getFilter().contains("'hidden'"));
+        search.table()->item(0, 2)->setText("typed");
+        QVERIFY(search.dialog->getFilter().contains("'typed'"));
+        search.choose(0, 0, "full text");
+        QCOMPARE(search.rows(), QString("full text/search for/typed"));
+        QWheelEvent wheel(QPointF(5, 5), QPointF(5, 5), QPoint(), QPoint(0, 120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(search.editor(0, 0), &wheel);
+        QCoreApplication::sendEvent(search.savedSearches(), &wheel);
+        QCOMPARE(search.rows(), QString("full text/search for/typed"));
     }
 
     void aStoredSearchIsShown_data()

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 
 #include <csignal>
+#include <functional>
 
 #include <sqlite3.h>
 #include <sys/wait.h>
@@ -356,6 +357,36 @@ private slots:
         QCOMPARE(database->integrityFaults(), QStringList());
         database->run("INSERT INTO words_bemerkung(rowid, bemerkung) VALUES(1, 'ghost')");
         QVERIFY(!database->integrityFaults().isEmpty());
+    }
+
+    void aStatementThatTakesTooLongIsStopped()
+    {
+        const auto database = create();
+        const QString upTo = QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                                            "WHERE i < %1) SELECT sum(i) FROM n");
+        const QString endless = upTo.arg(QStringLiteral("1e18"));
+        const auto codeAfter = [&](const std::function<void()> &work) {
+            Transaction reading(*database, Transaction::Kind::Read);
+            const TimeLimit limit(*database, shortWaitMs);
+            work();
+            const Result<void> done = reading.commit();
+            return done ? ErrorCode::NotAvailable : done.error().code;
+        };
+        QCOMPARE(codeAfter([&] { database->value(endless); }), ErrorCode::TooSlow);
+        QCOMPARE(codeAfter([&] { database->numbers(endless); }), ErrorCode::TooSlow);
+        // Steps that are used up before are no failure, and leave the limit in force for the next statement.
+        QCOMPARE(codeAfter([&] {
+                     QVERIFY(!database->numbersWithin(20'000, endless, {}));
+                     QVERIFY(database->numbersWithin(100'000, upTo.arg(10), {}) == QVector<qint64>{55});
+                 }),
+                 ErrorCode::NotAvailable);
+        QCOMPARE(codeAfter([&] {
+                     QVERIFY(!database->numbersWithin(20'000, endless, {}));
+                     database->value(endless);
+                 }),
+                 ErrorCode::TooSlow);
+        QCOMPARE(database->value(upTo.arg(1'000'000)).toLongLong(), 500'000'500'000);
+        QVERIFY(!database->failed());
     }
 
     void passwordsAreSaltedAndCompared()

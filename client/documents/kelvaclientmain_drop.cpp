@@ -1,0 +1,96 @@
+#include "app/kelvaclientmain.h"
+
+#include "documents/classificationedit.h"
+#include "documents/documentcolumns.h"
+#include "documents/kelvacalendar.h"
+#include "documents/kelvatrashbutton.h"
+#include "search/kelvastatusbarext.h"
+#include "server/classifyinterface.h"
+#include "server/plainbox.h"
+#include "server/recordformat.h"
+
+#include <QHoverEvent>
+#include <QProgressDialog>
+
+namespace edit = classificationedit;
+
+namespace {
+
+const char resubmissionNode[] = "0.2";
+
+} // namespace
+
+void KelvaClientMain::updateDocAfterDrop(const QString &docId, const QString &value)
+{
+    if (edit::isStatusNode(value))
+        updateStatus(docId, edit::statusOfNode(value), false);
+    else
+        updateDocFolder(docId, value, false);
+    // The tree takes back the highlight of the drop when the pointer seems to move.
+    const QPointF pointer = m_tWOrdner->viewport()->mapFromGlobal(QCursor::pos());
+    QCoreApplication::postEvent(m_tWOrdner->viewport(),
+                                new QHoverEvent(QEvent::HoverLeave, pointer, pointer));
+}
+
+void KelvaClientMain::updateDocsAfterDrop(const QStringList &docIds, const QString &folder)
+{
+    if (statusBarExt->getTrashButton()->isChecked())
+        return;
+    QString date;
+    if (folder == resubmissionNode) {
+        KelvaCalendar calendar(this, true, false);
+        calendar.setExtended(false);
+        calendar.setWindowTitle(tr("Resubmit documents at..."));
+        if (calendar.exec() != QDialog::Accepted || !calendar.selectedDate().isValid()) {
+            updateDocuments({});
+            return;
+        }
+        date = calendar.selectedDate().toString("yyyy-MM-dd");
+    }
+    QProgressDialog progress(tr("Classifying documents..."), tr("Cancel"), 0, docIds.size(), this);
+    progress.setWindowModality(Qt::WindowModal);
+    QStringList rows = classifyClient->getDocuments(
+        {"docs_id in (" + docIds.join(',') + ")", QString("OPT:LIMIT;%1").arg(docIds.size() + 1)});
+    if (!rows.isEmpty())
+        rows.removeFirst(); // the header
+    QStringList handled;
+    for (const QString &row : qAsConst(rows)) {
+        QCoreApplication::processEvents();
+        if (progress.wasCanceled())
+            break;
+        if (!classifyDropped(row, folder, date, progress, handled))
+            break;
+        progress.setValue(progress.value() + 1);
+        QCoreApplication::processEvents();
+    }
+    progress.hide();
+    updateDocuments(handled);
+}
+
+/// One row of getDocuments(). False ends the whole, after a word to the user.
+bool KelvaClientMain::classifyDropped(const QString &row, const QString &folder, const QString &date,
+                                      QProgressDialog &progress, QStringList &handled)
+{
+    const auto giveUp = [&](const QString &text) {
+        progress.hide();
+        plainbox::critical(this, tr("Error"), text);
+        return false;
+    };
+    if (row.isEmpty())
+        return giveUp(tr("The document data could not be read."));
+    QStringList fields = row.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
+    if (!fields.last().contains('W'))
+        return true;
+    const QString id = fields.takeFirst().section(recordformat::documentIdSeparator, 1, 1);
+    handled << id;
+    if (date.isEmpty()) {
+        updateDocAfterDrop(id, folder);
+        return true;
+    }
+    if (checkIfChanged(fields.value(edit::version), id))
+        return giveUp(tr("Resubmission could not be set, the document was changed in the meantime!"));
+    edit::setStatus(fields, documentstatus::resubmission, date);
+    if (!classifyClient->saveDocument(id, fields))
+        return giveUp(tr("The document could not be classified: ") + classifyClient->lastError());
+    return true;
+}

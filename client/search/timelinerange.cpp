@@ -1,0 +1,36 @@
+#include "search/timelinerange.h"
+
+#include "search/dateinterval.h"
+
+#include <utility>
+
+namespace {
+
+constexpr int marginYears = 5;
+const QString dateFormat = QStringLiteral("yyyy-MM-dd");
+
+} // namespace
+
+TimelineRange TimelineRange::around(const QStringList &dates, const QDate &today)
+{
+    QDate oldest = QDate::fromString(dates.value(0), dateFormat);
+    QDate newest = QDate::fromString(dates.value(1), dateFormat);
+    if (!oldest.isValid() || !newest.isValid())
+        oldest = newest = today;
+    if (newest < oldest)
+        std::swap(oldest, newest);
+    return {oldest.addYears(-marginYears), newest.addYears(marginYears)};
+}
+
+Span TimelineRange::span(const QDate &from, const QDate &to) const
+{
+    return {int(first.daysTo(from)), days() - int(to.daysTo(last))};
+}
+
+QDate restoredDate(const QString &date, const QString &interval, const QDate &today)
+{
+    const auto dynamic = DateInterval::parse(interval);
+    if (dynamic && dynamic->isActive)
+        return dynamic->date(today);
+    return QDate::fromString(date, dateFormat);
+}

@@ -1,0 +1,128 @@
+#include "app/workplace.h"
+#include "support/kelvatest.h"
+
+#include "app/kelvachangepass.h"
+#include "documents/kelvacalendar.h"
+#include "folders/kelvadocpicchooser.h"
+#include "folders/kelvanewfolder.h"
+#include "server/kelvalogindialog.h"
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QCalendarWidget>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSettings>
+#include <QSlider>
+#include <QTextEdit>
+
+namespace {
+
+/// Parts that a widget of the toolkit makes of its own.
+bool isInner(const QWidget *widget)
+{
+    const QWidget *parent = widget->parentWidget();
+    return widget->objectName().startsWith("qt_") || qobject_cast<const QHeaderView *>(widget) ||
+           qobject_cast<const QAbstractSpinBox *>(parent) || qobject_cast<const QComboBox *>(parent) ||
+           qobject_cast<const QLineEdit *>(parent) || parent->inherits("QComboBoxPrivateContainer") ||
+           widget->inherits("QTableCornerButton") || parent->objectName() == "qt_calendar_navigationbar";
+}
+
+bool isEditor(const QWidget *widget)
+{
+    return qobject_cast<const QLineEdit *>(widget) || qobject_cast<const QTextEdit *>(widget) ||
+           widget->inherits("QPlainTextEdit") || qobject_cast<const QAbstractSpinBox *>(widget) ||
+           qobject_cast<const QComboBox *>(widget) || qobject_cast<const QSlider *>(widget) ||
+           qobject_cast<const QCalendarWidget *>(widget) || widget->inherits("QAbstractItemView");
+}
+
+/// Names of the editors and of the buttons without text that a screen reader cannot tell apart.
+QStringList nameless(const QWidget *window)
+{
+    QSet<const QWidget *> labelled;
+    for (const QLabel *label : window->findChildren<QLabel *>())
+        if (label->buddy() && !label->text().isEmpty())
+            labelled.insert(label->buddy());
+    QStringList names;
+    for (const QWidget *widget : window->findChildren<QWidget *>()) {
+        const auto *button = qobject_cast<const QAbstractButton *>(widget);
+        const bool needsName = button ? button->text().isEmpty() : isEditor(widget);
+        if (needsName && !isInner(widget) && widget->accessibleName().isEmpty() && !labelled.contains(widget))
+            names << QString("%1 %2").arg(widget->metaObject()->className(), widget->objectName());
+    }
+    return names;
+}
+
+using MakeWindow = std::function<std::unique_ptr<QWidget>()>;
+
+} // namespace
+Q_DECLARE_METATYPE(MakeWindow)
+
+class TestAccessibility : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QCoreApplication::setApplicationName("kelvaclient");
+        QCoreApplication::setOrganizationName("Norbant GmbH");
+    }
+
+    void aControlWithoutNameIsFound()
+    {
+        QWidget window;
+        auto *edit = new QLineEdit(&window);
+        (new QAbstractSpinBox(&window))->setAccessibleName("Size");
+        auto *label = new QLabel("Name", &window);
+        QCOMPARE(nameless(&window), QStringList("QLineEdit "));
+        label->setBuddy(edit);
+        QCOMPARE(nameless(&window), QStringList());
+    }
+
+    void theMainWindow()
+    {
+        FakeArchive::instance().reset();
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        QCOMPARE(nameless(workplace.window.get()).join(", "), QString());
+        // Tab goes through the panels from left to right, and inside each from top to bottom.
+        const QStringList panels{"m_currentSubArchiv", "m_tWOrdner",     "m_twStatus",   "m_treeSearch",
+                                 "m_SearchCombo",      "m_SearchString", "m_bSuchen",    "m_infoView",
+                                 "m_timeLine",         "m_fromDate",     "m_spanslider", "m_toDate",
+                                 "m_showUnread",       "m_maxSearchBox", "m_bTrash"};
+        QStringList order;
+        const QWidget *const start = workplace.window->findChild<QWidget *>(panels.first());
+        const QWidget *widget = start;
+        do {
+            if (panels.contains(widget->objectName()) && widget->focusPolicy() & Qt::TabFocus)
+                order << widget->objectName();
+            widget = widget->nextInFocusChain();
+        } while (widget != start);
+        QCOMPARE(order, panels);
+    }
+
+    void dialogs_data()
+    {
+        QTest::addColumn<MakeWindow>("make");
+        kelvatest::row("password", MakeWindow([] { return std::make_unique<KelvaChangePass>(nullptr); }));
+        kelvatest::row("login",
+                       MakeWindow([] { return std::make_unique<kelvaLoginDialog>(nullptr, false); }));
+        kelvatest::row("date",
+                       MakeWindow([] { return std::make_unique<KelvaCalendar>(nullptr, false, true); }));
+        kelvatest::row("new folder", MakeWindow([] { return std::make_unique<KelvaNewFolder>(nullptr); }));
+        kelvatest::row("picture", MakeWindow([] { return std::make_unique<KelvaDocPicChooser>(nullptr); }));
+    }
+
+    void dialogs()
+    {
+        QFETCH(MakeWindow, make);
+        const std::unique_ptr<QWidget> window = make();
+        QCOMPARE(nameless(window.get()).join(", "), QString());
+    }
+};
+
+KELVA_TEST(TestAccessibility)
+#include "testaccessibility.moc"
