@@ -2,7 +2,6 @@
 
 #include "search/searchclause.h"
 
-/// The texts that leave the client for the service, character for character.
 class TestSearchClause : public QObject
 {
     Q_OBJECT
