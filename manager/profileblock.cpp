@@ -30,7 +30,6 @@ Result<void> ProfileBlock::renew(const Profile &profile)
     auto session = Session::openAsUser(path.value(), profile.user);
     if (!session)
         return session.error();
-    ++m_readings;
     Result<QByteArray> block = workbenchBlock(*session.value());
     if (!block)
         return block.error();

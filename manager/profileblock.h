@@ -22,8 +22,6 @@ public:
     /// Lays the block down as the archive is now, with the rights of the profile's user. Cheap when nothing
     /// was written to the archive since. On failure readers keep what they had.
     Result<void> renew(const Profile &profile);
-    /// How often the archive had to be read.
-    int readings() const { return m_readings; }
 
 private:
     Result<void> publish(const QString &key);
@@ -33,7 +31,6 @@ private:
     QByteArray m_block;
     QString m_path;
     FileStamp m_stamp;
-    int m_readings = 0;
 };
 
 } // namespace kelva

@@ -1,31 +1,16 @@
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
-#include "admin/samplearchive.h"
 #include "service/archive.h"
-#include "service/documentlist.h"
 #include "service/session.h"
 
 #include <QDir>
-#include <QProcess>
 
 namespace {
 
-struct Outcome
+outside::Outcome run(const QStringList &arguments, const QByteArray &input = {})
 {
-    int code = -1;
-    QString output;
-};
-
-/// Runs the real program; the input goes to its standard input.
-Outcome run(const QStringList &arguments, const QString &input = QString())
-{
-    QProcess program;
-    program.setProcessChannelMode(QProcess::MergedChannels);
-    program.start(KELVAADMIN, arguments);
-    program.write(input.toUtf8());
-    program.closeWriteChannel();
-    program.waitForFinished(60000);
-    return {program.exitCode(), QString::fromUtf8(program.readAll())};
+    return outside::run(KELVAADMIN, arguments, input);
 }
 
 QString home(const QString &name)
@@ -36,26 +21,6 @@ QString home(const QString &name)
 bool canLogIn(const QString &path, const QString &user, const QString &password)
 {
     return kelva::Session::login(path, user, password).ok();
-}
-
-QStringList rows(const QString &path, const QString &user)
-{
-    auto session = kelva::Session::openAsUser(path, user);
-    if (!session)
-        return {};
-    const auto list = kelva::listDocuments(*session.value(), {"1=1"});
-    return list ? list.value() : QStringList();
-}
-
-kelva::SampleOptions sample(const QString &path, quint32 seed)
-{
-    kelva::SampleOptions options;
-    options.path = path;
-    options.documents = 80;
-    options.files = 20;
-    options.seed = seed;
-    options.today = QDate(2024, 3, 5);
-    return options;
 }
 
 } // namespace
@@ -95,9 +60,7 @@ private slots:
         QVERIFY(canLogIn(home("12.kelva"), "chief", "first"));
         QCOMPARE(run({"restore", home("12.backup"), "12"}).code, 0);
         QVERIFY(canLogIn(home("12.kelva.before-restore"), "chief", "second")); // what the first one kept
-        QFile damaged(home("13.kelva"));
-        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write(QByteArray(5000, 'x')) == 5000);
-        damaged.close();
+        outside::write(home("13.kelva"), QByteArray(5000, 'x'));
         QCOMPARE(run({"check", "13"}).code, 1);
         QCOMPARE(run({"restore", home("13.kelva"), "12"}).code, 1);
         QCOMPARE(run({"check", "12"}).code, 0);
@@ -105,50 +68,24 @@ private slots:
 
     void theTextsOfAllFilesAreTaken()
     {
-        const auto made = kelva::createSampleArchive(sample(home("15.kelva"), 1), [](int) {});
-        QVERIFY(made.ok());
-        const Outcome first = run({"index", "15"});
-        QCOMPARE(first.output, QStringLiteral("20 done, 0 failed.\n"));
+        QCOMPARE(run({"sample", "15", "--documents", "20"}).code, 0);
+        const outside::Outcome first = run({"index", "15"});
+        QCOMPARE(first.output, QString("20 done, 0 failed.\n"));
         QCOMPARE(first.code, 0);
-        QCOMPARE(run({"index", "15"}).output, QStringLiteral("0 done, 0 failed.\n"));
+        QCOMPARE(run({"index", "15"}).output, QString("0 done, 0 failed.\n"));
         QCOMPARE(run({"index", "16"}).code, 1);
-    }
-
-    void wrongCommandLines_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("nothing") << QStringList();
-        QTest::newRow("unknown command") << QStringList{"frobnicate", "1"};
-        QTest::newRow("a word too few") << QStringList{"add-user", "1"};
-        QTest::newRow("a word too many") << QStringList{"check", "1", "2"};
-        QTest::newRow("unknown option") << QStringList{"check", "1", "--fast"};
-        QTest::newRow("a count that is none") << QStringList{"sample", "14", "--documents", "many"};
-        QTest::newRow("a negative count") << QStringList{"sample", "14", "--documents", "-5"};
     }
 
     void wrongCommandLines()
     {
-        QFETCH(QStringList, arguments);
-        const Outcome outcome = run(arguments);
-        QCOMPARE(outcome.code, 2);
-        QVERIFY(outcome.output.startsWith("kelvaadmin: "));
+        for (const QStringList &arguments :
+             {QStringList(), QStringList{"frobnicate", "1"}, QStringList{"add-user", "1"},
+              QStringList{"check", "1", "--fast"}, QStringList{"sample", "14", "--documents", "many"}}) {
+            const outside::Outcome outcome = run(arguments);
+            QCOMPARE(outcome.code, 2);
+            QVERIFY(outcome.errors.startsWith("kelvaadmin: "));
+        }
         QVERIFY(!QFile::exists(home("14.kelva")));
-    }
-
-    void oneSeedMakesOneArchive()
-    {
-        const auto make = [](const QString &name, quint32 seed) {
-            const auto made = kelva::createSampleArchive(sample(home(name), seed), [](int) {});
-            return made ? rows(home(name), "admin") : QStringList(made.error().text);
-        };
-        const QStringList first = make("a.kelva", 5);
-        QVERIFY(first.size() > 70);
-        QCOMPARE(make("b.kelva", 5), first);
-        QVERIFY(make("c.kelva", 6) != first);
-        const auto faults = kelva::archive::check(home("a.kelva"));
-        QVERIFY(faults && faults.value().isEmpty());
-        // Its users see different parts of it.
-        QVERIFY(rows(home("a.kelva"), "obrien").size() < rows(home("a.kelva"), "krause").size());
     }
 };
 

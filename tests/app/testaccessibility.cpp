@@ -14,7 +14,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QSettings>
 #include <QSlider>
 #include <QTextEdit>
 
@@ -65,11 +64,7 @@ class TestAccessibility : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        QCoreApplication::setApplicationName("kelvaclient");
-        QCoreApplication::setOrganizationName("Norbant GmbH");
-    }
+    void init() { Workplace::prepare(); }
 
     void aControlWithoutNameIsFound()
     {
@@ -84,7 +79,6 @@ private slots:
 
     void theMainWindow()
     {
-        FakeArchive::instance().reset();
         Workplace workplace;
         QVERIFY(workplace.start());
         QCOMPARE(nameless(workplace.window.get()).join(", "), QString());

@@ -9,6 +9,7 @@
 #include "server/recordformat.h"
 
 #include <QApplication>
+#include <QSettings>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -18,6 +19,19 @@
 class Workplace
 {
 public:
+    static constexpr char organization[] = "Norbant GmbH";
+    static constexpr char application[] = "kelvaclient";
+
+    /// A fresh fake archive, and no settings yet.
+    static void prepare()
+    {
+        QCoreApplication::setOrganizationName(organization);
+        QCoreApplication::setApplicationName(application);
+        FakeArchive::instance().reset();
+        QSettings(organization, application).clear();
+    }
+    static QSettings settings() { return QSettings(organization, application); }
+
     Workplace()
         : block("kelva_anna_localhost_47117", WorkbenchFixture::block(WorkbenchFixture::vocabulary())),
           window(std::make_unique<KelvaClientMain>())

@@ -95,14 +95,12 @@ ClauseOperand ClauseGenerator::operand()
 QString ClauseGenerator::value()
 {
     static const QStringList values =
-        QString::fromUtf8("|Miete|miete|MIETE Januar|O'Brien|O'|'|''|it's|a' b|x' y' z|"
-                          "100%|%|_|a_b|\\|\"|\"a\" "
-                          "OR|Größe|GRÖßE|straße|ö|Ö|é|日本語文書|\U0001F600é|inv-2015|2015|in|a & b|a && b|"
-                          "NEAR(a b)|*|2014|2014-08-11|2014-8-1|2014-02-30|2014-08-11 "
-                          "12:30|2014-08-11T12:30:00|[HEUTE+7]|[MONAT-1]|"
-                          "[JAHR+1]|[HEUTE+]|[HEUTE-9999999]|x[HEUTE+0]|3.1|3.1.%|3.10|true|f|2|2.0|1e2|inf|"
-                          "nan|0x10|1,5| 12 |12.5|-3|"
-                          "meier|MEIER")
+        QString::fromUtf8(
+            "|Miete|miete|MIETE Januar|O'Brien|O'|'|''|it's|a' b|x' y' z|100%|%|_|a_b|\\|\"|"
+            "\"a\" OR|Größe|GRÖßE|straße|ö|Ö|é|日本語文書|\U0001F600é|inv-2015|2015|in|a & b|"
+            "a && b|NEAR(a b)|*|2014|2014-08-11|2014-8-1|2014-02-30|2014-08-11 12:30|"
+            "2014-08-11T12:30:00|[HEUTE+7]|[MONAT-1]|[JAHR+1]|[HEUTE+]|[HEUTE-9999999]|"
+            "x[HEUTE+0]|3.1|3.1.%|3.10|true|f|2|2.0|1e2|inf|nan|0x10|1,5| 12 |12.5|-3|meier|MEIER")
             .split('|');
     return oneOf(values);
 }

@@ -8,114 +8,73 @@ class TestClauseRefusals : public QObject
 private:
     const ClauseTable m_table;
 
-    QString refusal(const QString &clause) const;
+    QString refusal(const QString &clause) const
+    {
+        const auto condition =
+            kelva::translateClause(clause, m_table.fields(ClauseTable::Indexes::With), m_table.today());
+        if (condition)
+            return "accepted as " + condition.value().sql;
+        return condition.error().code == kelva::ErrorCode::BadInput ? condition.error().text : "another code";
+    }
 
 private slots:
-    void charactersThatAreNoneAreRefused();
-    void refusedWithTheirPlace_data();
-    void refusedWithTheirPlace();
-};
-
-QString TestClauseRefusals::refusal(const QString &clause) const
-{
-    const auto condition =
-        kelva::translateClause(clause, m_table.fields(ClauseTable::Indexes::With), m_table.today());
-    if (condition)
-        return "accepted as " + condition.value().sql;
-    return condition.error().code == kelva::ErrorCode::BadInput ? condition.error().text : "another code";
-}
-
-void TestClauseRefusals::refusedWithTheirPlace_data()
-{
-    QTest::addColumn<QString>("clause");
-    QTest::addColumn<int>("position");
-    QTest::addColumn<QString>("reason");
-    const struct
+    void charactersThatAreNoneAreRefused()
     {
-        const char *clause;
-        int position;
-        const char *reason;
-    } table[] = {
-        {"", 1, "a field or a value is expected, but the end was met"},
-        {"  ", 3, "a field or a value is expected, but the end was met"},
-        {"OR status = '2' AND  1 = 1 ", 1, "a field or a value is expected, but \"OR\" was met"},
-        {"status", 7, "a comparison is expected, but the end was met"},
-        {"docart status = '2' AND  1 = 1 ", 8, "a comparison is expected, but \"status\" was met"},
-        {"changeid = 'a' AND docart status = '2' AND  1 = 1 ", 27,
-         "a comparison is expected, but \"status\" was met"},
-        {"changeid = 'a' AND folder::varchar status = '2'", 36,
-         "a comparison is expected, but \"status\" was met"},
-        {"changeid = 'a' AND docart  1 = 1 ", 28, "a comparison is expected, but \"1\" was met"},
-        {"bemerkung ilike '%a%' AND ", 27, "a field or a value is expected, but the end was met"},
-        {"changeid = 'abc", 12, "the quoted text that begins here does not end"},
-        {"changeid = 'abc' x", 12, "the quoted text that begins here does not end"},
-        {"changeid = O'Brien", 13, "AND, OR or the end is expected, but \"'\" was met"},
-        {"changeid = 'a')", 12, "the quoted text that begins here does not end"},
-        {"status = 2)", 11, "AND, OR or the end is expected, but \")\" was met"},
-        {"(status = 2", 12, "AND, OR or \")\" is expected, but the end was met"},
-        {"(status) = 2", 8, "a comparison is expected, but \")\" was met"},
-        {"status == 2", 9, "a field or a value is expected, but \"=\" was met"},
-        {"status <> 2", 9, "a field or a value is expected, but \">\" was met"},
-        {"status = 2; drop table documents", 11, "AND, OR or the end is expected, but \";\" was met"},
-        {"status = 2 -- x", 12, "AND, OR or the end is expected, but \"-\" was met"},
-        {"status = 2x", 10, "a field or a value is expected, but \"2\" was met"},
-        {"status = 2.", 10, "a field or a value is expected, but \"2\" was met"},
-        {"status = 1,5", 11, "AND, OR or the end is expected, but \",\" was met"},
-        {"status = +1", 10, "a field or a value is expected, but \"+\" was met"},
-        {"status is 2", 11, "NULL is expected, but \"2\" was met"},
-        {"status not = 2", 12, "LIKE, ILIKE or IN is expected, but \"=\" was met"},
-        {"status in ()", 12, "a value is expected, but \")\" was met"},
-        {"status in (1,)", 14, "a value is expected, but \")\" was met"},
-        {"status in (docart)", 12, "a value is expected, but \"docart\" was met"},
-        {"status in (1", 13, "\",\" or \")\" is expected, but the end was met"},
-        {"status::integer = 1", 9, "varchar is expected, but \"integer\" was met"},
-        {"status::varchar::varchar = 1", 16, "a comparison is expected, but \":\" was met"},
-        {"lower(changeid) = 'a'", 6, "a comparison is expected, but \"(\" was met"},
-        {"d.changeid = 'a'", 2, "a comparison is expected, but \".\" was met"},
-        {"to_tsvector(bemerkung) = 'a'", 24, "\"@@\" is expected, but \"=\" was met"},
-        {"to_tsvector(bemerkung) @@ to_tsquery(a)", 38, "a quoted text is expected, but \"a\" was met"},
-        {"to_tsvector(bemerkung) @@ to_tsquery('')", 38,
-         "a word is missing beside \"&\" or the query is empty"},
-        {"to_tsvector(bemerkung) @@ to_tsquery('a &  & b')", 38,
-         "a word is missing beside \"&\" or the query is empty"},
-        {"select = 1", 1, "the field \"select\" is not known"},
-        {"1 = 1 or Attr99 = 'x'", 10, "the field \"Attr99\" is not known"},
-        {"docid = 1 and documents = 1", 15, "the field \"documents\" is not known"},
-        {"docart = 'abc'", 10, "'abc' is no number"},
-        {"docart = ''", 10, "'' is no number"},
-        {"attr9 > '1,5'", 9, "'1,5' is no number"},
-        {"attr9 = '[HEUTE+1]'", 9, "'2014-08-12' is no number"},
-        {"docid in (1, 'x')", 14, "'x' is no number"},
-        {"attr9 = 'nan' or attr9 = 'inf'", 9, "'nan' is no number"},
-        {"attr9 = '1e999'", 9, "'1e999' is no number"},
-        {"trashed = 'maybe'", 11, "'maybe' is neither true nor false"},
-        {"trashed = 1", 1, "trashed cannot be compared with 1"},
-        {"cdate = 5", 1, "cdate cannot be compared with 5"},
-        {"defdate <= '[HEUTE-9999999]'", 12, "the date macro leads out of the calendar"},
-        {"'x' = '[JAHR+99999999999999999999]'", 7, "the date macro leads out of the calendar"},
-        {"changeid = 'a\xef\xbb\xbfz'", 14, "there is a character that no text can hold"},
-    };
-    for (const auto &row : table)
-        QTest::newRow(row.clause) << QString::fromUtf8(row.clause) << row.position << QString(row.reason);
-}
+        const QString expected =
+            "The search condition is wrong at position 14: there is a character that no text can hold.";
+        for (const ushort unit : {0, 0xd800, 0xdc00, 0xfffe, 0xffff})
+            QCOMPARE(refusal("changeid = 'a" + QString(QChar(unit)) + "z'"), expected);
+        QVERIFY(refusal("changeid = 'a\U0001F600z'").startsWith("accepted"));
+    }
 
-void TestClauseRefusals::refusedWithTheirPlace()
-{
-    QFETCH(QString, clause);
-    QFETCH(int, position);
-    QFETCH(QString, reason);
-    QCOMPARE(refusal(clause),
-             QString("The search condition is wrong at position %1: %2.").arg(position).arg(reason));
-}
+    void refusedWithTheirPlace_data()
+    {
+        QTest::addColumn<QString>("clause");
+        QTest::addColumn<int>("position");
+        QTest::addColumn<QString>("reason");
+        const struct
+        {
+            const char *clause;
+            int position;
+            const char *reason;
+        } table[] = {
+            {"", 1, "a field or a value is expected, but the end was met"},
+            {"OR status = '2' AND  1 = 1 ", 1, "a field or a value is expected, but \"OR\" was met"},
+            {"changeid = 'a' AND docart status = '2' AND  1 = 1 ", 27,
+             "a comparison is expected, but \"status\" was met"},
+            {"changeid = 'abc", 12, "the quoted text that begins here does not end"},
+            {"changeid = O'Brien", 13, "AND, OR or the end is expected, but \"'\" was met"},
+            {"status = 2)", 11, "AND, OR or the end is expected, but \")\" was met"},
+            {"(status = 2", 12, "AND, OR or \")\" is expected, but the end was met"},
+            {"status == 2", 9, "a field or a value is expected, but \"=\" was met"},
+            {"status = 2; drop table documents", 11, "AND, OR or the end is expected, but \";\" was met"},
+            {"status in ()", 12, "a value is expected, but \")\" was met"},
+            {"status in (1", 13, "\",\" or \")\" is expected, but the end was met"},
+            {"status::integer = 1", 9, "varchar is expected, but \"integer\" was met"},
+            {"to_tsvector(bemerkung) = 'a'", 24, "\"@@\" is expected, but \"=\" was met"},
+            {"to_tsvector(bemerkung) @@ to_tsquery(a)", 38, "a quoted text is expected, but \"a\" was met"},
+            {"to_tsvector(bemerkung) @@ to_tsquery('a &  & b')", 38,
+             "a word is missing beside \"&\" or the query is empty"},
+            {"docart = 'abc'", 10, "'abc' is no number"},
+            {"attr9 = 'nan' or attr9 = 'inf'", 9, "'nan' is no number"},
+            {"trashed = 'maybe'", 11, "'maybe' is neither true nor false"},
+            {"trashed = 1", 1, "trashed cannot be compared with 1"},
+            {"defdate <= '[HEUTE-9999999]'", 12, "the date macro leads out of the calendar"},
+            {"changeid = 'a\xef\xbb\xbfz'", 14, "there is a character that no text can hold"},
+        };
+        for (const auto &row : table)
+            QTest::newRow(row.clause) << QString::fromUtf8(row.clause) << row.position << QString(row.reason);
+    }
 
-void TestClauseRefusals::charactersThatAreNoneAreRefused()
-{
-    const QString expected =
-        "The search condition is wrong at position 14: there is a character that no text can hold.";
-    for (const ushort unit : {0, 0xd800, 0xdc00, 0xfffe, 0xffff})
-        QCOMPARE(refusal("changeid = 'a" + QString(QChar(unit)) + "z'"), expected);
-    QVERIFY(refusal("changeid = 'a\U0001F600z'").startsWith("accepted"));
-}
+    void refusedWithTheirPlace()
+    {
+        QFETCH(QString, clause);
+        QFETCH(int, position);
+        QFETCH(QString, reason);
+        QCOMPARE(refusal(clause),
+                 QString("The search condition is wrong at position %1: %2.").arg(position).arg(reason));
+    }
+};
 
 KELVA_TEST(TestClauseRefusals)
 #include "testclauserefusals.moc"

@@ -1,5 +1,6 @@
 #include "fakes/fakearchive.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "server/classifyinterface.h"
 #include "server/kelvaarchiveclientinterface.h"
@@ -7,7 +8,6 @@
 #include "service/archive.h"
 #include "service/bulkload.h"
 #include "service/session.h"
-#include "service/users.h"
 
 #include <QDirIterator>
 #include <QPluginLoader>
@@ -95,21 +95,214 @@ private slots:
         m_content.reset();
     }
 
-    void sessionsBeginWithAPassword();
-    void settingsKnowWhatTheyDoNotHold();
-    void listsHaveAHeaderAndRights();
-    void filtersNarrowTheList();
-    void aRecordIsARowAsAList();
-    void aStaleTokenIsRefused();
-    void countsAreNegativeOnFailure();
-    void trashHidesAndGivesBack();
-    void searchesAreKeptWithTheirRoles();
-    void contentAnswersForDocuments();
-    void filesComeBackAsTheyWent();
-    void aNewVersionKeepsItsId();
-    void aCancelledTransferLeavesNothing();
-    void oneTransferAtATime();
-    void whatCannotBeMovedIsRefused();
+    void sessionsBeginWithAPassword()
+    {
+        QVERIFY(!m_client->getConnectionMode().startsWith("Offline"));
+        QVERIFY(!m_client->connectClient("localhost", archiveNumber, "anna", "wrong"));
+        QVERIFY(!m_client->lastMessage().isEmpty());
+        QCOMPARE(m_client->lastMessage(), m_client->lastError());
+        login();
+        QVERIFY(m_client->getUserRights().contains("kelvaADMIN"));
+        QVERIFY(m_client->getUserRights().contains("r_anna"));
+        QStringList archives{"left from before"};
+        m_client->getArchiveList(archives);
+        QCOMPARE(archives, QStringList(QString("Main archive") + recordformat::fieldSeparator + "1"));
+        m_client->disconnectClient();
+    }
+
+    void listsHaveAHeaderAndRights()
+    {
+        login();
+        const QStringList rows = m_client->getDocuments({"1=1", "OPT:LIMIT;100"});
+        QCOMPARE(rows.size(), 3);
+        const int fields = rows.first().split(recordformat::fieldSeparator).size();
+        for (const QString &row : rows) {
+            const QStringList split = row.split(recordformat::fieldSeparator);
+            QCOMPARE(split.size(), fields);
+            if (row == rows.first())
+                continue;
+            QCOMPARE(split.at(0).count('#'), 1);
+            QVERIFY(split.last().contains('W'));
+            QCOMPARE(split.at(8), QString("2024-03-05"));
+            QVERIFY(split.at(4).startsWith("1_"));
+        }
+        QCOMPARE(m_client->getDocuments({"docid = 99999"}).size(), 1); // no hit: the header alone
+        const QStringList record = m_client->getDocument(classificationOf("Second"), QString());
+        QVERIFY(rows.contains(record.join(recordformat::fieldSeparator)));
+        QCOMPARE(m_client->getDocument("99999", QString()), QStringList());
+    }
+
+    void filtersNarrowTheList()
+    {
+        login();
+        QCOMPARE(descriptions({"1=1"}), QStringList({"First", "Second"}));
+        QCOMPARE(descriptions({"(folder = '1.1.1' OR folder like '1.1.1.%')", "1=1"}), QStringList("Second"));
+        QCOMPARE(descriptions({"(folder = '1.1' OR folder like '1.1.%')"}), QStringList({"First", "Second"}));
+        QCOMPARE(descriptions({"(folder = '1' OR folder like '1.%')", "(status = 3)"}),
+                 QStringList("Second"));
+        QCOMPARE(descriptions({"1=1", "OPT:TRASH"}), QStringList("Third"));
+        QCOMPARE(descriptions({"1=1", "OPT:LIMIT;1"}).size(), 1);
+        QCOMPARE(m_client->getDocuments({"no clause at all"}), QStringList());
+        QVERIFY(!m_client->lastMessage().isEmpty());
+    }
+
+    void aStaleTokenIsRefused()
+    {
+        login();
+        const QString id = classificationOf("First");
+        QStringList fields = m_client->getDocument(id, QString()).mid(1);
+        const QString token = fields.at(3);
+        fields[1] = "Changed";
+        QVERIFY2(m_client->saveDocument(id, fields), qPrintable(m_client->lastMessage()));
+        QCOMPARE(m_client->getDocument(id, QString()).value(2), QString("Changed"));
+        QVERIFY(m_client->getDocument(id, QString()).value(4) != token);
+        fields[1] = "Lost";
+        QVERIFY(!m_client->saveDocument(id, fields));
+        QCOMPARE(m_client->lastMessage(),
+                 QString("The entry has been changed by another user in the meantime."));
+        QCOMPARE(m_client->getDocument(id, QString()).value(2), QString("Changed"));
+    }
+
+    void searchesAreKeptWithTheirRoles()
+    {
+        login();
+        const auto searches = [this] {
+            QStringList list;
+            const QStringList records = m_client->getSearches("anna");
+            for (const QString &record : records)
+                list << QString(record)
+                            .replace(recordformat::fieldSeparator, '/')
+                            .replace(recordformat::listSeparator, ',');
+            return list;
+        };
+        const QString definition = QString("a") + recordformat::rowSeparator + "b";
+        QVERIFY(m_client->saveSearch("Mine", definition, {"r_anna"}));
+        QVERIFY(m_client->saveSearch("Ours", "c", {"kelvaUSER", "r_anna"}));
+        QCOMPARE(searches(), QStringList({"1/Mine/" + definition + "/r_anna", "2/Ours/c/kelvaUSER,r_anna"}));
+        QVERIFY(m_client->updateSearch(1, "Mine", "d", {"kelvaUSER", "r_anna"}));
+        QVERIFY(m_client->deleteSearch("2"));
+        QCOMPARE(searches(), QStringList("1/Mine/d/kelvaUSER,r_anna"));
+        QVERIFY(!m_client->updateSearch(2, "Ours", "e", {"r_anna"}));
+        QVERIFY(!m_client->deleteSearch("2"));
+    }
+
+    void contentAnswersForDocuments()
+    {
+        login();
+        const QString id = m_client->getDocuments({"1=1"}).value(1).section('#', 0, 0);
+        QVERIFY(m_content->connectToArchive("localhost", archiveNumber));
+        QVERIFY2(m_content->login("anna", "secret"), qPrintable(m_content->lastError()));
+        QVERIFY(!m_content->selectArchive("77"));
+        QVERIFY(!m_content->lastError().isEmpty());
+        QVERIFY(m_content->selectArchive("1"));
+        const QStringList infos = m_content->getDocumentInfo({id});
+        QCOMPARE(infos.size(), 1);
+        const QStringList words = infos.first().split(recordformat::listSeparator);
+        QVERIFY(words.size() >= 4);
+        QCOMPARE(words.at(0) + '|' + words.at(1) + '|' + words.at(3), id + "|scan.pdf|pdf");
+        QStringList actions{"left from before"};
+        QVERIFY(m_content->getDocumentActions({id}, actions, 0, "anna"));
+        QCOMPARE(actions, QStringList());
+        // The same object connects a second time.
+        m_content->disconnectFromArchive();
+        QVERIFY(m_content->connectToArchive("localhost", archiveNumber));
+        QVERIFY(m_content->login("anna", "secret"));
+    }
+
+    void filesComeBackAsTheyWent()
+    {
+        connectContent();
+        QSignalSpy total(m_content.get(), SIGNAL(totalFileSize(QString)));
+        QSignalSpy current(m_content.get(), SIGNAL(currentReadSize(QString)));
+        QSignalSpy sent(m_content.get(), SIGNAL(saveDocEnd()));
+        int before = storedDocuments();
+        int files = 0;
+        for (const int size : {0, 1, 256 * 1024 + 1, 3000000}) {
+            QByteArray bytes(size, Qt::Uninitialized);
+            for (int i = 0; i < size; ++i)
+                bytes[i] = char(i * 7 + i / 251);
+            QVERIFY2(m_content->uploadDocument(" ", writeFile("a b.dat", bytes), true),
+                     qPrintable(m_content->lastError()));
+            QCOMPARE(total.last().first().toString(), QString::number(size));
+            QCOMPARE(current.last().first().toString(), QString::number(size));
+            QCOMPARE(sent.count(), ++files);
+            QCOMPARE(storedDocuments(), ++before);
+            const qint64 id = m_content->getLastDocId();
+            QVERIFY(m_content->getDocumentInfo({QString::number(id)}).value(0).contains("a b.dat"));
+            QCOMPARE(download(id), bytes);
+            QCOMPARE(total.count(), 2 * files);
+            QCOMPARE(sent.count(), files);
+        }
+    }
+
+    void aNewVersionKeepsItsId()
+    {
+        connectContent();
+        QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", "one"), true));
+        const qint64 id = m_content->getLastDocId();
+        QVERIFY(m_content->uploadDocument("1", writeFile("a.txt", "two"), false));
+        QCOMPARE(m_content->getLastDocId(), id);
+        QCOMPARE(download(id), QByteArray("two"));
+        QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", "three"), true));
+        QVERIFY(m_content->getLastDocId() != id);
+        QCOMPARE(download(id), QByteArray("two"));
+        // Of a name that is new, the first version.
+        QVERIFY(m_content->uploadDocument(" ", writeFile("b.txt", "four"), false));
+        QCOMPARE(download(m_content->getLastDocId()), QByteArray("four"));
+    }
+
+    void aCancelledTransferLeavesNothing()
+    {
+        connectContent();
+        const QByteArray bytes(2000000, 'x');
+        QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", bytes), true));
+        const qint64 id = m_content->getLastDocId();
+        const int before = storedDocuments();
+        const QString path = writeFile("a.txt", QByteArray(2000000, 'y'));
+        const int files = temporaryFiles();
+        const auto cancelling = connect(m_content.get(), &kelvaArchiveClientInterface::currentReadSize, this,
+                                        [this] { m_content->cancelStreaming(); });
+        for (const bool newDocument : {true, false}) {
+            QVERIFY(!m_content->uploadDocument(" ", path, newDocument));
+            QVERIFY(!m_content->lastError().isEmpty());
+            QCOMPARE(storedDocuments(), before);
+        }
+        QString target("left from before");
+        QVERIFY(!m_content->downloadDocument(int(id), target, 1));
+        QCOMPARE(target, QString());
+        QCOMPARE(temporaryFiles(), files);
+        disconnect(cancelling);
+        QCOMPARE(download(id), bytes);
+        QVERIFY(m_content->uploadDocument(" ", path, false));
+        QCOMPARE(m_content->getLastDocId(), id);
+    }
+
+    void oneTransferAtATime()
+    {
+        connectContent();
+        QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", "one"), true));
+        const qint64 id = m_content->getLastDocId();
+        QByteArray within;
+        connect(m_content.get(), &kelvaArchiveClientInterface::currentReadSize, this,
+                [this, id, &within] { within = download(id); });
+        QVERIFY(m_content->uploadDocument(" ", writeFile("b.txt", "two"), true));
+        QVERIFY(within.startsWith("refused: ") && within.size() > 10);
+        m_content->disconnect(this);
+        QCOMPARE(download(m_content->getLastDocId()), QByteArray("two"));
+    }
+
+    void whatCannotBeMovedIsRefused()
+    {
+        connectContent();
+        QString path;
+        QVERIFY(!m_content->downloadDocument(99999, path, 1));
+        QVERIFY(!m_content->lastError().isEmpty());
+        QVERIFY(!m_content->uploadDocument(" ", m_directory.filePath("gone"), true));
+        QVERIFY(!m_content->lastError().isEmpty());
+        QVERIFY(!m_content->uploadDocument(" ", m_directory.path(), true));
+        QVERIFY(!m_content->lastError().isEmpty());
+        QVERIFY(!m_content->uploadDocument("77", writeFile("a.txt", "x"), true));
+    }
 
 private:
     template<typename Interface>
@@ -157,9 +350,7 @@ private:
 
     QString writeFile(const QString &name, const QByteArray &bytes)
     {
-        QFile file(m_directory.filePath(name));
-        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName()
-                                                                                    : QString();
+        return outside::write(m_directory.filePath(name), bytes);
     }
 
     QByteArray download(qint64 id)
@@ -167,9 +358,8 @@ private:
         QString path;
         if (!m_content->downloadDocument(int(id), path, 1))
             return "refused: " + m_content->lastError().toUtf8();
-        QFile file(path);
-        const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : "no file";
-        file.remove();
+        const QByteArray bytes = outside::read(path);
+        QFile::remove(path);
         return bytes;
     }
 
@@ -193,258 +383,6 @@ private:
     std::unique_ptr<ClassifyInterface> m_client;
     std::unique_ptr<kelvaArchiveClientInterface> m_content;
 };
-
-void TestServiceContract::sessionsBeginWithAPassword()
-{
-    QVERIFY(!m_client->getConnectionMode().startsWith("Offline"));
-    QVERIFY(!m_client->connectClient("localhost", archiveNumber, "anna", "wrong"));
-    QVERIFY(!m_client->lastMessage().isEmpty());
-    QCOMPARE(m_client->lastMessage(), m_client->lastError());
-    login();
-    QCOMPARE(m_client->getLoginName(), QString("anna"));
-    QCOMPARE(m_client->getServerHost(), QString("localhost"));
-    QCOMPARE(m_client->getServerPort(), archiveNumber);
-    QCOMPARE(m_client->getProfileId(), 7);
-    QVERIFY(m_client->getUserRights().contains("kelvaADMIN"));
-    QVERIFY(m_client->getUserRights().contains("r_anna"));
-    QStringList archives{"left from before"};
-    m_client->getArchiveList(archives);
-    QCOMPARE(archives, QStringList(QString("Main archive") + recordformat::fieldSeparator + "1"));
-    m_client->disconnectClient();
-}
-
-void TestServiceContract::settingsKnowWhatTheyDoNotHold()
-{
-    login();
-    QByteArray value;
-    QString owner;
-    QVERIFY(!m_client->getSetting("kelvaGlobalSettings", "color", value, owner));
-    QCOMPARE(m_client->lastError(), QString("No data found."));
-    QVERIFY(m_client->saveSetting("kelvaGlobalSettings", "color", "blue", QString(), false));
-    QVERIFY(!m_client->saveSetting("kelvaGlobalSettings", "color", "red", QString(), false));
-    QVERIFY(m_client->getSetting("kelvaGlobalSettings", "color", value, owner));
-    QCOMPARE(value, QByteArray("blue"));
-    QVERIFY(m_client->saveSetting("kelvaGlobalSettings", "color", "red", QString(), true));
-    QVERIFY(m_client->getSetting("kelvaGlobalSettings", "color", value, owner));
-    QCOMPARE(value, QByteArray("red"));
-}
-
-void TestServiceContract::listsHaveAHeaderAndRights()
-{
-    login();
-    const QStringList rows = m_client->getDocuments({"1=1", "OPT:LIMIT;100"});
-    QCOMPARE(rows.size(), 3);
-    const int fields = rows.first().split(recordformat::fieldSeparator).size();
-    for (const QString &row : rows) {
-        const QStringList split = row.split(recordformat::fieldSeparator);
-        QCOMPARE(split.size(), fields);
-        if (row == rows.first())
-            continue;
-        QCOMPARE(split.at(0).count('#'), 1);
-        QVERIFY(split.last().contains('W'));
-        QCOMPARE(split.at(8), QString("2024-03-05"));
-        QVERIFY(split.at(4).startsWith("1_"));
-    }
-    QCOMPARE(m_client->getDocuments({"docid = 99999"}).size(), 1); // no hit: the header alone
-}
-
-void TestServiceContract::filtersNarrowTheList()
-{
-    login();
-    QCOMPARE(descriptions({"1=1"}), QStringList({"First", "Second"}));
-    QCOMPARE(descriptions({"(folder = '1.1.1' OR folder like '1.1.1.%')", "1=1"}), QStringList("Second"));
-    QCOMPARE(descriptions({"(folder = '1.1' OR folder like '1.1.%')"}), QStringList({"First", "Second"}));
-    QCOMPARE(descriptions({"(folder = '1' OR folder like '1.%')", "(status = 3)"}), QStringList("Second"));
-    QCOMPARE(descriptions({"1=1", "OPT:TRASH"}), QStringList("Third"));
-    QCOMPARE(descriptions({"1=1", "OPT:LIMIT;1"}).size(), 1);
-    QCOMPARE(m_client->getDocuments({"no clause at all"}), QStringList());
-    QVERIFY(!m_client->lastMessage().isEmpty());
-}
-
-void TestServiceContract::aRecordIsARowAsAList()
-{
-    login();
-    const QString id = classificationOf("Second");
-    const QStringList record = m_client->getDocument(id, QString());
-    QVERIFY(m_client->getDocuments({"1=1"}).contains(record.join(recordformat::fieldSeparator)));
-    QCOMPARE(m_client->getDocument("99999", QString()), QStringList());
-}
-
-void TestServiceContract::aStaleTokenIsRefused()
-{
-    login();
-    const QString id = classificationOf("First");
-    QStringList fields = m_client->getDocument(id, QString()).mid(1);
-    const QString token = fields.at(3);
-    fields[1] = "Changed";
-    QVERIFY2(m_client->saveDocument(id, fields), qPrintable(m_client->lastMessage()));
-    QCOMPARE(m_client->getDocument(id, QString()).value(2), QString("Changed"));
-    QVERIFY(m_client->getDocument(id, QString()).value(4) != token);
-    fields[1] = "Lost";
-    QVERIFY(!m_client->saveDocument(id, fields));
-    QCOMPARE(m_client->lastMessage(), QString("The entry has been changed by another user in the meantime."));
-    QCOMPARE(m_client->getDocument(id, QString()).value(2), QString("Changed"));
-}
-
-void TestServiceContract::countsAreNegativeOnFailure()
-{
-    login();
-    QCOMPARE(m_client->countDocuments("1=1", true), 3);
-    QCOMPARE(m_client->countDocuments("(status = 3)", true), 1);
-    QVERIFY(m_client->countDocuments("status =", true) < 0);
-}
-
-void TestServiceContract::trashHidesAndGivesBack()
-{
-    login();
-    const QString id = classificationOf("First");
-    QVERIFY2(m_client->moveToTrash({id}), qPrintable(m_client->lastError()));
-    QCOMPARE(descriptions({"1=1"}), QStringList("Second"));
-    QCOMPARE(descriptions({"1=1", "OPT:TRASH"}), QStringList({"First", "Third"}));
-    QVERIFY(m_client->restoreFromTrash({id}));
-    QCOMPARE(descriptions({"1=1"}), QStringList({"First", "Second"}));
-}
-
-void TestServiceContract::searchesAreKeptWithTheirRoles()
-{
-    login();
-    const auto searches = [this] {
-        QStringList list;
-        const QStringList records = m_client->getSearches("anna");
-        for (const QString &record : records)
-            list << QString(record)
-                        .replace(recordformat::fieldSeparator, '/')
-                        .replace(recordformat::listSeparator, ',');
-        return list;
-    };
-    const QString definition = QString("a") + recordformat::rowSeparator + "b";
-    QVERIFY(m_client->saveSearch("Mine", definition, {"r_anna"}));
-    QVERIFY(m_client->saveSearch("Ours", "c", {"kelvaUSER", "r_anna"}));
-    QCOMPARE(searches(), QStringList({"1/Mine/" + definition + "/r_anna", "2/Ours/c/kelvaUSER,r_anna"}));
-    QVERIFY(m_client->updateSearch(1, "Mine", "d", {"kelvaUSER", "r_anna"}));
-    QVERIFY(m_client->deleteSearch("2"));
-    QCOMPARE(searches(), QStringList("1/Mine/d/kelvaUSER,r_anna"));
-    QVERIFY(!m_client->updateSearch(2, "Ours", "e", {"r_anna"}));
-    QVERIFY(!m_client->deleteSearch("2"));
-}
-
-void TestServiceContract::contentAnswersForDocuments()
-{
-    login();
-    const QString id = m_client->getDocuments({"1=1"}).value(1).section('#', 0, 0);
-    QVERIFY(m_content->connectToArchive("localhost", archiveNumber));
-    QVERIFY2(m_content->login("anna", "secret"), qPrintable(m_content->lastError()));
-    QVERIFY(!m_content->selectArchive("77"));
-    QVERIFY(!m_content->lastError().isEmpty());
-    QVERIFY(m_content->selectArchive("1"));
-    const QStringList infos = m_content->getDocumentInfo({id});
-    QCOMPARE(infos.size(), 1);
-    const QStringList words = infos.first().split(recordformat::listSeparator);
-    QVERIFY(words.size() >= 4);
-    QCOMPARE(words.at(0) + '|' + words.at(1) + '|' + words.at(3), id + "|scan.pdf|pdf");
-    QStringList actions{"left from before"};
-    QVERIFY(m_content->getDocumentActions({id}, actions, 0, "anna"));
-    QCOMPARE(actions, QStringList());
-    // The same object connects a second time.
-    m_content->disconnectFromArchive();
-    QVERIFY(m_content->connectToArchive("localhost", archiveNumber));
-    QVERIFY(m_content->login("anna", "secret"));
-}
-
-void TestServiceContract::filesComeBackAsTheyWent()
-{
-    connectContent();
-    QSignalSpy total(m_content.get(), SIGNAL(totalFileSize(QString)));
-    QSignalSpy current(m_content.get(), SIGNAL(currentReadSize(QString)));
-    QSignalSpy sent(m_content.get(), SIGNAL(saveDocEnd()));
-    int before = storedDocuments();
-    int files = 0;
-    for (const int size : {0, 1, 256 * 1024 + 1, 3000000}) {
-        QByteArray bytes(size, Qt::Uninitialized);
-        for (int i = 0; i < size; ++i)
-            bytes[i] = char(i * 7 + i / 251);
-        QVERIFY2(m_content->uploadDocument(" ", writeFile("a b.dat", bytes), true),
-                 qPrintable(m_content->lastError()));
-        QCOMPARE(total.last().first().toString(), QString::number(size));
-        QCOMPARE(current.last().first().toString(), QString::number(size));
-        QCOMPARE(sent.count(), ++files);
-        QCOMPARE(storedDocuments(), ++before);
-        const qint64 id = m_content->getLastDocId();
-        QVERIFY(m_content->getDocumentInfo({QString::number(id)}).value(0).contains("a b.dat"));
-        QCOMPARE(download(id), bytes);
-        QCOMPARE(total.count(), 2 * files);
-        QCOMPARE(sent.count(), files);
-    }
-}
-
-void TestServiceContract::aNewVersionKeepsItsId()
-{
-    connectContent();
-    QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", "one"), true));
-    const qint64 id = m_content->getLastDocId();
-    QVERIFY(m_content->uploadDocument("1", writeFile("a.txt", "two"), false));
-    QCOMPARE(m_content->getLastDocId(), id);
-    QCOMPARE(download(id), QByteArray("two"));
-    QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", "three"), true));
-    QVERIFY(m_content->getLastDocId() != id);
-    QCOMPARE(download(id), QByteArray("two"));
-    // Of a name that is new, the first version.
-    QVERIFY(m_content->uploadDocument(" ", writeFile("b.txt", "four"), false));
-    QCOMPARE(download(m_content->getLastDocId()), QByteArray("four"));
-}
-
-void TestServiceContract::aCancelledTransferLeavesNothing()
-{
-    connectContent();
-    const QByteArray bytes(2000000, 'x');
-    QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", bytes), true));
-    const qint64 id = m_content->getLastDocId();
-    const int before = storedDocuments();
-    const QString path = writeFile("a.txt", QByteArray(2000000, 'y'));
-    const int files = temporaryFiles();
-    const auto cancelling = connect(m_content.get(), &kelvaArchiveClientInterface::currentReadSize, this,
-                                    [this] { m_content->cancelStreaming(); });
-    for (const bool newDocument : {true, false}) {
-        QVERIFY(!m_content->uploadDocument(" ", path, newDocument));
-        QVERIFY(!m_content->lastError().isEmpty());
-        QCOMPARE(storedDocuments(), before);
-    }
-    QString target("left from before");
-    QVERIFY(!m_content->downloadDocument(int(id), target, 1));
-    QCOMPARE(target, QString());
-    QCOMPARE(temporaryFiles(), files);
-    disconnect(cancelling);
-    QCOMPARE(download(id), bytes);
-    QVERIFY(m_content->uploadDocument(" ", path, false));
-    QCOMPARE(m_content->getLastDocId(), id);
-}
-
-void TestServiceContract::oneTransferAtATime()
-{
-    connectContent();
-    QVERIFY(m_content->uploadDocument(" ", writeFile("a.txt", "one"), true));
-    const qint64 id = m_content->getLastDocId();
-    QByteArray within;
-    connect(m_content.get(), &kelvaArchiveClientInterface::currentReadSize, this,
-            [this, id, &within] { within = download(id); });
-    QVERIFY(m_content->uploadDocument(" ", writeFile("b.txt", "two"), true));
-    QVERIFY(within.startsWith("refused: ") && within.size() > 10);
-    m_content->disconnect(this);
-    QCOMPARE(download(m_content->getLastDocId()), QByteArray("two"));
-}
-
-void TestServiceContract::whatCannotBeMovedIsRefused()
-{
-    connectContent();
-    QString path;
-    QVERIFY(!m_content->downloadDocument(99999, path, 1));
-    QVERIFY(!m_content->lastError().isEmpty());
-    QVERIFY(!m_content->uploadDocument(" ", m_directory.filePath("gone"), true));
-    QVERIFY(!m_content->lastError().isEmpty());
-    QVERIFY(!m_content->uploadDocument(" ", m_directory.path(), true));
-    QVERIFY(!m_content->lastError().isEmpty());
-    QVERIFY(!m_content->uploadDocument("77", writeFile("a.txt", "x"), true));
-}
 
 KELVA_TEST(TestServiceContract)
 #include "testservicecontract.moc"

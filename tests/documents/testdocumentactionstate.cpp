@@ -11,21 +11,15 @@ private slots:
     {
         QTest::addColumn<QString>("facts"); // l live, d any document, t trash, o offline, c may classify
         QTest::addColumn<QString>("enabled");
-        QTest::newRow("nothing selected") << "c"
-                                          << "";
-        QTest::newRow("nothing selected in the trash") << "tc"
-                                                       << "history";
-        QTest::newRow("only deleted ones selected in the trash") << "dtc"
-                                                                 << "archive history";
-        QTest::newRow("selected") << "ldc"
-                                  << "resubmit trash archive export link show print folder history";
-        QTest::newRow("selected without the right to classify")
-            << "ld"
-            << "trash archive export link show print folder history";
-        QTest::newRow("selected in the trash") << "ldtc"
-                                               << "trash archive export link show print folder history erase";
-        QTest::newRow("selected offline") << "ldoc"
-                                          << "resubmit trash archive export show print folder history";
+        kelvatest::row("nothing selected", "c", "");
+        kelvatest::row("nothing selected in the trash", "tc", "history");
+        kelvatest::row("only deleted ones selected in the trash", "dtc", "archive history");
+        kelvatest::row("selected", "ldc", "resubmit trash archive export link show print folder history");
+        kelvatest::row("selected without the right to classify", "ld",
+                       "trash archive export link show print folder history");
+        kelvatest::row("selected in the trash", "ldtc",
+                       "trash archive export link show print folder history erase");
+        kelvatest::row("selected offline", "ldoc", "resubmit trash archive export show print folder history");
     }
 
     void states()
@@ -38,21 +32,15 @@ private slots:
         selection.offline = facts.contains('o');
         selection.mayClassify = facts.contains('c');
         const DocumentActionState state = documentActionState(selection);
+        const QList<QPair<bool, QString>> actions{
+            {state.resubmit, "resubmit"},    {state.trash, "trash"},         {state.moveToArchive, "archive"},
+            {state.exportAndMail, "export"}, {state.link, "link"},           {state.show, "show"},
+            {state.print, "print"},          {state.moveToFolder, "folder"}, {state.history, "history"},
+            {state.erase, "erase"}};
         QStringList enabled;
-        const auto add = [&enabled](bool on, const char *name) {
+        for (const auto &[on, name] : actions)
             if (on)
                 enabled << name;
-        };
-        add(state.resubmit, "resubmit");
-        add(state.trash, "trash");
-        add(state.moveToArchive, "archive");
-        add(state.exportAndMail, "export");
-        add(state.link, "link");
-        add(state.show, "show");
-        add(state.print, "print");
-        add(state.moveToFolder, "folder");
-        add(state.history, "history");
-        add(state.erase, "erase");
         QTEST(enabled.join(' '), "enabled");
         QCOMPARE(state.hideResubmit, !selection.mayClassify);
         QCOMPARE(state.eraseUnchanged, !selection.hasLiveDocuments);

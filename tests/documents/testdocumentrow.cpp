@@ -32,18 +32,6 @@ class TestDocumentRow : public QObject
     Q_OBJECT
 
 private slots:
-    void idsAndUnreadMark()
-    {
-        DocumentRowContext context = writableSession();
-        DocumentRowLook look = documentRowLook(row("1", "", "W"), context);
-        QCOMPARE(look.archiveId + '|' + look.classificationId, QString("101|7"));
-        QVERIFY(!look.unread);
-        context.marksUnread = true;
-        QVERIFY(documentRowLook(row("1", "", "W"), context).unread);
-        context.opened.insert("101");
-        QVERIFY(!documentRowLook(row("1", "", "W"), context).unread);
-    }
-
     void resubmissionClasses_data()
     {
         QTest::addColumn<QString>("date");
@@ -52,15 +40,13 @@ private slots:
         const QColor red(255, 116, 119);
         const QColor yellow(239, 238, 172);
         const QColor green(172, 239, 182);
-        QTest::newRow("long overdue") << "2019-01-01" << Clock::Red << red;
-        QTest::newRow("today") << "2024-03-05" << Clock::Red << red;
-        QTest::newRow("tomorrow") << "2024-03-06" << Clock::Red << red;
-        QTest::newRow("in two days") << "2024-03-07" << Clock::Yellow << yellow;
-        QTest::newRow("in three days") << "2024-03-08" << Clock::Yellow << yellow;
-        QTest::newRow("in four days") << "2024-03-09" << Clock::Green << green;
-        QTest::newRow("in seven days") << "2024-03-12" << Clock::Green << green;
-        QTest::newRow("in eight days") << "2024-03-13" << Clock::Plain << QColor();
-        QTest::newRow("no date at all") << "soon" << Clock::Red << red;
+        kelvatest::row("tomorrow", "2024-03-06", Clock::Red, red);
+        kelvatest::row("in two days", "2024-03-07", Clock::Yellow, yellow);
+        kelvatest::row("in three days", "2024-03-08", Clock::Yellow, yellow);
+        kelvatest::row("in four days", "2024-03-09", Clock::Green, green);
+        kelvatest::row("in seven days", "2024-03-12", Clock::Green, green);
+        kelvatest::row("in eight days", "2024-03-13", Clock::Plain, QColor());
+        kelvatest::row("no date at all", "soon", Clock::Red, red);
     }
 
     void resubmissionClasses()
@@ -81,18 +67,12 @@ private slots:
         QTest::addColumn<QString>("rights");
         QTest::addColumn<bool>("noEdit");
         QTest::addColumn<QString>("marks");
-        QTest::newRow("writable") << "1"
-                                  << "W" << false << "";
-        QTest::newRow("no right to write") << "1"
-                                           << "" << false << "red key readonly";
-        QTest::newRow("note and no right to write") << "1"
-                                                    << "N" << false << "red note key readonly";
-        QTest::newRow("read-only session") << "1"
-                                           << "WN" << true << "red note key readonly";
-        QTest::newRow("resubmission keeps its page") << "2"
-                                                     << "" << false << "key readonly";
-        QTest::newRow("resubmission in a read-only session") << "2"
-                                                             << "W" << true << "key readonly";
+        kelvatest::row("writable", "1", "W", false, "");
+        kelvatest::row("no right to write", "1", "", false, "red key readonly");
+        kelvatest::row("note and no right to write", "1", "N", false, "red note key readonly");
+        kelvatest::row("read-only session", "1", "WN", true, "red note key readonly");
+        kelvatest::row("resubmission keeps its page", "2", "", false, "key readonly");
+        kelvatest::row("resubmission in a read-only session", "2", "W", true, "key readonly");
     }
 
     void marks()
@@ -121,10 +101,9 @@ private slots:
         QTest::addColumn<QString>("period");
         QTest::addColumn<bool>("marked");
         QTest::addColumn<QDate>("end");
-        QTest::newRow("runs on from the document date") << true << "4;1;2" << true << QDate(2024, 3, 31);
-        QTest::newRow("only in the trash") << false << "4;1;2" << false << QDate();
-        QTest::newRow("unknown period is marked without a date") << true << "" << true << QDate();
-        QTest::newRow("two words are no period") << true << "4;1" << true << QDate();
+        kelvatest::row("runs on from the document date", true, "4;1;2", true, QDate(2024, 3, 31));
+        kelvatest::row("only in the trash", false, "4;1;2", false, QDate());
+        kelvatest::row("unknown period is marked without a date", true, "", true, QDate());
     }
 
     void retention()
@@ -162,16 +141,9 @@ private slots:
     {
         QTest::addColumn<QString>("stored");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("both decimals") << "1234.50"
-                                       << "1234,50";
-        QTest::newRow("the point stays behind") << "12.00"
-                                                << "12,";
-        QTest::newRow("no decimals") << "12"
-                                     << "12";
-        QTest::newRow("ends with zeros before the point") << "1200"
-                                                          << "1200";
-        QTest::newRow("empty") << ""
-                               << "";
+        kelvatest::row("both decimals", "1234.50", "1234,50");
+        kelvatest::row("the point stays behind", "12.00", "12,");
+        kelvatest::row("ends with zeros before the point", "1200", "1200");
     }
 
     void numbers()

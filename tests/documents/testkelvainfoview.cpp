@@ -1,20 +1,15 @@
-#include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
 #include "documents/documentcolumns.h"
 #include "documents/itemroles.h"
-#include "documents/kelvadelegatewrapper.h"
 #include "documents/kelvainfoview.h"
 #include "documents/kelvalinedelegate.h"
-#include "documents/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
 #include "server/recordformat.h"
 
 #include <QHeaderView>
-#include <QMenu>
 #include <QSettings>
 #include <QStandardItem>
-#include <QTimer>
 
 namespace {
 
@@ -60,223 +55,129 @@ class TestKelvaInfoView : public QObject
     Q_OBJECT
 
 private slots:
-    void aLoadFillsTheTable();
-    void resubmissionColumnComesAndGoes();
-    void aRowThatDoesNotFitIsCut();
-    void lookUpsByClassification();
-    void sorting_data();
-    void sorting();
-    void theSortedColumnHidesRowColours();
-    void headersArePerProfile();
-    void aHeaderOfMoreColumnsMakesNoneUp();
-    void theLastColumnStays();
-    void wrapperMovesDelegatesWithTheirRows();
-};
-
-void TestKelvaInfoView::aLoadFillsTheTable()
-{
-    KelvaInfoView view;
-    view.setNoEdit(false);
-    KelvaLineDelegate numeric({"type:Numeric"}, &view, 254, true);
-    view.setItemDelegateForColumn(11, &numeric);
-    load(view, {header(2), row(7, "Invoice", {"1234.50", "x"})});
-    QCOMPARE(view.getModel()->columnCount(), 13);
-    QCOMPARE(view.model()->headerData(12, Qt::Horizontal).toString(), QString("Attribute 1"));
-    const QStandardItem *id = view.itemFromSource(0, documentcolumn::id);
-    QCOMPARE(id->text(), QString("107"));
-    QCOMPARE(id->data(itemrole::classificationId).toString(), QString("7"));
-    QVERIFY(!id->icon().isNull());
-    QCOMPARE(view.itemFromSource(0, documentcolumn::folder)->data(itemrole::rawValue).toString(),
-             QString("1.1.1"));
-    QVERIFY(!view.itemFromSource(0, documentcolumn::mainFolder)->data(itemrole::rawValue).isValid());
-    QCOMPARE(view.itemFromSource(0, 11)->text(), QString("1234.50"));
-    QCOMPARE(view.itemFromSource(0, 11)->data(itemrole::numeric).toBool(), true);
-    QVERIFY(view.itemFromSource(0, 12)->isEditable());
-
-    load(view, {header(2)});
-    QCOMPARE(view.rowCount(), 0);
-    QCOMPARE(view.getModel()->columnCount(), 13);
-    load(view, {});
-    QCOMPARE(view.getModel()->columnCount(), 0);
-}
-
-void TestKelvaInfoView::resubmissionColumnComesAndGoes()
-{
-    KelvaInfoView view;
-    load(view, {header(0), row(1, "a", {})});
-    QVERIFY(view.isColumnHidden(documentcolumn::resubmission));
-    load(view, {header(0), row(1, "a", {}), row(2, "b", {}, "2")});
-    QVERIFY(!view.isColumnHidden(documentcolumn::resubmission));
-    load(view, {header(0)});
-    QVERIFY(view.isColumnHidden(documentcolumn::resubmission));
-}
-
-void TestKelvaInfoView::aRowThatDoesNotFitIsCut()
-{
-    KelvaInfoView view;
-    load(view, {header(1), row(1, "too long", {"a", "b", "c"}), "no fields at all", ""});
-    QCOMPARE(view.getModel()->columnCount(), 12);
-    QCOMPARE(view.rowCount(), 3);
-}
-
-void TestKelvaInfoView::lookUpsByClassification()
-{
-    KelvaInfoView view;
-    view.setNoEdit(false);
-    load(view, {header(0), row(1, "b", {}), row(2, "a", {}), row(1, "c", {})});
-    view.sortByColumn(documentcolumn::description, Qt::AscendingOrder);
-    QList<int> rows = view.getItemRows("1");
-    std::sort(rows.begin(), rows.end());
-    QCOMPARE(rows, QList<int>({1, 2})); // proxy rows
-    QCOMPARE(view.getVersion("2"), QString("1_1"));
-    QVERIFY(!view.isReadOnly("2"));
-    QCOMPARE(view.getVersion("99"), QString());
-    QVERIFY(view.getItemRows("99").isEmpty());
-
-    view.selectRow(0);
-    QCOMPARE(view.getCurrentDocIds(false, false), QStringList("2"));
-    QCOMPARE(view.getCurrentRealDocIds(true), QStringList("102"));
-    QCOMPARE(view.getCurrentFolder(), QString("1.1.1"));
-    QCOMPARE(view.getCurrentBemerkungen(true), (QMap<QString, QString>{{"102", "a"}}));
-    QCOMPARE(view.selectedIndexes().first().row(), 1); // the model's row
-    load(view, {header(0), row(5, "deleted", {}, "-1")});
-    view.selectRow(0);
-    QCOMPARE(view.getCurrentDocIds(false, true), QStringList());
-    QCOMPARE(view.getCurrentDocIds(false, false), QStringList("5"));
-}
-
-void TestKelvaInfoView::sorting_data()
-{
-    QTest::addColumn<bool>("numeric");
-    QTest::addColumn<QStringList>("values");
-    QTest::addColumn<QStringList>("ascending");
-    QTest::addColumn<QStringList>("descending");
-    QTest::newRow("texts") << false << QStringList{"b", "a", "C"} << QStringList{"C", "a", "b"}
-                           << QStringList{"b", "a", "C"};
-    QTest::newRow("numbers in a text column")
-        << false << QStringList{"10", "9", "2"} << QStringList{"2", "9", "10"} << QStringList{"10", "9", "2"};
-    QTest::newRow("empties stand behind the numbers both ways")
-        << true << QStringList{"", "10", "9.5"} << QStringList{"9.5", "10", ""}
-        << QStringList{"10", "9.5", ""};
-}
-
-void TestKelvaInfoView::sorting()
-{
-    QFETCH(bool, numeric);
-    QFETCH(QStringList, values);
-    KelvaInfoView view;
-    KelvaLineDelegate delegate({}, &view, 254, numeric);
-    view.setItemDelegateForColumn(11, &delegate);
-    QStringList docs{header(1)};
-    for (int i = 0; i < values.size(); ++i)
-        docs << row(i, "d", {values.at(i)});
-    load(view, docs);
-    view.sortByColumn(11, Qt::AscendingOrder);
-    QTEST(shown(view, 11), "ascending");
-    view.sortByColumn(11, Qt::DescendingOrder);
-    QTEST(shown(view, 11), "descending");
-}
-
-void TestKelvaInfoView::theSortedColumnHidesRowColours()
-{
-    KelvaInfoView view;
-    load(view, {header(0), row(1, "a", {}, "2")});
-    view.sortByColumn(documentcolumn::description, Qt::AscendingOrder);
-    const auto colour = [&view](int column) {
-        return view.model()->index(0, column).data(Qt::BackgroundRole).value<QBrush>().color();
-    };
-    QCOMPARE(colour(documentcolumn::description), QColor(180, 215, 255));
-    QCOMPARE(colour(documentcolumn::status), QColor(255, 116, 119));
-}
-
-void TestKelvaInfoView::headersArePerProfile()
-{
-    const auto width = [](const QString &profile, int set) {
-        KelvaInfoView view;
-        view.setProfileIdentifier(profile);
-        load(view, {header(0), row(1, "a", {})});
-        if (set > 0)
-            view.setColumnWidth(documentcolumn::description, set);
-        return view.columnWidth(documentcolumn::description);
-    };
-    width("first", 321);
-    width("second", 123);
-    QCOMPARE(width("first", 0), 321);
-    QCOMPARE(width("second", 0), 123);
-}
-
-void TestKelvaInfoView::aHeaderOfMoreColumnsMakesNoneUp()
-{
+    void aLoadFillsTheTable()
     {
         KelvaInfoView view;
-        view.setProfileIdentifier("../../shrunk\n");
-        load(view, {header(5), row(1, "a", {"1", "2", "3", "4", "5"})});
-        view.setColumnWidth(0, 99);
+        view.setNoEdit(false);
+        KelvaLineDelegate numeric({"type:Numeric"}, &view, 254, true);
+        view.setItemDelegateForColumn(11, &numeric);
+        load(view, {header(2), row(7, "Invoice", {"1234.50", "x"})});
+        QCOMPARE(view.getModel()->columnCount(), 13);
+        const QStandardItem *id = view.itemFromSource(0, documentcolumn::id);
+        QCOMPARE(id->text(), QString("107"));
+        QCOMPARE(id->data(itemrole::classificationId).toString(), QString("7"));
+        QCOMPARE(view.itemFromSource(0, documentcolumn::folder)->data(itemrole::rawValue).toString(),
+                 QString("1.1.1"));
+        QCOMPARE(view.itemFromSource(0, 11)->text(), QString("1234.50"));
+        QCOMPARE(view.itemFromSource(0, 11)->data(itemrole::numeric).toBool(), true);
+        QVERIFY(view.itemFromSource(0, 12)->isEditable());
+
+        load(view, {header(2)});
+        QCOMPARE(view.rowCount(), 0);
+        QCOMPARE(view.getModel()->columnCount(), 13);
+        load(view, {});
+        QCOMPARE(view.getModel()->columnCount(), 0);
     }
-    // The identifier never leads out of the settings directory.
-    QVERIFY(QSettings("Norbant GmbH", QCoreApplication::applicationName() + "_.._.._shrunk_")
-                .contains("InfoViewState"));
-    KelvaInfoView view;
-    view.setProfileIdentifier("../../shrunk\n");
-    load(view, {header(2), row(1, "a", {"1", "2"})});
-    QCOMPARE(view.horizontalHeader()->count(), 13);
-}
 
-void TestKelvaInfoView::theLastColumnStays()
-{
-    KelvaInfoView view;
-    load(view, {header(0), row(1, "a", {})});
-    for (int column = 1; column < view.model()->columnCount(); ++column)
-        view.hideColumn(column);
-    DialogScript script;
-    script.expectBox("Warning", "All columns can not be hidden.");
-    // The menu opens again until it is left without a choice.
-    int opened = 0;
-    QTimer menus;
-    connect(&menus, &QTimer::timeout, this, [&opened] {
-        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        if (!menu)
-            return;
-        if (++opened == 1) {
-            menu->setActiveAction(menu->actions().first());
-            QTest::keyClick(menu, Qt::Key_Return);
-        } else {
-            QTest::keyClick(menu, Qt::Key_Escape);
-        }
-    });
-    menus.start(5);
-    view.hideColumn();
-    QCOMPARE(opened, 2);
-    QVERIFY(!view.isColumnHidden(0));
-    QCOMPARE(script.problems(), QString());
-}
+    void resubmissionColumnComesAndGoes()
+    {
+        KelvaInfoView view;
+        load(view, {header(0), row(1, "a", {})});
+        QVERIFY(view.isColumnHidden(documentcolumn::resubmission));
+        load(view, {header(0), row(1, "a", {}), row(2, "b", {}, "2")});
+        QVERIFY(!view.isColumnHidden(documentcolumn::resubmission));
+        load(view, {header(0)});
+        QVERIFY(view.isColumnHidden(documentcolumn::resubmission));
+    }
 
-void TestKelvaInfoView::wrapperMovesDelegatesWithTheirRows()
-{
-    KelvaDelegateWrapper wrapper;
-    QWidget parent;
-    auto *first = new KelvaLineDelegate({}, nullptr, 10, false);
-    auto *second = new KelvaLineDelegate({}, nullptr, 20, false);
-    auto *third = new KelvaLineDelegate({}, nullptr, 30, false);
-    wrapper.addDelegate(0, 2, first);
-    wrapper.addDelegate(1, 2, second);
-    wrapper.insertDelegate(1, 2, third);
-    const auto lengths = [](const KelvaDelegateWrapper &of) {
-        QStringList texts;
-        for (int i = 0; i < 4; ++i) {
-            const auto *line = qobject_cast<KelvaLineDelegate *>(of.getDelegate(i, 2));
-            texts << (line ? QString::number(line->getMaxLength()) : "-");
+    void aRowThatDoesNotFitIsCut()
+    {
+        KelvaInfoView view;
+        load(view, {header(1), row(1, "too long", {"a", "b", "c"}), "no fields at all", ""});
+        QCOMPARE(view.getModel()->columnCount(), 12);
+        QCOMPARE(view.rowCount(), 3);
+    }
+
+    void lookUpsByClassification()
+    {
+        KelvaInfoView view;
+        view.setNoEdit(false);
+        load(view, {header(0), row(1, "b", {}), row(2, "a", {}), row(1, "c", {})});
+        view.sortByColumn(documentcolumn::description, Qt::AscendingOrder);
+        QList<int> rows = view.getItemRows("1");
+        std::sort(rows.begin(), rows.end());
+        QCOMPARE(rows, QList<int>({1, 2})); // proxy rows
+        QCOMPARE(view.getVersion("2"), QString("1_1"));
+        QVERIFY(!view.isReadOnly("2"));
+        QCOMPARE(view.getVersion("99"), QString());
+        QVERIFY(view.getItemRows("99").isEmpty());
+
+        view.selectRow(0);
+        QCOMPARE(view.getCurrentDocIds(false, false), QStringList("2"));
+        QCOMPARE(view.getCurrentRealDocIds(true), QStringList("102"));
+        QCOMPARE(view.getCurrentFolder(), QString("1.1.1"));
+        QCOMPARE(view.getCurrentBemerkungen(true), (QMap<QString, QString>{{"102", "a"}}));
+        QCOMPARE(view.selectedIndexes().first().row(), 1); // the model's row
+        load(view, {header(0), row(5, "deleted", {}, "-1")});
+        view.selectRow(0);
+        QCOMPARE(view.getCurrentDocIds(false, true), QStringList());
+        QCOMPARE(view.getCurrentDocIds(false, false), QStringList("5"));
+    }
+
+    void sorting_data()
+    {
+        QTest::addColumn<bool>("numeric");
+        QTest::addColumn<QStringList>("values");
+        QTest::addColumn<QStringList>("ascending");
+        QTest::addColumn<QStringList>("descending");
+        QTest::newRow("texts") << false << QStringList{"b", "a", "C"} << QStringList{"C", "a", "b"}
+                               << QStringList{"b", "a", "C"};
+        QTest::newRow("numbers in a text column")
+            << false << QStringList{"10", "9", "2"} << QStringList{"2", "9", "10"}
+            << QStringList{"10", "9", "2"};
+        QTest::newRow("empties stand behind the numbers both ways")
+            << true << QStringList{"", "10", "9.5"} << QStringList{"9.5", "10", ""}
+            << QStringList{"10", "9.5", ""};
+    }
+
+    void sorting()
+    {
+        QFETCH(bool, numeric);
+        QFETCH(QStringList, values);
+        KelvaInfoView view;
+        KelvaLineDelegate delegate({}, &view, 254, numeric);
+        view.setItemDelegateForColumn(11, &delegate);
+        QStringList docs{header(1)};
+        for (int i = 0; i < values.size(); ++i)
+            docs << row(i, "d", {values.at(i)});
+        load(view, docs);
+        view.sortByColumn(11, Qt::AscendingOrder);
+        QTEST(shown(view, 11), "ascending");
+        view.sortByColumn(11, Qt::DescendingOrder);
+        QTEST(shown(view, 11), "descending");
+    }
+
+    void aHeaderOfMoreColumnsMakesNoneUp()
+    {
+        {
+            KelvaInfoView view;
+            view.setProfileIdentifier("../../shrunk\n");
+            load(view, {header(5), row(1, "a", {"1", "2", "3", "4", "5"})});
+            view.setColumnWidth(0, 99);
         }
-        return texts.join(' ');
-    };
-    QCOMPARE(lengths(wrapper), QString("10 30 20 -"));
-    QCOMPARE(lengths(*wrapper.clone(&parent)), QString("10 30 20 -"));
-    wrapper.removeAllRowDelegates(0);
-    QCOMPARE(lengths(wrapper), QString("30 20 - -"));
-    wrapper.addDelegate(0, 2, new KelvaLineDelegate({}, nullptr, 40, false));
-    wrapper.removeDelegate(1, 2);
-    QCOMPARE(lengths(wrapper), QString("40 - - -"));
-}
+        // The identifier never leads out of the settings directory.
+        QVERIFY(QSettings("Norbant GmbH", QCoreApplication::applicationName() + "_.._.._shrunk_")
+                    .contains("InfoViewState"));
+        KelvaInfoView view;
+        view.setProfileIdentifier("../../shrunk\n");
+        load(view, {header(2), row(1, "a", {"1", "2"})});
+        QCOMPARE(view.horizontalHeader()->count(), 13);
+        QCOMPARE(view.columnWidth(0), 99);
+        view.setProfileIdentifier("other");
+        load(view, {header(0), row(1, "a", {})});
+        QVERIFY(view.columnWidth(0) != 99);
+    }
+};
 
 KELVA_TEST(TestKelvaInfoView)
 #include "testkelvainfoview.moc"

@@ -22,7 +22,7 @@ private slots:
         QTest::addColumn<QString>("offline");
         const auto same = [](const char *name, const char *column, const char *value, Editor editor,
                              const char *clause) {
-            QTest::newRow(name) << column << value << editor << clause << clause;
+            kelvatest::row(name, column, value, editor, clause, clause);
         };
         same("status branch of the folder tree", "folder", "0.4", Editor::Other, "status = 4");
         same("status branch, all", "folder", "0.0", Editor::Other, "status > 0");
@@ -31,44 +31,33 @@ private slots:
         same("type", "docart", "3", Editor::Other, "docart = 3");
         same("document date", "cdate", "2024-03-05", Editor::Other, "cdate = '2024-03-05'");
         same("attribute with a calendar", "attr4", "2024-03-05", Editor::Calendar, "attr4 = '2024-03-05'");
-        QTest::newRow("time of the last change")
-            << "ctimestamp"
-            << "2014" << Editor::Line << "ctimestamp::varchar ilike '%2014%'::varchar"
-            << "ctimestamp::varchar like '%2014%'::varchar";
+        kelvatest::row("time of the last change", "ctimestamp", "2014", Editor::Line,
+                       "ctimestamp::varchar ilike '%2014%'::varchar",
+                       "ctimestamp::varchar like '%2014%'::varchar");
         same("ticked box", "attr7", "2", Editor::CheckBox, "attr7 = 2::varchar");
         same("box not ticked", "attr7", "0", Editor::CheckBox, "(attr7 != 2::varchar OR attr7 IS NULL)");
         same("folder", "folder", "3.1", Editor::Other, "folder = '3.1'");
-        QTest::newRow("user of the last change") << "changeid"
-                                                 << "me" << Editor::Line << "changeid ilike '%me%'"
-                                                 << "changeid like '%me%'";
+        kelvatest::row("user of the last change", "changeid", "me", Editor::Line, "changeid ilike '%me%'",
+                       "changeid like '%me%'");
         same("number", "attr9", "12.5", Editor::NumericLine, "attr9 = 12.5");
         same("number of the locale", "attr9", "12,5", Editor::NumericLine, "attr9 = 12.5");
         same("whole number as the table shows it", "attr9", "12,", Editor::NumericLine, "attr9 = 12");
         same("number without its nought", "attr9", "-,5", Editor::NumericLine, "attr9 = -0.5");
         same("number with an exponent", "attr9", "1e5", Editor::NumericLine, "attr9 = 100000");
-        QTest::newRow("nearly a number")
-            << "attr9"
-            << "inf" << Editor::NumericLine << "to_tsvector(attr9) @@ to_tsquery('inf')"
-            << "attr9 like '%inf%'";
+        kelvatest::row("nearly a number", "attr9", "inf", Editor::NumericLine,
+                       "to_tsvector(attr9) @@ to_tsquery('inf')", "attr9 like '%inf%'");
         same("no number", "attr9", "", Editor::NumericLine, "attr9 is null");
-        QTest::newRow("words, one of them a beginning")
-            << "bemerkung"
-            << "inv* 2015" << Editor::Line << "to_tsvector(bemerkung) @@ to_tsquery('inv:* & 2015')"
-            << "bemerkung like '%inv* 2015%'";
-        QTest::newRow("quoted phrase") << "bemerkung"
-                                       << "\"a b\"" << Editor::Line << "bemerkung ilike '%a b%'"
-                                       << "bemerkung like '%a b%'";
-        QTest::newRow("a lone asterisk")
-            << "bemerkung"
-            << "* inv" << Editor::Line << "to_tsvector(bemerkung) @@ to_tsquery('inv')"
-            << "bemerkung like '%* inv%'";
-        QTest::newRow("nothing but blanks") << "bemerkung"
-                                            << "  " << Editor::Line << "bemerkung = null or bemerkung = ''"
-                                            << "bemerkung like '%  %'";
-        QTest::newRow("a value that looks like a marker")
-            << "bemerkung"
-            << "\"%1 %2\"" << Editor::Line << "bemerkung ilike '%%1 %2%'"
-            << "bemerkung like '%%1 %2%'";
+        kelvatest::row("words, one of them a beginning", "bemerkung", "inv* 2015", Editor::Line,
+                       "to_tsvector(bemerkung) @@ to_tsquery('inv:* & 2015')",
+                       "bemerkung like '%inv* 2015%'");
+        kelvatest::row("quoted phrase", "bemerkung", "\"a b\"", Editor::Line, "bemerkung ilike '%a b%'",
+                       "bemerkung like '%a b%'");
+        kelvatest::row("a lone asterisk", "bemerkung", "* inv", Editor::Line,
+                       "to_tsvector(bemerkung) @@ to_tsquery('inv')", "bemerkung like '%* inv%'");
+        kelvatest::row("nothing but blanks", "bemerkung", "  ", Editor::Line,
+                       "bemerkung = null or bemerkung = ''", "bemerkung like '%  %'");
+        kelvatest::row("a value that looks like a marker", "bemerkung", "\"%1 %2\"", Editor::Line,
+                       "bemerkung ilike '%%1 %2%'", "bemerkung like '%%1 %2%'");
         same("quote and all goes in as it is", "attr5", "O'Brien", Editor::Other, "attr5 = 'O'Brien'");
     }
 

@@ -1,9 +1,8 @@
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include <QDir>
 #include <QProcess>
-
-#include <memory>
 
 namespace {
 
@@ -14,12 +13,7 @@ QString program(const char *name)
 
 bool runs(const char *name, const QStringList &arguments, const QByteArray &input = {})
 {
-    QProcess process;
-    process.start(program(name), arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    return process.waitForFinished() && process.exitStatus() == QProcess::NormalExit &&
-           process.exitCode() == 0;
+    return outside::run(program(name), arguments, input).code == 0;
 }
 
 /// What a client said after a command.

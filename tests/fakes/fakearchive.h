@@ -14,7 +14,6 @@ struct FakeDocument
 {
     QStringList fields; ///< a row of getDocuments() without the rights letters
     QString rights = QStringLiteral("W");
-    QString creator = QStringLiteral("anna");
     bool trashed = false;
 };
 
@@ -46,6 +45,11 @@ public:
                         const QString &status = QStringLiteral("1"));
     /// Stores a file of a document that has no classification and returns its archive id.
     int addContent(const QString &fileName, const QByteArray &bytes);
+    /// The content of a stored search: "/" stands for the separator of fields, "|" for that of rows.
+    static QString searchContent(QString text)
+    {
+        return text.replace('/', QChar(0xFFFD)).replace('|', QChar(0xFFFC));
+    }
     /// Called by the fake clients first thing: records the call. False when the call is scripted to fail.
     bool begin(const QString &operation, const QString &arguments = QString());
 

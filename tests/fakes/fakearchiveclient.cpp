@@ -1,6 +1,5 @@
 #include "fakes/fakearchiveclient.h"
 
-#include "fakes/fakearchive.h"
 #include "server/recordformat.h"
 
 #include <QCoreApplication>
@@ -11,14 +10,9 @@
 
 namespace {
 
-FakeArchive &archive()
-{
-    return FakeArchive::instance();
-}
-
 bool knowsArchive(const QString &key)
 {
-    for (const QString &entry : qAsConst(archive().subArchives))
+    for (const QString &entry : qAsConst(FakeArchive::instance().subArchives))
         if (entry.section(recordformat::fieldSeparator, 1, 1) == key)
             return true;
     return false;
@@ -33,7 +27,7 @@ bool FakeArchiveClient::unsupported()
 
 bool FakeArchiveClient::refuse(const QString &text)
 {
-    archive().lastError = text;
+    m_archive.lastError = text;
     return false;
 }
 
@@ -43,11 +37,11 @@ bool FakeArchiveClient::transfer(qint64 bytes)
     emit totalFileSize(QString::number(bytes));
     qint64 done = 0;
     do {
-        done = qMin<qint64>(bytes, done + archive().pieceSize);
+        done = qMin<qint64>(bytes, done + m_archive.pieceSize);
         emit currentReadSize(QString::number(done));
         QCoreApplication::processEvents();
-        if (archive().duringTransfer)
-            archive().duringTransfer();
+        if (m_archive.duringTransfer)
+            m_archive.duringTransfer();
     } while (done < bytes && !m_cancelled);
     return !m_cancelled || refuse("The transfer was cancelled.");
 }
@@ -59,7 +53,7 @@ bool FakeArchiveClient::uploadDocument(QString archiveKey, QString localFile, bo
     const QScopedValueRollback<bool> transferring(m_transferring, true);
     QFile file(localFile);
     const QString name = QFileInfo(localFile).fileName();
-    if (!archive().begin("uploadDocument", name + (newDocument ? " new" : " version")))
+    if (!m_archive.begin("uploadDocument", name + (newDocument ? " new" : " version")))
         return false;
     if (!archiveKey.trimmed().isEmpty() && !knowsArchive(archiveKey))
         return refuse("There is no such archive.");
@@ -68,12 +62,12 @@ bool FakeArchiveClient::uploadDocument(QString archiveKey, QString localFile, bo
     if (!transfer(file.size()))
         return false;
     emit saveDocEnd();
-    QList<int> known = archive().contents.keys();
-    while (!known.isEmpty() && (newDocument || archive().contents[known.last()].fileName != name))
+    QList<int> known = m_archive.contents.keys();
+    while (!known.isEmpty() && (newDocument || m_archive.contents[known.last()].fileName != name))
         known.removeLast();
     const QByteArray bytes = file.readAll();
-    m_lastDocument = known.isEmpty() ? archive().addContent(name, bytes) : known.last();
-    archive().contents[int(m_lastDocument)].bytes = bytes;
+    m_lastDocument = known.isEmpty() ? m_archive.addContent(name, bytes) : known.last();
+    m_archive.contents[int(m_lastDocument)].bytes = bytes;
     return true;
 }
 
@@ -83,69 +77,43 @@ bool FakeArchiveClient::downloadDocument(int docId, QString &path, int mode)
     if (m_transferring)
         return refuse("A transfer is running.");
     const QScopedValueRollback<bool> transferring(m_transferring, true);
-    if (!archive().begin("downloadDocument", QString("%1 %2").arg(docId).arg(mode)))
+    if (!m_archive.begin("downloadDocument", QString("%1 %2").arg(docId).arg(mode)))
         return false;
-    if (!archive().contents.contains(docId))
+    if (!m_archive.contents.contains(docId))
         return refuse("The document does not exist.");
-    const FakeContent content = archive().contents.value(docId);
+    const FakeContent content = m_archive.contents.value(docId);
     if (!transfer(content.bytes.size()))
         return false;
     const QString suffix = QFileInfo(content.fileName).suffix();
     QTemporaryFile file(QDir::tempPath() + "/fake-XXXXXX" + (suffix.isEmpty() ? QString() : '.' + suffix));
-    file.setAutoRemove(archive().losesDownloads);
+    file.setAutoRemove(m_archive.losesDownloads);
     if (!file.open() || file.write(content.bytes) != content.bytes.size())
         return refuse("The file cannot be written.");
     path = file.fileName();
     if (mode == 0)
-        archive().openedDocuments << QString::number(docId);
+        m_archive.openedDocuments << QString::number(docId);
     return true;
 }
 
 bool FakeArchiveClient::countSubArchiveDocuments(int &count)
 {
-    count = archive().contents.size();
-    return archive().begin("countSubArchiveDocuments");
-}
-
-kelvaArchiveClientInterface *FakeArchiveClient::createClient(QString)
-{
-    return new FakeArchiveClient;
-}
-
-bool FakeArchiveClient::connectToArchive(QString, int)
-{
-    return archive().begin("connectToArchive");
-}
-
-bool FakeArchiveClient::disconnectFromArchive()
-{
-    return archive().begin("disconnectFromArchive");
-}
-
-QString FakeArchiveClient::lastError()
-{
-    return archive().lastError;
-}
-
-bool FakeArchiveClient::getSubArchives(QStringList &archives)
-{
-    archives = archive().subArchives;
-    return archive().begin("getSubArchives");
+    count = m_archive.contents.size();
+    return m_archive.begin("countSubArchiveDocuments");
 }
 
 bool FakeArchiveClient::selectArchive(QString archiveKey)
 {
-    if (!archive().begin("selectArchive", archiveKey))
+    if (!m_archive.begin("selectArchive", archiveKey))
         return false;
     return knowsArchive(archiveKey) || refuse("There is no such archive.");
 }
 
 QStringList FakeArchiveClient::searchDocuments(QString query)
 {
-    if (!archive().begin("searchDocuments", query))
+    if (!m_archive.begin("searchDocuments", query))
         return {};
     QStringList hits;
-    for (const FakeDocument &document : qAsConst(archive().documents)) {
+    for (const FakeDocument &document : qAsConst(m_archive.documents)) {
         const QString id = document.fields.at(0).section('#', 0, 0);
         if (document.fields.at(2).contains(query.trimmed(), Qt::CaseInsensitive))
             hits << id + recordformat::fieldSeparator + id;
@@ -155,16 +123,16 @@ QStringList FakeArchiveClient::searchDocuments(QString query)
 
 bool FakeArchiveClient::login(QString user, QString password)
 {
-    return archive().begin("login") && user == archive().login && password == archive().password;
+    return m_archive.begin("login") && user == m_archive.login && password == m_archive.password;
 }
 
 QStringList FakeArchiveClient::getDocumentInfo(QStringList docIds)
 {
     QStringList infos;
-    if (!archive().begin("getDocumentInfo", docIds.join(',')))
+    if (!m_archive.begin("getDocumentInfo", docIds.join(',')))
         return infos;
     const QChar l = recordformat::listSeparator;
-    for (auto content = archive().contents.cbegin(); content != archive().contents.cend(); ++content) {
+    for (auto content = m_archive.contents.cbegin(); content != m_archive.contents.cend(); ++content) {
         const QString id = QString::number(content.key());
         const QString name = content->fileName;
         if (docIds.contains(id))
@@ -176,10 +144,10 @@ QStringList FakeArchiveClient::getDocumentInfo(QStringList docIds)
 bool FakeArchiveClient::getDocumentActions(QStringList docIds, QStringList &actions, int, QString user)
 {
     actions.clear();
-    if (!archive().begin("getDocumentActions", docIds.join(',')))
+    if (!m_archive.begin("getDocumentActions", docIds.join(',')))
         return false;
     const QChar f = recordformat::fieldSeparator;
-    for (const QString &id : qAsConst(archive().openedDocuments))
+    for (const QString &id : qAsConst(m_archive.openedDocuments))
         if (docIds.contains(id))
             actions << id + f + "1" + f + "0" + f + "2024-03-06T10:20:30" + f + user;
     return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fakes/fakearchive.h"
 #include "server/kelvaarchiveclientinterface.h"
 
 /// The content side of the fake archive. Operations that no test needs yet fail and say so.
@@ -10,12 +11,12 @@ class FakeArchiveClient : public kelvaArchiveClientInterface
 public:
     explicit FakeArchiveClient(QObject *parent = nullptr) : kelvaArchiveClientInterface(parent) {}
 
-    kelvaArchiveClientInterface *createClient(QString directory) override;
-    bool connectToArchive(QString host, int port) override;
-    bool disconnectFromArchive() override;
-    QString lastError() override;
+    kelvaArchiveClientInterface *createClient(QString) override { return new FakeArchiveClient; }
+    bool connectToArchive(QString, int) override { return m_archive.begin("connectToArchive"); }
+    bool disconnectFromArchive() override { return m_archive.begin("disconnectFromArchive"); }
+    QString lastError() override { return m_archive.lastError; }
     bool countSubArchiveDocuments(int &count) override;
-    bool getSubArchives(QStringList &archives) override;
+    bool getSubArchives(QStringList &) override { return unsupported(); }
     bool selectArchive(QString archiveKey) override;
     bool downloadDocument(int docId, QString &path, int mode) override;
     qint64 getLastDocId() override { return m_lastDocument; }
@@ -42,6 +43,7 @@ private:
     /// Reports and lets events run, piece by piece; false when the transfer was cancelled.
     bool transfer(qint64 bytes);
 
+    FakeArchive &m_archive = FakeArchive::instance();
     bool m_transferring = false;
     bool m_cancelled = false;
     qint64 m_lastDocument = 0;

@@ -1,16 +1,10 @@
 #include "fakes/fakeclassifyclient.h"
 
-#include "fakes/fakearchive.h"
 #include "server/recordformat.h"
 
 #include <QRegularExpression>
 
 namespace {
-
-FakeArchive &archive()
-{
-    return FakeArchive::instance();
-}
 
 /// The few clauses that tests of the client's own logic use. False with known unset for any other.
 bool matches(const QString &clause, const FakeDocument &document, bool &known)
@@ -43,23 +37,17 @@ bool matches(const QString &clause, const FakeDocument &document, bool &known)
 
 bool FakeClassifyClient::unsupported()
 {
-    archive().begin("unsupported");
-    archive().lastError = "This is not available yet.";
+    m_archive.begin("unsupported");
+    m_archive.lastError = "This is not available yet.";
     return false;
-}
-
-ClassifyInterface *FakeClassifyClient::createClient(QString)
-{
-    archive().begin("createClient");
-    return new FakeClassifyClient;
 }
 
 bool FakeClassifyClient::connectClient(QString host, int port, QString user, QString password)
 {
-    if (!archive().begin("connectClient", user))
+    if (!m_archive.begin("connectClient", user))
         return false;
-    if (user != archive().login || password != archive().password) {
-        archive().lastError = "Wrong user name or password.";
+    if (user != m_archive.login || password != m_archive.password) {
+        m_archive.lastError = "Wrong user name or password.";
         return false;
     }
     m_host = host;
@@ -68,96 +56,20 @@ bool FakeClassifyClient::connectClient(QString host, int port, QString user, QSt
     return true;
 }
 
-void FakeClassifyClient::disconnectClient()
-{
-    archive().begin("disconnectClient");
-}
-
-QString FakeClassifyClient::getConnectionMode()
-{
-    return archive().connectionMode;
-}
-
-QString FakeClassifyClient::lastMessage()
-{
-    return archive().lastError;
-}
-
-QString FakeClassifyClient::lastError()
-{
-    return archive().lastError;
-}
-
-QString FakeClassifyClient::getLoginName()
-{
-    return m_login;
-}
-
-QStringList FakeClassifyClient::getUserRights()
-{
-    return archive().rights;
-}
-
-QString FakeClassifyClient::getServerHost()
-{
-    return m_host;
-}
-
-int FakeClassifyClient::getServerPort()
-{
-    return m_port;
-}
-
-QString FakeClassifyClient::getServerVersion()
-{
-    return "Fake 1";
-}
-
 void FakeClassifyClient::getArchiveList(QStringList &archives)
 {
-    archives = archive().begin("getArchiveList") ? archive().subArchives : QStringList();
-}
-
-QString FakeClassifyClient::getArchiveName()
-{
-    return "Main archive";
-}
-
-void FakeClassifyClient::setCurrentArchive(QString archiveKey)
-{
-    archive().begin("setCurrentArchive", archiveKey);
-    m_subArchive = archiveKey;
-}
-
-qint64 FakeClassifyClient::getProfileId()
-{
-    return m_profileId;
-}
-
-void FakeClassifyClient::setProfileId(qint64 id)
-{
-    m_profileId = id;
-}
-
-void FakeClassifyClient::reloadServerData()
-{
-    archive().begin("reloadServerData");
-}
-
-void FakeClassifyClient::refreshSession()
-{
-    archive().begin("refreshSession");
+    archives = m_archive.begin("getArchiveList") ? m_archive.subArchives : QStringList();
 }
 
 bool FakeClassifyClient::changeOwnPassword(QString oldPassword, QString newPassword)
 {
-    if (!archive().begin("changeOwnPassword"))
+    if (!m_archive.begin("changeOwnPassword"))
         return false;
-    if (oldPassword != archive().password) {
-        archive().lastError = "The old password is wrong.";
+    if (oldPassword != m_archive.password) {
+        m_archive.lastError = "The old password is wrong.";
         return false;
     }
-    archive().password = newPassword;
+    m_archive.password = newPassword;
     return true;
 }
 
@@ -169,8 +81,8 @@ bool FakeClassifyClient::changeExpiredPassword(QString, QString oldPassword, QSt
 
 QStringList FakeClassifyClient::getDocuments(QStringList filters)
 {
-    archive().queries << filters;
-    if (!archive().begin("getDocuments", filters.join(" | ")))
+    m_archive.queries << filters;
+    if (!m_archive.begin("getDocuments", filters.join(" | ")))
         return {};
     bool trash = false;
     int limit = -1;
@@ -184,14 +96,14 @@ QStringList FakeClassifyClient::getDocuments(QStringList filters)
             clauses << filter;
     }
     const QChar f = recordformat::fieldSeparator;
-    QStringList rows{archive().headerTitles.join(f) + f + "Rights"};
-    for (const FakeDocument &document : qAsConst(archive().documents)) {
+    QStringList rows{m_archive.headerTitles.join(f) + f + "Rights"};
+    for (const FakeDocument &document : qAsConst(m_archive.documents)) {
         bool wanted = document.trashed == trash;
         for (const QString &clause : qAsConst(clauses)) {
             bool known = false;
             wanted = matches(clause, document, known) && wanted;
             if (!known) {
-                archive().lastError = "Unknown clause: " + clause;
+                m_archive.lastError = "Unknown clause: " + clause;
                 return {};
             }
         }
@@ -203,95 +115,58 @@ QStringList FakeClassifyClient::getDocuments(QStringList filters)
 
 QStringList FakeClassifyClient::getDocument(QString docId, QString)
 {
-    if (!archive().begin("getDocument", docId) || !archive().documents.contains(docId.toInt()))
+    if (!m_archive.begin("getDocument", docId) || !m_archive.documents.contains(docId.toInt()))
         return {};
-    const FakeDocument document = archive().documents.value(docId.toInt());
+    const FakeDocument document = m_archive.documents.value(docId.toInt());
     return document.fields + QStringList(document.rights);
 }
 
 bool FakeClassifyClient::saveDocument(QString docId, QStringList fields)
 {
-    if (!archive().begin("saveDocument", docId) || !archive().documents.contains(docId.toInt()))
+    if (!m_archive.begin("saveDocument", docId) || !m_archive.documents.contains(docId.toInt()))
         return false;
-    FakeDocument &document = archive().documents[docId.toInt()];
+    FakeDocument &document = m_archive.documents[docId.toInt()];
     if (fields.value(3) != document.fields.at(4)) {
-        archive().lastError = "The entry has been changed by another user in the meantime.";
+        m_archive.lastError = "The entry has been changed by another user in the meantime.";
         return false;
     }
     for (int i = 0; i < fields.size() && i + 1 < document.fields.size(); ++i)
         document.fields[i + 1] = fields.at(i);
-    document.fields[4] = QString("1_%1").arg(archive().nextToken++);
+    document.fields[4] = QString("1_%1").arg(m_archive.nextToken++);
     return true;
-}
-
-qint64 FakeClassifyClient::countDocuments(QString where, bool)
-{
-    if (!archive().begin("countDocuments", where))
-        return -1;
-    qint64 count = 0;
-    for (const FakeDocument &document : qAsConst(archive().documents)) {
-        bool known = false;
-        count += matches(where, document, known) ? 1 : 0;
-        if (!known)
-            return -1;
-    }
-    return count;
-}
-
-bool FakeClassifyClient::moveToTrash(QStringList docIds)
-{
-    if (!archive().begin("moveToTrash", docIds.join(',')))
-        return false;
-    for (const QString &id : docIds)
-        archive().documents[id.toInt()].trashed = true;
-    return true;
-}
-
-bool FakeClassifyClient::restoreFromTrash(QStringList docIds)
-{
-    if (!archive().begin("restoreFromTrash", docIds.join(',')))
-        return false;
-    for (const QString &id : docIds)
-        archive().documents[id.toInt()].trashed = false;
-    return true;
-}
-
-QStringList FakeClassifyClient::getRoles()
-{
-    return {"kelvaADMIN", "kelvaCLASSIFY", "kelvaUSER", "r_anna"};
 }
 
 bool FakeClassifyClient::saveSearch(QString name, QString definition, QStringList roles)
 {
-    if (!archive().begin("saveSearch", name))
+    if (!m_archive.begin("saveSearch", name))
         return false;
-    const int id = archive().searches.isEmpty() ? 1 : archive().searches.lastKey() + 1;
-    archive().searches.insert(id, QStringList{name, definition} + roles);
+    const int id = m_archive.searches.isEmpty() ? 1 : m_archive.searches.lastKey() + 1;
+    m_archive.searches.insert(id, QStringList{name, definition} + roles);
     return true;
 }
 
 bool FakeClassifyClient::updateSearch(int id, QString name, QString definition, QStringList roles)
 {
-    if (!archive().begin("updateSearch", QString::number(id)) || !archive().searches.contains(id))
+    if (!m_archive.begin("updateSearch", QString::number(id)) || !m_archive.searches.contains(id))
         return false;
-    archive().searches.insert(id, QStringList{name, definition} + roles);
+    m_archive.searches.insert(id, QStringList{name, definition} + roles);
     return true;
 }
 
 bool FakeClassifyClient::deleteSearch(QString id)
 {
-    return archive().begin("deleteSearch", id) && archive().searches.remove(id.toInt()) > 0;
+    return m_archive.begin("deleteSearch", id) && m_archive.searches.remove(id.toInt()) > 0;
 }
 
 QStringList FakeClassifyClient::getSearches(QString user)
 {
     QStringList records;
-    if (!archive().begin("getSearches", user))
+    if (!m_archive.begin("getSearches", user))
         return records;
-    for (auto search = archive().searches.cbegin(); search != archive().searches.cend(); ++search) {
+    for (auto search = m_archive.searches.cbegin(); search != m_archive.searches.cend(); ++search) {
         const QStringList roles = search.value().mid(2);
-        bool open = archive().rights.contains("kelvaADMIN") || roles.contains("kelvaUSER");
-        for (const QString &right : qAsConst(archive().rights))
+        bool open = m_archive.rights.contains("kelvaADMIN") || roles.contains("kelvaUSER");
+        for (const QString &right : qAsConst(m_archive.rights))
             open = open || roles.contains(right);
         if (open)
             records << QStringList{QString::number(search.key()), search.value().at(0), search.value().at(1),
@@ -301,18 +176,13 @@ QStringList FakeClassifyClient::getSearches(QString user)
     return records;
 }
 
-QStringList FakeClassifyClient::getDescriptionCompletions()
-{
-    return {"Invoice", "Letter"};
-}
-
 bool FakeClassifyClient::getStatusList(QStringList &rows, QList<QByteArray> &pictures)
 {
     rows.clear();
     pictures.clear();
-    if (!archive().begin("getStatusList"))
+    if (!m_archive.begin("getStatusList"))
         return false;
-    rows = archive().statusRows;
+    rows = m_archive.statusRows;
     for (int i = 0; i < rows.size(); ++i)
         pictures << QByteArray();
     return true;
@@ -320,30 +190,13 @@ bool FakeClassifyClient::getStatusList(QStringList &rows, QList<QByteArray> &pic
 
 bool FakeClassifyClient::getSetting(QString section, QString key, QByteArray &value, QString &owner)
 {
-    if (!archive().begin("getSetting", key))
+    if (!m_archive.begin("getSetting", key))
         return false;
     owner.clear();
-    if (!archive().settings.contains(section + '/' + key)) {
-        archive().lastError = "No data found.";
+    if (!m_archive.settings.contains(section + '/' + key)) {
+        m_archive.lastError = "No data found.";
         return false;
     }
-    value = archive().settings.value(section + '/' + key);
+    value = m_archive.settings.value(section + '/' + key);
     return true;
-}
-
-bool FakeClassifyClient::saveSetting(QString section, QString key, QByteArray value, QString, bool update)
-{
-    if (!archive().begin("saveSetting", key))
-        return false;
-    if (!update && archive().settings.contains(section + '/' + key)) {
-        archive().lastError = "The setting exists already.";
-        return false;
-    }
-    archive().settings.insert(section + '/' + key, value);
-    return true;
-}
-
-QStringList FakeClassifyClient::getMinMaxDates()
-{
-    return archive().minMaxDates;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "fakes/fakearchive.h"
 #include "server/classifyinterface.h"
 
-/// The metadata side of the fake archive. Operations that no test needs yet fail and say so.
+/// The metadata side of the fake m_archive. Operations that no test needs yet fail and say so.
 class FakeClassifyClient : public ClassifyInterface
 {
     Q_OBJECT
@@ -10,7 +11,7 @@ class FakeClassifyClient : public ClassifyInterface
 public:
     explicit FakeClassifyClient(QObject *parent = nullptr) : ClassifyInterface(parent) {}
 
-    ClassifyInterface *createClient(QString reserved) override;
+    ClassifyInterface *createClient(QString) override { return new FakeClassifyClient; }
     bool createUser(QStringList) override { return unsupported(); }
     bool getUsers(QStringList &) override { return unsupported(); }
     bool deleteUser(QStringList) override { return unsupported(); }
@@ -23,23 +24,15 @@ public:
     bool connectClient(QString host, int port, QString user, QString password) override;
     bool getFolders(QStringList &, QList<QByteArray> &, bool) override { return unsupported(); }
     bool saveFolders(QStringList, QList<QByteArray>) override { return unsupported(); }
-    void disconnectClient() override;
-    QStringList getRoles() override;
+    void disconnectClient() override { m_archive.begin("disconnectClient"); }
+    QStringList getRoles() override { return {"kelvaADMIN", "kelvaCLASSIFY", "kelvaUSER", "r_anna"}; }
     bool createRole(QStringList) override { return unsupported(); }
     bool deleteRole(QStringList) override { return unsupported(); }
-    QStringList getUserRoles(QString) override
-    {
-        unsupported();
-        return {};
-    }
+    QStringList getUserRoles(QString) override { return none(); }
     bool setUserRoles(QString, QStringList) override { return unsupported(); }
-    QStringList getRoleUsers(QString) override
-    {
-        unsupported();
-        return {};
-    }
+    QStringList getRoleUsers(QString) override { return none(); }
     void setRoleUsers(QString, QStringList) override { unsupported(); }
-    QString getConnectionMode() override;
+    QString getConnectionMode() override { return m_archive.connectionMode; }
     bool saveDocument(QString docId, QStringList fields) override;
     void getArchiveList(QStringList &archives) override;
     QStringList getDocument(QString docId, QString extra) override;
@@ -48,61 +41,45 @@ public:
     bool getDocTypeSettings(QStringList &, QList<QByteArray> &) override { return unsupported(); }
     bool saveStatusList(QStringList, QList<QByteArray>) override { return unsupported(); }
     bool saveDocTypes(QStringList, QList<QByteArray>) override { return unsupported(); }
-    qint64 countDocuments(QString where, bool all) override;
-    QStringList getDescriptionCompletions() override;
-    QString lastMessage() override;
+    qint64 countDocuments(QString, bool) override { return unsupported() ? 0 : -1; }
+    QStringList getDescriptionCompletions() override { return {"Invoice", "Letter"}; }
+    QString lastMessage() override { return m_archive.lastError; }
     bool deleteDocumentVersion(QString, QString, QStringList) override { return unsupported(); }
     bool saveFolderMandant(QString, QStringList, QList<QByteArray>) override { return unsupported(); }
     bool getFolderMandant(QString, QStringList &, QList<QByteArray> &) override { return unsupported(); }
-    QStringList getClassifySettings(bool) override
-    {
-        unsupported();
-        return {};
-    }
-    QStringList getUserRights() override;
+    QStringList getClassifySettings(bool) override { return none(); }
+    QStringList getUserRights() override { return m_archive.rights; }
     bool getDocumentHistory(QString, QStringList &) override { return unsupported(); }
-    void setCurrentArchive(QString archiveKey) override;
-    QString getLoginName() override;
-    QString getServerHost() override;
-    int getServerPort() override;
+    void setCurrentArchive(QString key) override { m_archive.begin("setCurrentArchive", key); }
+    QString getLoginName() override { return m_login; }
+    QString getServerHost() override { return m_host; }
+    int getServerPort() override { return m_port; }
     bool getNextOid(QString &) override { return unsupported(); }
     bool saveSearch(QString name, QString definition, QStringList roles) override;
     bool deleteSearch(QString id) override;
     QStringList getSearches(QString user) override;
     bool updateSearch(int id, QString name, QString definition, QStringList roles) override;
-    QStringList getFolderRights(QString) override
-    {
-        unsupported();
-        return {};
-    }
+    QStringList getFolderRights(QString) override { return none(); }
     bool saveFolderRights(QString, QStringList) override { return unsupported(); }
-    QString getArchiveName() override;
-    QStringList getAttributes() override
-    {
-        unsupported();
-        return {};
-    }
+    QString getArchiveName() override { return "Main archive"; }
+    QStringList getAttributes() override { return none(); }
     bool saveAttributeValues(int, QStringList) override { return unsupported(); }
-    QStringList getAttributeValues(int) override
-    {
-        unsupported();
-        return {};
-    }
+    QStringList getAttributeValues(int) override { return none(); }
     bool saveAttributes(QStringList) override { return unsupported(); }
     bool archiveDocument(qint64, QString, QString, QString) override { return unsupported(); }
-    bool moveToTrash(QStringList docIds) override;
-    bool restoreFromTrash(QStringList docIds) override;
-    void reloadServerData() override;
-    void refreshSession() override;
-    QString lastError() override;
+    bool moveToTrash(QStringList) override { return unsupported(); }
+    bool restoreFromTrash(QStringList) override { return unsupported(); }
+    void reloadServerData() override { m_archive.begin("reloadServerData"); }
+    void refreshSession() override { m_archive.begin("refreshSession"); }
+    QString lastError() override { return m_archive.lastError; }
     bool createFolder(QString, QString, QString, QString) override { return unsupported(); }
-    bool saveSetting(QString section, QString key, QByteArray value, QString owner, bool update) override;
+    bool saveSetting(QString, QString, QByteArray, QString, bool) override { return unsupported(); }
     bool sslCommand(QString, QString) override { return unsupported(); }
     bool getSetting(QString section, QString key, QByteArray &value, QString &owner) override;
     bool moveDocumentToArchive(qint64, int) override { return unsupported(); }
     bool getIndexerInfo(QStringList &) override { return unsupported(); }
     bool recreateIndex() override { return unsupported(); }
-    QStringList getMinMaxDates() override;
+    QStringList getMinMaxDates() override { return m_archive.minMaxDates; }
     bool ldapCommand(QString, QStringList, QList<QByteArray>, QStringList &, QList<QByteArray> &) override
     {
         return unsupported();
@@ -111,16 +88,22 @@ public:
     {
         return unsupported();
     }
-    qint64 getProfileId() override;
-    void setProfileId(qint64 id) override;
-    QString getServerVersion() override;
+    qint64 getProfileId() override { return m_profileId; }
+    void setProfileId(qint64 id) override { m_profileId = id; }
+    QString getServerVersion() override { return "Fake 1"; }
 
 private:
     bool unsupported();
+    QStringList none()
+    {
+        unsupported();
+        return {};
+    }
+
+    FakeArchive &m_archive = FakeArchive::instance();
 
     QString m_login;
     QString m_host;
     int m_port = 0;
     qint64 m_profileId = 0;
-    QString m_subArchive;
 };

@@ -1,4 +1,5 @@
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "admin/samplefiles.h"
 #include "indexer/extractor.h"
@@ -54,33 +55,30 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("text");
-        QTest::newRow("a PDF") << "a.PDF" << samplefiles::pdf({QString::fromUtf8("Grüße (aus)"), "Lindau"})
-                               << "Grüße (aus) Lindau";
-        QTest::newRow("UTF-8") << "a.txt" << QByteArray("Grüße\r\n\taus\x01Lindau \xe2\x82\xac")
-                               << "Grüße aus Lindau €";
-        QTest::newRow("UTF-8 that breaks off in a character")
-            << "a.md" << QByteArray("Grüße \xe2\x82") << "Grüße";
-        QTest::newRow("Windows-1252") << "a.csv"
-                                      << QByteArray("Gr\xfc\xdf"
-                                                    "e;\x80")
-                                      << "Grüße;€";
-        QTest::newRow("UTF-16") << "a.log" << QByteArray("\xff\xfeG\0r\0\xfc\0", 8) << "Grü";
-        QTest::newRow("a page") << "a.html"
-                                << QByteArray(
-                                       "<!DOCTYPE html><html><head><title>Offer</title><style>p { hidden }"
-                                       "</style><script>if (1 < 2) hidden('</p>')</script></head><body>"
-                                       "<p title='a > b'>Rech<b>nung</b></p><!-- <p>hidden</p> -->"
-                                       "M&uuml;ller &amp; S&#246;hne&#x20AC; a &lt; b &unknown; AT&T 1 < 2"
-                                       "<br>silben&shy;trennung<p")
-                                << "Offer Rechnung Müller & Söhne€ a < b &unknown; AT&T 1 < 2 silbentrennung";
-        QTest::newRow("a page of an older encoding") << "a.htm"
-                                                     << QByteArray("<meta charset=iso-8859-1><p>Gr\xfc\xdf"
-                                                                   "e")
-                                                     << "Grüße";
-        QTest::newRow("a flat spreadsheet")
-            << "a.fods" << samplefiles::spreadsheet({{"Item", "Price"}, {"Beam", "12.5"}})
-            << "Item Price Beam 12.5";
-        QTest::newRow("an empty file") << "a.txt" << QByteArray("") << "";
+        kelvatest::row("a PDF", "a.PDF", samplefiles::pdf({QString::fromUtf8("Grüße (aus)"), "Lindau"}),
+                       "Grüße (aus) Lindau");
+        kelvatest::row("UTF-8", "a.txt", QByteArray("Grüße\r\n\taus\x01Lindau \xe2\x82\xac"),
+                       "Grüße aus Lindau €");
+        kelvatest::row("UTF-8 that breaks off in a character", "a.md", QByteArray("Grüße \xe2\x82"), "Grüße");
+        kelvatest::row("Windows-1252", "a.csv",
+                       QByteArray("Gr\xfc\xdf"
+                                  "e;\x80"),
+                       "Grüße;€");
+        kelvatest::row("UTF-16", "a.log", QByteArray("\xff\xfeG\0r\0\xfc\0", 8), "Grü");
+        kelvatest::row("a page", "a.html",
+                       QByteArray("<!DOCTYPE html><html><head><title>Offer</title><style>p { hidden }"
+                                  "</style><script>if (1 < 2) hidden('</p>')</script></head><body>"
+                                  "<p title='a > b'>Rech<b>nung</b></p><!-- <p>hidden</p> -->"
+                                  "M&uuml;ller &amp; S&#246;hne&#x20AC; a &lt; b &unknown; AT&T 1 < 2"
+                                  "<br>silben&shy;trennung<p"),
+                       "Offer Rechnung Müller & Söhne€ a < b &unknown; AT&T 1 < 2 silbentrennung");
+        kelvatest::row("a page of an older encoding", "a.htm",
+                       QByteArray("<meta charset=iso-8859-1><p>Gr\xfc\xdf"
+                                  "e"),
+                       "Grüße");
+        kelvatest::row("a flat spreadsheet", "a.fods",
+                       samplefiles::spreadsheet({{"Item", "Price"}, {"Beam", "12.5"}}),
+                       "Item Price Beam 12.5");
     }
 
     void wordsOfPlainFiles()
@@ -88,7 +86,7 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
         QFETCH(QString, text);
-        write(name, bytes);
+        outside::write(m_directory.filePath(name), bytes);
         QCOMPARE(extract(name, {}), Extractor::Outcome::Done);
         QCOMPARE(m_text, text);
     }
@@ -98,44 +96,40 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<Members>("members");
         QTest::addColumn<QString>("text");
-        QTest::newRow("OpenDocument")
-            << "a.odt"
-            << Members{{"mimetype", "hidden"},
-                       {"meta.xml", openDocument("<text:p>hidden</text:p>")},
-                       {"content.xml",
-                        openDocument(
-                            "<text:tracked-changes><text:p>hidden</text:p></text:tracked-changes>"
-                            "<text:h>Offer</text:h><text:p>Rech<text:span>nung</text:span><text:s/>an"
-                            "<text:tab/>M&#xfc;ller &amp; Co</text:p><office:binary-data>aGlk"
-                            "</office:binary-data>")},
-                       {"styles.xml", openDocument("<text:p>Page head</text:p>hidden")}}
-            << "Offer Rechnung an Müller & Co Page head";
-        QTest::newRow("a text of Office Open XML")
-            << "a.docx"
-            << Members{{"word/document.xml",
-                        "<w:d xmlns:w='w'><w:p><w:r><w:t>Rech</w:t></w:r><w:r><w:t>nung"
-                        "</w:t><w:tab/><w:t>2</w:t><w:delText>hidden</w:delText></w:r></w:p>"
-                        "<w:p><w:t>Next</w:t></w:p></w:d>"},
-                       {"word/settings.xml", "<w:t xmlns:w='w'>hidden</w:t>"},
-                       {"word/header1.xml", "<w:p xmlns:w='w'><w:t>Head</w:t></w:p>"}}
-            << "Rechnung 2 Next Head";
-        QTest::newRow("a spreadsheet of Office Open XML")
-            << "a.xlsx"
-            << Members{{"xl/sharedStrings.xml",
-                        "<sst><si><t>Beam</t><rPh><t>hidden</t></rPh></si><si><r><t>Pla"
-                        "</t></r><r><t>nk</t></r></si></sst>"},
-                       {"xl/worksheets/sheet1.xml", "<s><row><c t='s'><v>4711</v></c><c><v>12.5</v></c><c "
-                                                    "t='inlineStr'><is><t>in</t></is></c>"
-                                                    "<c t='str'><f>A1</f><v>sum</v></c></row></s>"}}
-            << "Beam Plank 12.5 in sum";
-        QTest::newRow("slides of Office Open XML")
-            << "a.pptx"
-            << Members{{"ppt/slides/slide1.xml",
-                        "<s xmlns:a='a'><a:p><a:t>One</a:t></a:p><a:p><a:t>Two</a:t></a:p>"
-                        "</s>"},
-                       {"ppt/slideLayouts/l.xml", "<s xmlns:a='a'><a:t>hidden</a:t></s>"},
-                       {"ppt/notesSlides/n1.xml", "<s xmlns:a='a'><a:t>Three</a:t></s>"}}
-            << "One Two Three";
+        kelvatest::row(
+            "OpenDocument", "a.odt",
+            Members{{"mimetype", "hidden"},
+                    {"meta.xml", openDocument("<text:p>hidden</text:p>")},
+                    {"content.xml",
+                     openDocument("<text:tracked-changes><text:p>hidden</text:p></text:tracked-changes>"
+                                  "<text:h>Offer</text:h><text:p>Rech<text:span>nung</text:span><text:s/>an"
+                                  "<text:tab/>M&#xfc;ller &amp; Co</text:p><office:binary-data>aGlk"
+                                  "</office:binary-data>")},
+                    {"styles.xml", openDocument("<text:p>Page head</text:p>hidden")}},
+            "Offer Rechnung an Müller & Co Page head");
+        kelvatest::row("a text of Office Open XML", "a.docx",
+                       Members{{"word/document.xml",
+                                "<w:d xmlns:w='w'><w:p><w:r><w:t>Rech</w:t></w:r><w:r><w:t>nung"
+                                "</w:t><w:tab/><w:t>2</w:t><w:delText>hidden</w:delText></w:r></w:p>"
+                                "<w:p><w:t>Next</w:t></w:p></w:d>"},
+                               {"word/settings.xml", "<w:t xmlns:w='w'>hidden</w:t>"},
+                               {"word/header1.xml", "<w:p xmlns:w='w'><w:t>Head</w:t></w:p>"}},
+                       "Rechnung 2 Next Head");
+        kelvatest::row(
+            "a spreadsheet of Office Open XML", "a.xlsx",
+            Members{{"xl/sharedStrings.xml", "<sst><si><t>Beam</t><rPh><t>hidden</t></rPh></si><si><r><t>Pla"
+                                             "</t></r><r><t>nk</t></r></si></sst>"},
+                    {"xl/worksheets/sheet1.xml", "<s><row><c t='s'><v>4711</v></c><c><v>12.5</v></c><c "
+                                                 "t='inlineStr'><is><t>in</t></is></c>"
+                                                 "<c t='str'><f>A1</f><v>sum</v></c></row></s>"}},
+            "Beam Plank 12.5 in sum");
+        kelvatest::row("slides of Office Open XML", "a.pptx",
+                       Members{{"ppt/slides/slide1.xml",
+                                "<s xmlns:a='a'><a:p><a:t>One</a:t></a:p><a:p><a:t>Two</a:t></a:p>"
+                                "</s>"},
+                               {"ppt/slideLayouts/l.xml", "<s xmlns:a='a'><a:t>hidden</a:t></s>"},
+                               {"ppt/notesSlides/n1.xml", "<s xmlns:a='a'><a:t>Three</a:t></s>"}},
+                       "One Two Three");
     }
 
     void wordsOfZippedFiles()
@@ -164,31 +158,24 @@ private slots:
         const QByteArray bomb = openDocument("<text:p>" + QByteArray(30000000, ' ') + "</text:p>");
         const QByteArray entities = "<!DOCTYPE d [<!ENTITY a 'laugh'><!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;'>"
                                     "<!ENTITY c '&b;&b;&b;&b;&b;&b;&b;&b;'>]><d><p>&c;</p></d>";
-        QTest::newRow("noise called a PDF") << "a.pdf" << noise << ExtractorLimits();
-        QTest::newRow("a PDF that breaks off")
-            << "a.pdf" << QByteArray("%PDF-1.4\n1 0 obj\n<<") << ExtractorLimits();
-        QTest::newRow("noise called a text document") << "a.docx" << noise << ExtractorLimits();
-        QTest::newRow("noise called a flat document") << "a.fodt" << noise << ExtractorLimits();
-        QTest::newRow("a zip file without a document")
-            << "a.odt" << zipped("other.xml", "<a/>") << ExtractorLimits();
-        QTest::newRow("a zip file that breaks off")
-            << "a.odt" << zipped("content.xml", openDocument("<text:p>x</text:p>")).chopped(60)
-            << ExtractorLimits();
-        QTest::newRow("XML that breaks off")
-            << "a.odt" << zipped("content.xml", openDocument("<text:p>x").left(180)) << ExtractorLimits();
-        QTest::newRow("a little that unpacks to a lot") << "a.odt" << zipped("content.xml", bomb) << small;
-        QTest::newRow("entities that grow") << "a.fodt" << entities << ExtractorLimits();
-        QTest::newRow("zipped entities")
-            << "a.docx" << zipped("word/document.xml", entities) << ExtractorLimits();
-        QTest::newRow("an entity that names a file")
-            << "a.fodt" << QByteArray("<!DOCTYPE d [<!ENTITY a SYSTEM '/etc/passwd'>]><d><p>&a;</p></d>")
-            << ExtractorLimits();
+        kelvatest::row("noise called a PDF", "a.pdf", noise, ExtractorLimits());
+        kelvatest::row("a PDF that breaks off", "a.pdf", QByteArray("%PDF-1.4\n1 0 obj\n<<"),
+                       ExtractorLimits());
+        kelvatest::row("a zip file without a document", "a.odt", zipped("other.xml", "<a/>"),
+                       ExtractorLimits());
+        kelvatest::row("a zip file that breaks off", "a.odt",
+                       zipped("content.xml", openDocument("<text:p>x</text:p>")).chopped(60),
+                       ExtractorLimits());
+        kelvatest::row("a little that unpacks to a lot", "a.odt", zipped("content.xml", bomb), small);
+        kelvatest::row("entities that grow", "a.fodt", entities, ExtractorLimits());
+        kelvatest::row("an entity that names a file", "a.fodt",
+                       QByteArray("<!DOCTYPE d [<!ENTITY a SYSTEM '/etc/passwd'>]><d><p>&a;</p></d>"),
+                       ExtractorLimits());
 #ifndef __SANITIZE_ADDRESS__
-        QTest::newRow("more than fits into memory")
-            << "a.odt"
-            << zipped("content.xml",
-                      openDocument("<text:p a='" + QByteArray(120000000, 'x') + "'>x</text:p>"))
-            << large;
+        kelvatest::row(
+            "more than fits into memory", "a.odt",
+            zipped("content.xml", openDocument("<text:p a='" + QByteArray(120000000, 'x') + "'>x</text:p>")),
+            large);
 #endif
     }
 
@@ -197,7 +184,7 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
         QFETCH(ExtractorLimits, limits);
-        write(name, bytes);
+        outside::write(m_directory.filePath(name), bytes);
         QCOMPARE(extract(name, limits), Extractor::Outcome::Failed);
         QCOMPARE(m_text, QString());
     }
@@ -206,8 +193,8 @@ private slots:
     {
         QTest::addColumn<bool>("isCancelled");
         QTest::addColumn<Extractor::Outcome>("outcome");
-        QTest::newRow("by the time limit") << false << Extractor::Outcome::Failed;
-        QTest::newRow("by the caller") << true << Extractor::Outcome::Cancelled;
+        kelvatest::row("by the time limit", false, Extractor::Outcome::Failed);
+        kelvatest::row("by the caller", true, Extractor::Outcome::Cancelled);
     }
 
     void aReaderThatNeverEndsIsEnded()
@@ -215,7 +202,7 @@ private slots:
         QFETCH(bool, isCancelled);
         QFETCH(Extractor::Outcome, outcome);
         // Nobody ever writes to this pipe.
-        const QString path = m_directory.filePath(QStringLiteral("pipe.txt"));
+        const QString path = m_directory.filePath("pipe.txt");
         QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
         ExtractorLimits limits;
         limits.timeoutMs = isCancelled ? 60000 : 300;
@@ -234,54 +221,36 @@ private slots:
         QTest::addColumn<QByteArray>("bytes");
         QStringList lines;
         for (int i = 0; i < 20000; ++i)
-            lines << QStringLiteral("line");
-        QTest::newRow("PDF") << "a.pdf" << samplefiles::pdf(lines);
-        QTest::newRow("text") << "a.txt" << samplefiles::text(lines);
-        QTest::newRow("page") << "a.html" << samplefiles::text(lines);
-        QTest::newRow("flat") << "a.fods" << samplefiles::spreadsheet({lines});
+            lines << "line";
+        kelvatest::row("PDF", "a.pdf", samplefiles::pdf(lines));
+        kelvatest::row("text", "a.txt", samplefiles::text(lines));
+        kelvatest::row("page", "a.html", samplefiles::text(lines));
+        kelvatest::row("flat", "a.fods", samplefiles::spreadsheet({lines}));
     }
 
     void onlyTheBeginningOfALongTextIsTaken()
     {
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
-        write(name, bytes);
+        outside::write(m_directory.filePath(name), bytes);
         ExtractorLimits limits;
         limits.characters = 200;
         QCOMPARE(extract(name, limits), Extractor::Outcome::Done);
-        QVERIFY(m_text.startsWith(QStringLiteral("line line")));
+        QVERIFY(m_text.startsWith("line line"));
         QVERIFY2(m_text.size() > 150 && m_text.size() <= 200, qPrintable(QString::number(m_text.size())));
     }
 
-    void aMissingProgramIsNotTheFilesFault()
-    {
-        write(QStringLiteral("a.txt"), "x");
-        const Extractor missing(m_directory.filePath(QStringLiteral("none")));
-        QVERIFY(!missing.isInstalled());
-        QCOMPARE(
-            missing.extract(m_directory.filePath(QStringLiteral("a.txt")), FileKind::Plain, nullptr, &m_text),
-            Extractor::Outcome::NoProgram);
-    }
-
 private:
-    void write(const QString &name, const QByteArray &bytes)
-    {
-        QFile file(m_directory.filePath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            qFatal("the test file could not be written");
-    }
-
     QByteArray zipped(const QString &name, const QByteArray &bytes)
     {
-        const QString path = m_directory.filePath(QStringLiteral("made.zip"));
+        const QString path = m_directory.filePath("made.zip");
         writeZip(path, {{name, bytes}});
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return outside::read(path);
     }
 
     Extractor::Outcome extract(const QString &name, const ExtractorLimits &limits)
     {
-        m_text = QStringLiteral("old");
+        m_text = "old";
         return Extractor(KELVATEXTRACT, limits)
             .extract(m_directory.filePath(name), *kindOfFile(name), nullptr, &m_text);
     }

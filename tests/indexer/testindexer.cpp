@@ -1,4 +1,5 @@
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "service/testarchive.h"
 
@@ -27,77 +28,55 @@ private slots:
     void init()
     {
         m_archive = std::make_unique<TestArchive>();
-        m_session = m_archive->login(QStringLiteral("admin"), QStringLiteral("secret"));
+        m_session = m_archive->login();
         m_now = QDateTime(QDate(2024, 3, 5), QTime(10, 0), Qt::UTC);
     }
 
     void contentIsFoundWithRightsOnly()
     {
-        m_archive->addUser(QStringLiteral("clerk"), {rights::personalPrefix + "clerk"});
-        const qint64 open = store(QStringLiteral("Offer.txt"), "turpentine", QStringLiteral("1.1"));
-        const qint64 secret = store(QStringLiteral("Plan.txt"), "turpentine", QStringLiteral("2.1"));
-        QCOMPARE(Content(*m_session).search(QStringLiteral("turpentine")).value(), QStringList());
-        QCOMPARE(runToEnd(), QStringLiteral("2 done, 0 failed"));
+        m_archive->addUser("clerk", {rights::personalPrefix + "clerk"});
+        const qint64 open = store("Offer.txt", "turpentine", "1.1");
+        const qint64 secret = store("Plan.txt", "turpentine", "2.1");
+        QCOMPARE(Content(*m_session).search("turpentine").value(), QStringList());
+        QCOMPARE(runToEnd(), QString("2 done, 0 failed"));
         QCOMPARE(found(*m_session), QStringList({id(open), id(secret)}));
-        const auto clerk = m_archive->login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const auto clerk = m_archive->login("clerk");
         QCOMPARE(found(*clerk), QStringList{id(open)});
-        const QStringList rows = listDocuments(*clerk, {QStringLiteral("OPT:FULLTEXT") +
-                                                        recordformat::fieldSeparator + "turpentine"})
-                                     .value();
-        QCOMPARE(descriptionsOf(rows), QStringList{QStringLiteral("Offer.txt")});
-    }
-
-    void whatFailsIsNotTriedAgain()
-    {
-        store(QStringLiteral("Broken.pdf"), "no PDF", QStringLiteral("1"));
-        store(QStringLiteral("Picture.png"), "turpentine", QStringLiteral("1"));
-        QCOMPARE(counts(), joinFields({"0", "2"}));
-        QCOMPARE(runToEnd(), QStringLiteral("1 done, 1 failed"));
-        QCOMPARE(runToEnd(), QStringLiteral("0 done, 0 failed"));
-        QCOMPARE(counts(), joinFields({"4", "1"}) + ' ' + joinFields({"6", "1"}));
-        QCOMPARE(found(*m_session), QStringList());
+        const QStringList rows =
+            listDocuments(*clerk, {QString("OPT:FULLTEXT") + recordformat::fieldSeparator + "turpentine"})
+                .value();
+        QCOMPARE(descriptionsOf(rows), QStringList{"Offer.txt"});
     }
 
     void copiesForTheReaderAreRemoved()
     {
-        const QString mine = makeTemporaryFile(QStringLiteral("Offer.txt")).value();
+        const QString mine = makeTemporaryFile("Offer.txt").value();
         const QDir directory = QFileInfo(mine).absoluteDir();
-        QFile abandoned(directory.filePath(QStringLiteral("kelva-indexed-copy-a.pdf")));
+        QFile abandoned(directory.filePath("kelva-indexed-copy-a.pdf"));
         QVERIFY(abandoned.open(QIODevice::WriteOnly));
         QVERIFY(abandoned.setFileTime(QDateTime::currentDateTime().addDays(-1), QFile::FileModificationTime));
         abandoned.close();
-        QFile inUse(directory.filePath(QStringLiteral("kelva-indexed-copy-b.pdf")));
+        QFile inUse(directory.filePath("kelva-indexed-copy-b.pdf"));
         QVERIFY(inUse.open(QIODevice::WriteOnly));
         const QStringList before = directory.entryList(QDir::Files);
-        store(QStringLiteral("Broken.pdf"), "no PDF", QStringLiteral("1"));
-        store(QStringLiteral("Good.txt"), "turpentine", QStringLiteral("1"));
-        QCOMPARE(runToEnd(), QStringLiteral("1 done, 1 failed"));
+        store("Broken.pdf", "no PDF", "1");
+        store("Good.txt", "turpentine", "1");
+        QCOMPARE(runToEnd(), QString("1 done, 1 failed"));
         QStringList expected = before;
-        QVERIFY(expected.removeOne(QStringLiteral("kelva-indexed-copy-a.pdf")));
+        QVERIFY(expected.removeOne("kelva-indexed-copy-a.pdf"));
         QCOMPARE(directory.entryList(QDir::Files), expected);
         QVERIFY(inUse.remove() && QFile::remove(mine));
     }
 
-    void aNewVersionReplacesTheText()
-    {
-        const qint64 document = store(QStringLiteral("Offer.txt"), "turpentine", QStringLiteral("1"));
-        runToEnd();
-        QCOMPARE(storeVersion(QStringLiteral("Offer.txt"), "varnish"), document);
-        QCOMPARE(counts(), joinFields({"0", "1"}));
-        QCOMPARE(runToEnd(), QStringLiteral("1 done, 0 failed"));
-        QCOMPARE(found(*m_session), QStringList());
-        QCOMPARE(found(*m_session, QStringLiteral("varnish")), QStringList{id(document)});
-    }
-
     void aVersionThatComesMeanwhileIsNotLost()
     {
-        store(QStringLiteral("Offer.txt"), "turpentine", QStringLiteral("1"));
+        store("Offer.txt", "turpentine", "1");
         bool isStored = false;
         IndexerOptions slow = options();
         slow.cancelled = [&] {
             if (!isStored) {
                 isStored = true;
-                storeVersion(QStringLiteral("Offer.txt"), "varnish");
+                storeFile("Offer.txt", "varnish", false);
             }
             return false;
         };
@@ -107,13 +86,13 @@ private slots:
         QCOMPARE(counts(), joinFields({"0", "1"}));
         QCOMPARE(indexer->processNext().value(), Step::Done);
         QCOMPARE(found(*m_session), QStringList());
-        QCOMPARE(found(*m_session, QStringLiteral("varnish")).size(), 1);
+        QCOMPARE(found(*m_session, "varnish").size(), 1);
     }
 
     void twoIndexersShareTheWork()
     {
-        store(QStringLiteral("One.txt"), "turpentine", QStringLiteral("1"));
-        store(QStringLiteral("Two.txt"), "turpentine", QStringLiteral("1"));
+        store("One.txt", "turpentine", "1");
+        store("Two.txt", "turpentine", "1");
         const auto second = open(options());
         QVector<Step> others;
         IndexerOptions first = options();
@@ -131,11 +110,10 @@ private slots:
 
     void theClaimOfADeadProcessRunsOut()
     {
-        store(QStringLiteral("Offer.txt"), "turpentine", QStringLiteral("1"));
+        store("Offer.txt", "turpentine", "1");
         const auto claim = [this](int attempts) {
-            m_session->database().run(
-                QStringLiteral("UPDATE file_text SET claimant = 'dead', claimed = ?, attempts = ?"),
-                {m_now.toSecsSinceEpoch(), attempts});
+            m_session->database().run("UPDATE file_text SET claimant = 'dead', claimed = ?, attempts = ?",
+                                      {m_now.toSecsSinceEpoch(), attempts});
         };
         const auto indexer = open(options());
         claim(1);
@@ -153,36 +131,38 @@ private slots:
 
     void aDocumentThatIsBrokenOffStaysToDo()
     {
-        store(QStringLiteral("Offer.txt"), "turpentine", QStringLiteral("1"));
+        store("Offer.txt", "turpentine", "1");
         IndexerOptions stopping = options();
         stopping.cancelled = [] { return true; };
         const auto indexer = open(stopping);
         for (int i = 0; i < 5; ++i)
             QCOMPARE(indexer->processNext().value(), Step::Nothing);
-        QCOMPARE(runToEnd(), QStringLiteral("1 done, 0 failed"));
+        QCOMPARE(runToEnd(), QString("1 done, 0 failed"));
     }
 
     void onlyAdministratorsDoItAllAgain()
     {
-        m_archive->addUser(QStringLiteral("clerk"), {rights::classify});
-        const qint64 document = store(QStringLiteral("Offer.txt"), "turpentine", QStringLiteral("1"));
-        store(QStringLiteral("Broken.pdf"), "no PDF", QStringLiteral("1"));
-        runToEnd();
-        const auto clerk = m_archive->login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        m_archive->addUser("clerk", {rights::classify});
+        const qint64 document = store("Offer.txt", "turpentine", "1");
+        store("Broken.pdf", "no PDF", "1");
+        store("Picture.png", "turpentine", "1");
+        QCOMPARE(runToEnd(), QString("2 done, 1 failed"));
+        QCOMPARE(runToEnd(), QString("0 done, 0 failed")); // what failed is not tried again
+        const auto clerk = m_archive->login("clerk");
         QCOMPARE(FileTexts(*clerk).recreate().error().code, ErrorCode::Refused);
-        QVERIFY(!counts().startsWith(QLatin1Char('0')));
+        QCOMPARE(counts(), joinFields({"4", "2"}) + ' ' + joinFields({"6", "1"}));
         QCOMPARE(textOf(FileTexts(*m_session).recreate()), QString());
-        QCOMPARE(counts(), joinFields({"0", "2"}));
+        QCOMPARE(counts(), joinFields({"0", "3"}));
         QCOMPARE(found(*m_session), QStringList{id(document)});
-        QCOMPARE(runToEnd(), QStringLiteral("1 done, 1 failed"));
+        QCOMPARE(runToEnd(), QString("2 done, 1 failed"));
         QCOMPARE(archive::check(m_archive->path()).value(), QStringList());
     }
 
     void withoutTheProgramNothingIsMarked()
     {
-        store(QStringLiteral("Offer.txt"), "turpentine", QStringLiteral("1"));
+        store("Offer.txt", "turpentine", "1");
         IndexerOptions missing = options();
-        missing.extractor = Extractor(m_files.filePath(QStringLiteral("none")));
+        missing.extractor = Extractor(m_files.filePath("none"));
         QCOMPARE(Indexer::open(m_archive->path(), missing).error().code, ErrorCode::NotAvailable);
         QCOMPARE(counts(), joinFields({"0", "1"}));
     }
@@ -214,38 +194,29 @@ private:
             if (!step)
                 return step.error().text;
             if (step.value() == Step::Nothing)
-                return QStringLiteral("%1 done, %2 failed").arg(done).arg(failed);
+                return QString("%1 done, %2 failed").arg(done).arg(failed);
             ++(step.value() == Step::Done ? done : failed);
         }
     }
 
     qint64 storeFile(const QString &name, const QByteArray &bytes, bool newDocument)
     {
-        QFile file(m_files.filePath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            qFatal("the test file could not be written");
-        file.close();
-        const Result<qint64> stored = Content(*m_session).store(file.fileName(), newDocument, {});
+        const QString path = outside::write(m_files.filePath(name), bytes);
+        const Result<qint64> stored = Content(*m_session).store(path, newDocument, {});
         if (!stored)
             qFatal("%s", qPrintable(stored.error().text));
         return stored.value();
-    }
-
-    qint64 storeVersion(const QString &name, const QByteArray &bytes)
-    {
-        return storeFile(name, bytes, false);
     }
 
     /// Stores and classifies a file into a folder.
     qint64 store(const QString &name, const QByteArray &bytes, const QString &folder)
     {
         const qint64 document = storeFile(name, bytes, true);
-        const Result<void> classified = Documents(*m_session).classify(document, name, QStringLiteral("0"));
+        const Result<void> classified = Documents(*m_session).classify(document, name, "0");
         if (!classified)
             qFatal("%s", qPrintable(classified.error().text));
-        m_session->database().run(
-            QStringLiteral("UPDATE classification SET bemerkung = ?, folder = ? WHERE document = ?"),
-            {name, folder, document});
+        m_session->database().run("UPDATE classification SET bemerkung = ?, folder = ? WHERE document = ?",
+                                  {name, folder, document});
         return document;
     }
 
@@ -253,7 +224,7 @@ private:
 
     static QString id(qint64 document) { return QString::number(document); }
 
-    static QStringList found(Session &session, const QString &word = QStringLiteral("turpentine"))
+    static QStringList found(Session &session, const QString &word = "turpentine")
     {
         QStringList ids;
         const QStringList records = Content(session).search(word).value();

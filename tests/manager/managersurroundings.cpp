@@ -1,6 +1,7 @@
 #include "manager/managersurroundings.h"
 
 #include "server/recordformat.h"
+#include "support/outside.h"
 
 #include <QDir>
 #include <QFile>
@@ -48,13 +49,10 @@ Profile ProfileFixture::added(const Profile &profile)
 void ProfileFixture::writeFile(const QByteArray &bytes) const
 {
     QDir().mkpath(QFileInfo(store.file()).absolutePath());
-    QFile file(store.file());
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("%s", qPrintable(file.errorString()));
+    outside::write(store.file(), bytes);
 }
 
 QByteArray ProfileFixture::readFile() const
 {
-    QFile file(store.file());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return outside::read(store.file());
 }

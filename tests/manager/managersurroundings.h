@@ -1,5 +1,6 @@
 #pragma once
 
+#include "manager/connectionmanager.h"
 #include "manager/profile.h"
 #include "manager/profilestore.h"
 #include "service/testarchive.h"
@@ -27,4 +28,17 @@ public:
     ManagerSurroundings();
 
     TestArchive archive;
+};
+
+/// A Connection Manager that runs in this process and knows the profiles of the store.
+struct StartedManager
+{
+    explicit StartedManager(kelva::ProfileStore &store) : profiles(store), manager(profiles)
+    {
+        if (!manager.start().ok())
+            qFatal("the Connection Manager does not start");
+    }
+
+    kelva::ProfileList profiles;
+    kelva::ConnectionManager manager;
 };

@@ -2,6 +2,7 @@
 #include "manager/managersurroundings.h"
 #include "manager/profileblock.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "folders/workbenchdata.h"
 #include "server/kelvalogindata.h"
@@ -14,33 +15,8 @@
 #include <QLocalSocket>
 #include <QRegularExpression>
 #include <QSharedMemory>
-#include <QSignalSpy>
 
 using namespace kelva;
-
-class TestConnectionManager : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void aClientGetsItsProfileAndItsBlock();
-    void everyProfileHasABlockFromTheStart();
-    void aReloadIsAnsweredWithTheNewVocabulary();
-    void unchangedArchivesAreNotReadAgain();
-    void blocksReturnWhenTheTemporaryDirectoryWasSwept();
-    void aFaultyProfileDoesNotStopTheOthers_data();
-    void aFaultyProfileDoesNotStopTheOthers();
-    void aStuckBlockHoldsUpNobody();
-    void theProfileFileIsFollowed();
-    void removedProfilesLoseTheirBlock();
-    void requestsOfOneConnectionAreAnsweredInTurn();
-    void aSlowClientHoldsUpNobody();
-    void cutOffClients_data();
-    void cutOffClients();
-    void impatienceSparesThoseThatChoose();
-    void connectionsAreLimited();
-    void onlyOneManagerRuns();
-};
 
 namespace {
 
@@ -85,365 +61,282 @@ struct Client
 
 } // namespace
 
-void TestConnectionManager::aClientGetsItsProfileAndItsBlock()
+class TestConnectionManager : public QObject
 {
-    ManagerSurroundings s;
-    const Profile stored = s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY2(login.getProfile(profile, message, nullptr, false), qPrintable(message));
-    QCOMPARE(profile.id, stored.id);
-    QCOMPARE(profile.name + '|' + profile.host + '|' + profile.port, QString("Office|localhost|1"));
-    QCOMPARE(profile.user + '|' + profile.password, QString("admin|secret"));
-    QCOMPARE(profile.flag, true);
-    QCOMPARE(profile.archiveEntry, QString("Archive") + recordformat::fieldSeparator + "1");
-    QCOMPARE(profile.displayLine1 + '|' + profile.displayLine2, QString("Müller & Söhne|Second"));
-    QCOMPARE(profile.extraList1, QStringList({"a", "b"}));
-    QCOMPARE(profile.extraList2, QStringList(""));
-    WorkbenchData data;
-    QVERIFY(readWorkbenchData(::workbenchKey("admin", "localhost", 1, profile.id), data));
-    QTRY_COMPARE(manager.countUsers(stored.id), 1);
-    QCOMPARE(manager.countUsers(stored.id + 1), 0);
-}
+    Q_OBJECT
 
-void TestConnectionManager::everyProfileHasABlockFromTheStart()
-{
-    ManagerSurroundings s;
-    s.archive.addUser("anna", {"kelvaCLASSIFY"});
-    const Profile admin = s.added(s.profile("All", "admin"));
-    const Profile anna = s.added(s.profile("Some", "anna"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    QTRY_VERIFY(folderNames(admin).contains("Board"));
-    QTRY_VERIFY(folderNames(anna).contains("Office"));
-    QVERIFY(!folderNames(anna).contains("Board"));
-    QVERIFY(manager.stop(5000));
-}
-
-void TestConnectionManager::aReloadIsAnsweredWithTheNewVocabulary()
-{
-    ManagerSurroundings s;
-    const Profile profile = s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    const auto session = s.archive.login("admin", "secret");
-    kelvaLoginData login;
-    // One after the other, faster than file times can tell them apart.
-    for (int i = 0; i < 10; ++i) {
-        const QString name = QString("Fresh %1").arg(i);
-        addFolder(*session, name);
-        login.reloadProfile(profile.id);
-        QVERIFY2(folderNames(profile).contains(name), qPrintable(name));
-    }
-}
-
-void TestConnectionManager::unchangedArchivesAreNotReadAgain()
-{
-    ManagerSurroundings s;
-    const Profile profile = s.added(s.profile("Office"));
-    ProfileBlock block;
-    // The archive was made just now; once its times are old enough, nothing is read.
-    const auto isQuiet = [&] {
-        const int before = block.readings();
-        return block.renew(profile).ok() && block.readings() == before;
-    };
-    QTRY_VERIFY(isQuiet());
-    QVERIFY(isQuiet());
-    addFolder(*s.archive.login("admin", "secret"), "Fresh");
-    QVERIFY(!isQuiet());
-    QVERIFY(folderNames(profile).contains("Fresh"));
-    // Another profile's block stands elsewhere, and the old one goes.
-    Profile other = profile;
-    other.id += 1;
-    QVERIFY(block.renew(other).ok());
-    QVERIFY(hasBlock(other) && !hasBlock(profile));
-}
-
-void TestConnectionManager::blocksReturnWhenTheTemporaryDirectoryWasSwept()
-{
-    ManagerSurroundings s;
-    const Profile profile = s.added(s.profile("Office"));
-    ProfileBlock block;
-    QVERIFY(block.renew(profile).ok());
-    QDir directory(QDir::tempPath());
-    const QStringList keyFiles = directory.entryList({"qipc_*"});
-    QVERIFY(!keyFiles.isEmpty());
-    for (const QString &file : keyFiles)
-        QVERIFY(directory.remove(file));
-    QVERIFY(!hasBlock(profile));
-    const Result<void> renewed = block.renew(profile);
-    QVERIFY2(renewed.ok(), qPrintable(textOf(renewed)));
-    QVERIFY(folderNames(profile).contains("Office"));
-}
-
-void TestConnectionManager::aFaultyProfileDoesNotStopTheOthers_data()
-{
-    QTest::addColumn<QString>("port");
-    QTest::addColumn<QString>("user");
-    QTest::addColumn<QString>("fault");
-    QTest::newRow("the archive is gone") << "7"
-                                         << "admin"
-                                         << "no archive";
-    QTest::newRow("the file is no archive") << "8"
-                                            << "admin"
-                                            << "is no archive";
-    QTest::newRow("the user is unknown") << "1"
-                                         << "nobody"
-                                         << "nobody";
-    QTest::newRow("the port is no number") << "x"
-                                           << "admin"
-                                           << "not valid";
-}
-
-void TestConnectionManager::aFaultyProfileDoesNotStopTheOthers()
-{
-    QFETCH(QString, port);
-    QFETCH(QString, user);
-    QFETCH(QString, fault);
-    ManagerSurroundings s;
-    QFile noArchive(qEnvironmentVariable("KELVA_HOME") + "/8.kelva");
-    QVERIFY(noArchive.open(QIODevice::WriteOnly) && noArchive.write(QByteArray(5000, 'x')) > 0);
-    noArchive.close();
-    Profile faulty = s.profile("Faulty", user);
-    faulty.port = port;
-    faulty = s.added(faulty);
-    const Profile sound = s.added(s.profile("Sound"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    kelvaLoginData login;
-    QString message;
-    for (const Profile &wanted : {faulty, sound}) {
+private slots:
+    void aClientGetsItsProfileAndItsBlock()
+    {
+        ManagerSurroundings s;
+        const Profile stored = s.added(s.profile("Office"));
+        StartedManager started(s.store);
+        kelvaLoginData login;
         kelvaProfileData profile;
-        QVERIFY(login.getProfileById(profile, message, static_cast<int>(wanted.id)));
-        QCOMPARE(profile.name, wanted.name);
+        QString message;
+        QVERIFY2(login.getProfile(profile, message, nullptr, false), qPrintable(message));
+        QCOMPARE(profile.id, stored.id);
+        QCOMPARE(profile.name + '|' + profile.host + '|' + profile.port, QString("Office|localhost|1"));
+        QCOMPARE(profile.user + '|' + profile.password, QString("admin|secret"));
+        QCOMPARE(profile.flag, true);
+        QCOMPARE(profile.archiveEntry, QString("Archive") + recordformat::fieldSeparator + "1");
+        QCOMPARE(profile.displayLine1 + '|' + profile.displayLine2, QString("Müller & Söhne|Second"));
+        QCOMPARE(profile.extraList1, QStringList({"a", "b"}));
+        QCOMPARE(profile.extraList2, QStringList(""));
+        WorkbenchData data;
+        QVERIFY(readWorkbenchData(::workbenchKey("admin", "localhost", 1, profile.id), data));
+        QTRY_COMPARE(started.manager.countUsers(stored.id), 1);
+        QCOMPARE(started.manager.countUsers(stored.id + 1), 0);
     }
-    QVERIFY(folderNames(sound).contains("Office"));
-    QVERIFY(!hasBlock(faulty));
-    QCOMPARE(manager.blocks().fault(sound.id), QString());
-    QVERIFY2(manager.blocks().fault(faulty.id).contains(fault),
-             qPrintable(manager.blocks().fault(faulty.id)));
-}
 
-void TestConnectionManager::aStuckBlockHoldsUpNobody()
-{
-    ManagerSurroundings s;
-    const Profile stuck = s.added(s.profile("Stuck"));
-    const Profile free = s.added(s.profile("Free"));
-    BlockPublisher blocks;
-    blocks.setProfiles({stuck, free});
-    bool ready = false;
-    blocks.renew({stuck.id, free.id}, 30000, [&ready](bool) { ready = true; });
-    QTRY_VERIFY(ready);
-    // A client that was stopped while it read.
-    QSharedMemory reader(stuck.blockKey());
-    QVERIFY(reader.attach());
-    QVERIFY(reader.lock());
-    addFolder(*s.archive.login("admin", "secret"), "Fresh");
-    QString freeReady;
-    QString allReady;
-    const auto noteIn = [](QString &answer) {
-        return [&answer](bool inTime) { answer = inTime ? "in time" : "late"; };
-    };
-    blocks.renew({free.id}, 30000, noteIn(freeReady));
-    blocks.renew({stuck.id, free.id}, 200, noteIn(allReady));
-    QTRY_COMPARE(freeReady, QString("in time"));
-    QVERIFY(folderNames(free).contains("Fresh"));
-    QTRY_COMPARE(allReady, QString("late"));
-    QVERIFY(!blocks.finish(0));
-    reader.unlock();
-    QVERIFY(blocks.finish(10000));
-    QVERIFY(folderNames(stuck).contains("Fresh"));
-}
-
-void TestConnectionManager::theProfileFileIsFollowed()
-{
-    ManagerSurroundings s;
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    QSignalSpy changed(&profiles, &ProfileList::changed);
-    const Profile first = ProfileStore().add(s.profile("First")).value();
-    QTRY_VERIFY(hasBlock(first));
-    const Profile second = ProfileStore().add(s.profile("Second")).value();
-    QTRY_VERIFY(hasBlock(second));
-    QCOMPARE(profiles.profiles().size(), 2);
-    s.writeFile("{ damaged");
-    QTRY_VERIFY(profiles.fault().contains("damaged"));
-    // What it knew before serves on.
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY(login.getProfileById(profile, message, static_cast<int>(second.id)));
-    QVERIFY(changed.count() >= 3);
-    QCOMPARE(s.readFile(), QByteArray("{ damaged"));
-}
-
-void TestConnectionManager::removedProfilesLoseTheirBlock()
-{
-    ManagerSurroundings s;
-    const Profile first = s.added(s.profile("First"));
-    const Profile second = s.added(s.profile("Second"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    QTRY_VERIFY(hasBlock(first) && hasBlock(second));
-    QVERIFY(s.store.remove(first.id).ok());
-    QTRY_VERIFY(!hasBlock(first));
-    QVERIFY(hasBlock(second));
-}
-
-void TestConnectionManager::requestsOfOneConnectionAreAnsweredInTurn()
-{
-    ManagerSurroundings s;
-    const Profile profile = s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    Client client;
-    const QByteArray list = profileListAnswer({profile});
-    client.send("RELOADPROFILE#5\r\nGETPROFILES\r\nRELOADPROFILE#" + QByteArray::number(profile.id) +
-                "\r\nSHOWWINDOW\r\n");
-    const QByteArray expected = "There is no such profile.\r\n" + list + "OK\r\nNOWINDOW\r\n";
-    QTRY_COMPARE(client.socket.bytesAvailable(), qint64(expected.size()));
-    QCOMPARE(client.socket.readAll(), expected);
-    // And one that leaves without waiting.
+    void aReloadIsAnsweredWithTheNewVocabulary()
     {
-        Client hasty;
-        hasty.send("USEPROFILE#" + QByteArray::number(QCoreApplication::applicationPid()) + "#" +
-                   QByteArray::number(profile.id) + "#/opt/k\r\n");
+        ManagerSurroundings s;
+        const Profile profile = s.added(s.profile("Office"));
+        StartedManager started(s.store);
+        const auto session = s.archive.login("admin", "secret");
+        kelvaLoginData login;
+        // One after the other, faster than file times can tell them apart.
+        for (int i = 0; i < 10; ++i) {
+            const QString name = QString("Fresh %1").arg(i);
+            addFolder(*session, name);
+            login.reloadProfile(profile.id);
+            QVERIFY2(folderNames(profile).contains(name), qPrintable(name));
+        }
     }
-    QTRY_COMPARE(manager.countUsers(profile.id), 1);
-}
 
-void TestConnectionManager::aSlowClientHoldsUpNobody()
-{
-    ProfileFixture s;
-    s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    Client slow;
-    slow.send("GETPROF");
-    Client deaf; // asks and asks and takes no answer
-    deaf.socket.setReadBufferSize(1);
-    for (int i = 0; i < 16; ++i)
-        deaf.send("GETPROFILES\r\n");
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY(login.getProfile(profile, message, nullptr, false));
-    slow.send("ILES\r\n");
-    QTRY_VERIFY(slow.socket.bytesAvailable() > 8);
-}
-
-void TestConnectionManager::cutOffClients_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("garbage") << QByteArray("\x16\x03\x01\r\n\r\n", 7);
-    QTest::newRow("a line without end") << QByteArray(RequestParser::longestLine + 1, 'G');
-    QTest::newRow("megabytes of it") << QByteArray(8 * 1024 * 1024, 'G');
-    QTest::newRow("garbage behind a request") << QByteArray("GETPROFILES\r\nGETPROFILE\r\n");
-    QTest::newRow("a hundred requests at once") << QByteArray("GETPROFILES\r\n").repeated(100);
-}
-
-void TestConnectionManager::cutOffClients()
-{
-    QFETCH(QByteArray, bytes);
-    ProfileFixture s;
-    s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("a client was cut off"));
-    Client client;
-    client.send(bytes);
-    QTRY_VERIFY(client.isCutOff());
-    Client next;
-    next.send("GETPROFILES\r\n");
-    QTRY_VERIFY(next.socket.bytesAvailable() > 8);
-}
-
-void TestConnectionManager::impatienceSparesThoseThatChoose()
-{
-    ProfileFixture s;
-    QLocalServer::removeServer(socketName());
-    QLocalServer server;
-    QVERIFY(server.listen(socketName()));
-    const auto accept = [&server](int patienceMs) {
-        auto *connection = new ManagerConnection(
-            server.nextPendingConnection(), [](const Request &, const Answer &answer) { answer("OK\r\n"); },
-            &server);
-        connection->setPatience(patienceMs);
-    };
-    Client chooses;
-    QTRY_VERIFY(server.hasPendingConnections());
-    accept(1);
-    chooses.send("GETPROFILES\r\n");
-    QTRY_VERIFY(chooses.socket.canReadLine());
-    Client half;
-    QTRY_VERIFY(server.hasPendingConnections());
-    accept(50);
-    half.send("GETPROF");
-    Client silent;
-    QTRY_VERIFY(server.hasPendingConnections());
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("too slow"));
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("too slow"));
-    accept(50);
-    QTRY_VERIFY(half.isCutOff() && silent.isCutOff());
-    QVERIFY(!chooses.isCutOff());
-}
-
-void TestConnectionManager::connectionsAreLimited()
-{
-    ProfileFixture s;
-    s.added(s.profile("Office"));
-    ProfileList profiles(s.store);
-    ConnectionManager manager(profiles);
-    QVERIFY(manager.start().ok());
-    std::vector<std::unique_ptr<Client>> clients;
-    for (int i = 0; i < ManagerServer::mostConnections; ++i)
-        clients.push_back(std::make_unique<Client>());
-    Client oneMore;
-    oneMore.send("GETPROFILES\r\n");
-    QTRY_VERIFY(oneMore.socket.bytesAvailable() > 8);
-    QTRY_VERIFY(clients.front()->isCutOff());
-    QVERIFY(!clients.back()->isCutOff());
-}
-
-void TestConnectionManager::onlyOneManagerRuns()
-{
-    ProfileFixture s;
-    ProfileList profiles(s.store);
-    const QString socketFile = QDir::tempPath() + '/' + socketName();
+    void blocksReturnWhenTheTemporaryDirectoryWasSwept()
     {
-        // What a killed one leaves behind is in nobody's way.
-        QFile leftover(socketFile);
-        QVERIFY(leftover.open(QIODevice::WriteOnly));
+        ManagerSurroundings s;
+        const Profile profile = s.added(s.profile("Office"));
+        ProfileBlock block;
+        QVERIFY(block.renew(profile).ok());
+        QDir directory(QDir::tempPath());
+        const QStringList keyFiles = directory.entryList({"qipc_*"});
+        QVERIFY(!keyFiles.isEmpty());
+        for (const QString &file : keyFiles)
+            QVERIFY(directory.remove(file));
+        QVERIFY(!hasBlock(profile));
+        const Result<void> renewed = block.renew(profile);
+        QVERIFY2(renewed.ok(), qPrintable(textOf(renewed)));
+        QVERIFY(folderNames(profile).contains("Office"));
     }
+
+    void faultyProfilesDoNotStopTheOthers()
     {
-        ConnectionManager first(profiles);
-        QVERIFY(first.start().ok());
-        ConnectionManager second(profiles);
-        QCOMPARE(second.start().error().code, ErrorCode::InUse);
-        QVERIFY(ManagerServer::isAnswering());
-        QCOMPARE(QFile::permissions(socketFile) & (QFile::ReadOther | QFile::WriteOther | QFile::WriteGroup),
-                 QFile::Permissions());
+        ManagerSurroundings s;
+        outside::write(qEnvironmentVariable("KELVA_HOME") + "/8.kelva", QByteArray(5000, 'x'));
+        Profile noArchive = s.profile("A file that is no archive");
+        noArchive.port = "8";
+        noArchive = s.added(noArchive);
+        Profile noPort = s.profile("A port that is no number");
+        noPort.port = "x";
+        noPort = s.added(noPort);
+        const Profile sound = s.added(s.profile("Sound"));
+        StartedManager started(s.store);
+        kelvaLoginData login;
+        QString message;
+        for (const Profile &wanted : {noArchive, noPort, sound}) {
+            kelvaProfileData profile;
+            QVERIFY(login.getProfileById(profile, message, static_cast<int>(wanted.id)));
+            QCOMPARE(profile.name, wanted.name);
+        }
+        QVERIFY(folderNames(sound).contains("Office"));
+        QVERIFY(!hasBlock(noArchive) && !hasBlock(noPort));
+        const auto fault = [&started](const Profile &profile) {
+            return started.manager.blocks().fault(profile.id);
+        };
+        QCOMPARE(fault(sound), QString());
+        QVERIFY2(fault(noArchive).contains("is no archive"), qPrintable(fault(noArchive)));
+        QVERIFY2(fault(noPort).contains("not valid"), qPrintable(fault(noPort)));
     }
-    QVERIFY(!QFile::exists(socketFile));
-    // One that lost its lock file is found by its answer.
-    QLocalServer other;
-    QVERIFY(other.listen(socketName()));
-    ConnectionManager third(profiles);
-    QCOMPARE(third.start().error().code, ErrorCode::InUse);
-    QVERIFY(QFile::exists(socketFile));
-}
+
+    void aStuckBlockHoldsUpNobody()
+    {
+        ManagerSurroundings s;
+        const Profile stuck = s.added(s.profile("Stuck"));
+        const Profile free = s.added(s.profile("Free"));
+        BlockPublisher blocks;
+        blocks.setProfiles({stuck, free});
+        bool ready = false;
+        blocks.renew({stuck.id, free.id}, 30000, [&ready](bool) { ready = true; });
+        QTRY_VERIFY(ready);
+        // A client that was stopped while it read.
+        QSharedMemory reader(stuck.blockKey());
+        QVERIFY(reader.attach());
+        QVERIFY(reader.lock());
+        addFolder(*s.archive.login("admin", "secret"), "Fresh");
+        QString freeReady;
+        QString allReady;
+        const auto noteIn = [](QString &answer) {
+            return [&answer](bool inTime) { answer = inTime ? "in time" : "late"; };
+        };
+        blocks.renew({free.id}, 30000, noteIn(freeReady));
+        blocks.renew({stuck.id, free.id}, 200, noteIn(allReady));
+        QTRY_COMPARE(freeReady, QString("in time"));
+        QVERIFY(folderNames(free).contains("Fresh"));
+        QTRY_COMPARE(allReady, QString("late"));
+        QVERIFY(!blocks.finish(0));
+        reader.unlock();
+        QVERIFY(blocks.finish(10000));
+        QVERIFY(folderNames(stuck).contains("Fresh"));
+    }
+
+    void theProfileFileIsFollowed()
+    {
+        ManagerSurroundings s;
+        s.archive.addUser("anna", {"kelvaCLASSIFY"});
+        const Profile first = s.added(s.profile("All"));
+        StartedManager started(s.store);
+        QTRY_VERIFY(folderNames(first).contains("Board"));
+        const Profile second = ProfileStore().add(s.profile("Some", "anna")).value();
+        QTRY_VERIFY(folderNames(second).contains("Office"));
+        QVERIFY(!folderNames(second).contains("Board"));
+        QVERIFY(s.store.remove(first.id).ok());
+        QTRY_VERIFY(!hasBlock(first));
+        QVERIFY(hasBlock(second));
+        s.writeFile("{ damaged");
+        QTRY_VERIFY(started.profiles.fault().contains("damaged"));
+        // What it knew before serves on.
+        kelvaLoginData login;
+        kelvaProfileData profile;
+        QString message;
+        QVERIFY(login.getProfileById(profile, message, static_cast<int>(second.id)));
+        QCOMPARE(s.readFile(), QByteArray("{ damaged"));
+    }
+
+    void requestsOfOneConnectionAreAnsweredInTurn()
+    {
+        ManagerSurroundings s;
+        const Profile profile = s.added(s.profile("Office"));
+        StartedManager started(s.store);
+        Client client;
+        const QByteArray list = profileListAnswer({profile});
+        client.send("RELOADPROFILE#5\r\nGETPROFILES\r\nRELOADPROFILE#" + QByteArray::number(profile.id) +
+                    "\r\nSHOWWINDOW\r\n");
+        const QByteArray expected = "There is no such profile.\r\n" + list + "OK\r\nNOWINDOW\r\n";
+        QTRY_COMPARE(client.socket.bytesAvailable(), qint64(expected.size()));
+        QCOMPARE(client.socket.readAll(), expected);
+        // And one that leaves without waiting.
+        {
+            Client hasty;
+            hasty.send("USEPROFILE#" + QByteArray::number(QCoreApplication::applicationPid()) + "#" +
+                       QByteArray::number(profile.id) + "#/opt/k\r\n");
+        }
+        QTRY_COMPARE(started.manager.countUsers(profile.id), 1);
+    }
+
+    void aSlowClientHoldsUpNobody()
+    {
+        ProfileFixture s;
+        s.added(s.profile("Office"));
+        StartedManager started(s.store);
+        Client slow;
+        slow.send("GETPROF");
+        Client deaf; // asks and asks and takes no answer
+        deaf.socket.setReadBufferSize(1);
+        for (int i = 0; i < 16; ++i)
+            deaf.send("GETPROFILES\r\n");
+        kelvaLoginData login;
+        kelvaProfileData profile;
+        QString message;
+        QVERIFY(login.getProfile(profile, message, nullptr, false));
+        slow.send("ILES\r\n");
+        QTRY_VERIFY(slow.socket.bytesAvailable() > 8);
+    }
+
+    void cutOffClients_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        kelvatest::row("megabytes of it", QByteArray(8 * 1024 * 1024, 'G'));
+        kelvatest::row("garbage behind a request", QByteArray("GETPROFILES\r\nGETPROFILE\r\n"));
+        kelvatest::row("a hundred requests at once", QByteArray("GETPROFILES\r\n").repeated(100));
+    }
+
+    void cutOffClients()
+    {
+        QFETCH(QByteArray, bytes);
+        ProfileFixture s;
+        s.added(s.profile("Office"));
+        StartedManager started(s.store);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("a client was cut off"));
+        Client client;
+        client.send(bytes);
+        QTRY_VERIFY(client.isCutOff());
+        Client next;
+        next.send("GETPROFILES\r\n");
+        QTRY_VERIFY(next.socket.bytesAvailable() > 8);
+    }
+
+    void impatienceSparesThoseThatChoose()
+    {
+        ProfileFixture s;
+        QLocalServer::removeServer(socketName());
+        QLocalServer server;
+        QVERIFY(server.listen(socketName()));
+        const auto accept = [&server](int patienceMs) {
+            auto *connection = new ManagerConnection(
+                server.nextPendingConnection(),
+                [](const Request &, const Answer &answer) { answer("OK\r\n"); }, &server);
+            connection->setPatience(patienceMs);
+        };
+        Client chooses;
+        QTRY_VERIFY(server.hasPendingConnections());
+        accept(1);
+        chooses.send("GETPROFILES\r\n");
+        QTRY_VERIFY(chooses.socket.canReadLine());
+        Client half;
+        QTRY_VERIFY(server.hasPendingConnections());
+        accept(50);
+        half.send("GETPROF");
+        Client silent;
+        QTRY_VERIFY(server.hasPendingConnections());
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("too slow"));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("too slow"));
+        accept(50);
+        QTRY_VERIFY(half.isCutOff() && silent.isCutOff());
+        QVERIFY(!chooses.isCutOff());
+    }
+
+    void connectionsAreLimited()
+    {
+        ProfileFixture s;
+        s.added(s.profile("Office"));
+        StartedManager started(s.store);
+        std::vector<std::unique_ptr<Client>> clients;
+        for (int i = 0; i < ManagerServer::mostConnections; ++i)
+            clients.push_back(std::make_unique<Client>());
+        Client oneMore;
+        oneMore.send("GETPROFILES\r\n");
+        QTRY_VERIFY(oneMore.socket.bytesAvailable() > 8);
+        QTRY_VERIFY(clients.front()->isCutOff());
+        QVERIFY(!clients.back()->isCutOff());
+    }
+
+    void onlyOneManagerRuns()
+    {
+        ProfileFixture s;
+        ProfileList profiles(s.store);
+        const QString socketFile = QDir::tempPath() + '/' + socketName();
+        {
+            ConnectionManager first(profiles);
+            QVERIFY(first.start().ok());
+            ConnectionManager second(profiles);
+            QCOMPARE(second.start().error().code, ErrorCode::InUse);
+            QVERIFY(ManagerServer::isAnswering());
+            QCOMPARE(QFile::permissions(socketFile) &
+                         (QFile::ReadOther | QFile::WriteOther | QFile::WriteGroup),
+                     QFile::Permissions());
+        }
+        QVERIFY(!QFile::exists(socketFile));
+        // One that lost its lock file is found by its answer.
+        QLocalServer other;
+        QVERIFY(other.listen(socketName()));
+        ConnectionManager third(profiles);
+        QCOMPARE(third.start().error().code, ErrorCode::InUse);
+        QVERIFY(QFile::exists(socketFile));
+    }
+};
 
 KELVA_TEST(TestConnectionManager)
 #include "testconnectionmanager.moc"

@@ -2,6 +2,7 @@
 #include "manager/managerserver.h"
 #include "manager/managersurroundings.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "server/kelvalogindata.h"
 
@@ -13,43 +14,13 @@
 
 using namespace kelva;
 
-/// The program itself, as a script sees it.
-class TestManagerProgram : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void aProfileIsAddedToTheOneThatRuns();
-    void refusedProfilesAreNotAdded_data();
-    void refusedProfilesAreNotAdded();
-    void aDamagedFileIsReported();
-    void itEndsCleanly_data();
-    void itEndsCleanly();
-    void aSecondOneSaysSo();
-    void withoutADisplayItSaysSo();
-    void wrongCommandLines_data();
-    void wrongCommandLines();
-};
-
 namespace {
 
-struct Outcome
-{
-    int code = -1;
-    QString output;
-    QString errors;
-};
+using outside::Outcome;
 
 Outcome run(const QStringList &arguments, const QByteArray &input = {})
 {
-    QProcess process;
-    process.start(KELVA_MANAGER_PROGRAM, arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    process.waitForFinished();
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+    return outside::run(KELVA_MANAGER_PROGRAM, arguments, input);
 }
 
 const QStringList addOffice{"--add-profile", "Büro", "--port", "1", "--user", "admin"};
@@ -72,145 +43,120 @@ public:
 
 } // namespace
 
-void TestManagerProgram::aProfileIsAddedToTheOneThatRuns()
+/// The program itself, as a script sees it.
+class TestManagerProgram : public QObject
 {
-    ManagerSurroundings s;
-    RunningManager running;
-    QCOMPARE(run({"--list"}).output, QString());
-    const Outcome added = run(addOffice + QStringList{"--line2", "Zweite Zeile"}, "secret\n");
-    QCOMPARE(added.errors, QString());
-    QCOMPARE(added.code, exitcode::done);
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY2(login.getProfileById(profile, message, added.output.trimmed().toInt()), qPrintable(message));
-    QCOMPARE(profile.name + '|' + profile.user + '|' + profile.password, QString("Büro|admin|secret"));
-    QCOMPARE(profile.displayLine1 + '|' + profile.displayLine2, QString("Büro|Zweite Zeile"));
-    QVERIFY(QSharedMemory(s.store.load().value().first().blockKey()).attach());
-    const QString id = added.output.trimmed();
-    QCOMPARE(run({"--list"}).output, id + "\tBüro\tlocalhost\t1\tadmin\tArchive\n");
-    QCOMPARE(run({"--remove-profile", id}).code, exitcode::done);
-    QCOMPARE(run({"--remove-profile", id}).code, exitcode::failed);
-    QVERIFY(!login.getProfileById(profile = {}, message, id.toInt()));
-}
+    Q_OBJECT
 
-void TestManagerProgram::refusedProfilesAreNotAdded_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QByteArray>("password");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("wrong password") << addOffice << QByteArray("wrong\n") << "Wrong username or password";
-    QTest::newRow("no password") << addOffice << QByteArray() << "password";
-    QTest::newRow("no such archive") << QStringList{"--add-profile", "x", "--port", "9", "--user", "admin"}
-                                     << QByteArray("secret\n") << "no archive";
-    QTest::newRow("no such key") << addOffice + QStringList{"--archive", "77"} << QByteArray("secret\n")
-                                 << "key 77";
-    QTest::newRow("another host") << addOffice + QStringList{"--host", "srv"} << QByteArray("secret\n")
-                                  << "srv";
-}
-
-void TestManagerProgram::refusedProfilesAreNotAdded()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(QByteArray, password);
-    QFETCH(QString, text);
-    ManagerSurroundings s;
-    const Outcome refused = run(arguments, password);
-    QCOMPARE(refused.code, exitcode::failed);
-    QVERIFY2(refused.errors.contains(text) && refused.errors.count('\n') == 1, qPrintable(refused.errors));
-    QVERIFY(s.store.load().value().isEmpty());
-}
-
-void TestManagerProgram::aDamagedFileIsReported()
-{
-    ManagerSurroundings s;
-    s.writeFile("{");
-    for (const QStringList &arguments : {QStringList{"--list"}, QStringList{"--no-window"}, addOffice}) {
-        const Outcome refused = run(arguments, "secret\n");
-        QCOMPARE(refused.code, exitcode::failed);
-        QVERIFY2(refused.errors.contains("damaged"), qPrintable(refused.errors));
-    }
-    QCOMPARE(s.readFile(), QByteArray("{"));
-}
-
-void TestManagerProgram::itEndsCleanly_data()
-{
-    QTest::addColumn<int>("signal");
-    QTest::newRow("asked to end") << SIGTERM;
-    QTest::newRow("interrupted") << SIGINT;
-    QTest::newRow("terminal closed") << SIGHUP;
-}
-
-void TestManagerProgram::itEndsCleanly()
-{
-    QFETCH(int, signal);
-    ManagerSurroundings s;
-    const Profile profile = s.added(s.profile("Office"));
-    RunningManager running;
-    QTRY_VERIFY(QSharedMemory(profile.blockKey()).attach());
-    QCOMPARE(::kill(static_cast<pid_t>(running.process.processId()), signal), 0);
-    QVERIFY(running.process.waitForFinished());
-    QCOMPARE(running.process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(running.process.exitCode(), exitcode::done);
-    QVERIFY(!QFile::exists(QDir::tempPath() + '/' + socketName()));
-    QVERIFY(!QSharedMemory(profile.blockKey()).attach());
-}
-
-void TestManagerProgram::aSecondOneSaysSo()
-{
-    ManagerSurroundings s;
-    QCOMPARE(run({"--running"}).code, exitcode::failed);
+private slots:
+    void aProfileIsAddedToTheOneThatRuns()
     {
+        ManagerSurroundings s;
         RunningManager running;
+        QCOMPARE(run({"--list"}).output, QString());
+        const Outcome added = run(addOffice + QStringList{"--line2", "Zweite Zeile"}, "secret\n");
+        QCOMPARE(added.errors, QString());
+        QCOMPARE(added.code, exitcode::done);
+        kelvaLoginData login;
+        kelvaProfileData profile;
+        QString message;
+        QVERIFY2(login.getProfileById(profile, message, added.output.trimmed().toInt()), qPrintable(message));
+        QCOMPARE(profile.name + '|' + profile.user + '|' + profile.password, QString("Büro|admin|secret"));
+        QCOMPARE(profile.displayLine1 + '|' + profile.displayLine2, QString("Büro|Zweite Zeile"));
+        QVERIFY(QSharedMemory(s.store.load().value().first().blockKey()).attach());
+        const QString id = added.output.trimmed();
+        QCOMPARE(run({"--list"}).output, id + "\tBüro\tlocalhost\t1\tadmin\tArchive\n");
+        QCOMPARE(run({"--remove-profile", id}).code, exitcode::done);
+        QCOMPARE(run({"--remove-profile", id}).code, exitcode::failed);
+        QVERIFY(!login.getProfileById(profile = {}, message, id.toInt()));
+    }
+
+    void refusedProfilesAreNotAdded()
+    {
+        ManagerSurroundings s;
+        const Outcome wrongPassword = run(addOffice, "wrong\n");
+        QVERIFY(wrongPassword.errors.contains("Wrong username or password"));
+        const Outcome noPassword = run(addOffice);
+        QVERIFY(noPassword.errors.contains("password"));
+        const Outcome noSuchArchive = run(addOffice + QStringList{"--archive", "77"}, "secret\n");
+        QVERIFY(noSuchArchive.errors.contains("key 77"));
+        for (const Outcome &refused : {wrongPassword, noPassword, noSuchArchive}) {
+            QCOMPARE(refused.code, exitcode::failed);
+            QCOMPARE(refused.errors.count('\n'), 1);
+        }
+        QVERIFY(s.store.load().value().isEmpty());
+    }
+
+    void itEndsCleanly_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("asked to end") << SIGTERM;
+        QTest::newRow("terminal closed") << SIGHUP;
+    }
+
+    void itEndsCleanly()
+    {
+        QFETCH(int, signal);
+        ManagerSurroundings s;
+        const Profile profile = s.added(s.profile("Office"));
+        RunningManager running;
+        QTRY_VERIFY(QSharedMemory(profile.blockKey()).attach());
+        QCOMPARE(::kill(static_cast<pid_t>(running.process.processId()), signal), 0);
+        QVERIFY(running.process.waitForFinished());
+        QCOMPARE(running.process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(running.process.exitCode(), exitcode::done);
+        QVERIFY(!QFile::exists(QDir::tempPath() + '/' + socketName()));
+        QVERIFY(!QSharedMemory(profile.blockKey()).attach());
+    }
+
+    void aSecondOneSaysSo()
+    {
+        ManagerSurroundings s;
+        QCOMPARE(run({"--running"}).code, exitcode::failed);
+        {
+            RunningManager running;
+            QCOMPARE(run({"--running"}).code, exitcode::done);
+            const Outcome second = run({"--no-window"});
+            QCOMPARE(second.code, exitcode::runsAlready);
+            QVERIFY(second.errors.contains("running already"));
+            QVERIFY(ManagerServer::isAnswering());
+        }
+        // Killed: what it left behind stops nobody.
+        RunningManager next;
         QCOMPARE(run({"--running"}).code, exitcode::done);
-        const Outcome second = run({"--no-window"});
-        QCOMPARE(second.code, exitcode::runsAlready);
-        QVERIFY(second.errors.contains("running already"));
-        QVERIFY(ManagerServer::isAnswering());
     }
-    // Killed: what it left behind stops nobody.
-    RunningManager next;
-    QCOMPARE(run({"--running"}).code, exitcode::done);
-}
 
-void TestManagerProgram::withoutADisplayItSaysSo()
-{
-    ManagerSurroundings s;
-    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
-    const QByteArray display = qgetenv("DISPLAY");
-    for (const char *variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
-        qunsetenv(variable);
-    const Outcome none = run({});
-    qputenv("DISPLAY", ":4711");
-    const Outcome unreachable = run({});
-    qputenv("QT_QPA_PLATFORM", platform);
-    display.isEmpty() ? qunsetenv("DISPLAY") : qputenv("DISPLAY", display);
-    for (const Outcome &refused : {none, unreachable}) {
-        QCOMPARE(refused.code, exitcode::failed);
-        QVERIFY2(refused.errors.contains("--no-window") && refused.errors.count('\n') == 1,
-                 qPrintable(refused.errors));
+    void withoutADisplayItSaysSo()
+    {
+        ManagerSurroundings s;
+        const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+        const QByteArray display = qgetenv("DISPLAY");
+        for (const char *variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+            qunsetenv(variable);
+        const Outcome none = run({});
+        qputenv("DISPLAY", ":4711");
+        const Outcome unreachable = run({});
+        qputenv("QT_QPA_PLATFORM", platform);
+        display.isEmpty() ? qunsetenv("DISPLAY") : qputenv("DISPLAY", display);
+        for (const Outcome &refused : {none, unreachable}) {
+            QCOMPARE(refused.code, exitcode::failed);
+            QVERIFY2(refused.errors.contains("--no-window") && refused.errors.count('\n') == 1,
+                     qPrintable(refused.errors));
+        }
     }
-}
 
-void TestManagerProgram::wrongCommandLines_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::newRow("unknown option") << QStringList{"--nowindow"};
-    QTest::newRow("a word too many") << QStringList{"--list", "all"};
-    QTest::newRow("two commands") << QStringList{"--list", "--no-window"};
-    QTest::newRow("options without their command") << QStringList{"--list", "--port", "1"};
-    QTest::newRow("no port") << QStringList{"--add-profile", "x", "--user", "admin"};
-    QTest::newRow("no id") << QStringList{"--remove-profile", "Office"};
-}
-
-void TestManagerProgram::wrongCommandLines()
-{
-    QFETCH(QStringList, arguments);
-    const Outcome refused = run(arguments);
-    QCOMPARE(refused.code, exitcode::wrongUsage);
-    QCOMPARE(refused.output, QString());
-    QVERIFY(refused.errors.startsWith("kelvamanager: "));
-}
+    void wrongCommandLines()
+    {
+        for (const QStringList &arguments :
+             {QStringList{"--nowindow"}, QStringList{"--list", "--no-window"},
+              QStringList{"--list", "--port", "1"}, QStringList{"--add-profile", "x", "--user", "admin"}}) {
+            const Outcome refused = run(arguments);
+            QCOMPARE(refused.code, exitcode::wrongUsage);
+            QCOMPARE(refused.output, QString());
+            QVERIFY(refused.errors.startsWith("kelvamanager: "));
+        }
+    }
+};
 
 KELVA_TEST(TestManagerProgram)
 #include "testmanagerprogram.moc"

@@ -6,45 +6,26 @@
 #include "service/users.h"
 
 #include <QLineEdit>
-#include <QLocalSocket>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTreeWidget>
 
 using namespace kelva;
 
-class TestManagerWindow : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void faultsAreShownAtTheirProfile();
-    void aTestLogsIn();
-    void aProfileIsEditedAndRemoved();
-    void closingAsks();
-    void aSecondStartBringsTheWindowBack();
-    void aDamagedFileCanBeSetAside();
-    void changesReachTheOneInTheBackground();
-};
-
 namespace {
 
 /// The window as the program shows it.
-struct Shown
+struct Shown : StartedManager
 {
-    explicit Shown(ManagerSurroundings &s) : profiles(s.store), manager(profiles)
+    explicit Shown(ManagerSurroundings &s) : StartedManager(s.store)
     {
-        QVERIFY(manager.start().ok());
         window = std::make_unique<ManagerWindow>(profiles, &manager);
-        QObject::connect(&manager, &ConnectionManager::windowWanted, window.get(), &ManagerWindow::present);
         window->present();
     }
     QTreeWidget *list() const { return window->findChild<QTreeWidget *>("profiles"); }
     QPushButton *button(const char *name) const { return window->findChild<QPushButton *>(name); }
     QString state(int row) const { return list()->topLevelItem(row)->text(3); }
 
-    ProfileList profiles;
-    ConnectionManager manager;
     std::unique_ptr<ManagerWindow> window;
 };
 
@@ -52,153 +33,117 @@ const char title[] = "Kelva - Connection Manager";
 
 } // namespace
 
-void TestManagerWindow::faultsAreShownAtTheirProfile()
+class TestManagerWindow : public QObject
 {
-    ManagerSurroundings s;
-    s.added(s.profile("Sound"));
-    Profile wrong = s.profile("Wrong password");
-    wrong.password = "wrong";
-    s.added(wrong);
-    Profile gone = s.profile("Gone");
-    gone.port = "9";
-    s.added(gone);
-    Shown shown(s);
-    QTRY_COMPARE(shown.state(0), QString("Ready"));
-    QTRY_COMPARE(shown.state(1), QString("Wrong username or password!"));
-    QTRY_VERIFY(shown.state(2).contains("9.kelva"));
-    // The password is put right from elsewhere.
-    Profile right = s.store.load().value().at(1);
-    right.password = "secret";
-    QVERIFY(s.store.replace(s.store.load().value().at(1), right).ok());
-    QTRY_COMPARE(shown.state(1), QString("Ready"));
-    // And another becomes wrong in the archive: seen when a client has its block renewed.
-    QVERIFY(Users(*s.archive.owner()).setPassword("admin", "changed").ok());
-    bool renewed = false;
-    shown.manager.blocks().renew({right.id}, 10000, [&renewed](bool) { renewed = true; });
-    QTRY_VERIFY(renewed);
-    QTRY_COMPARE(shown.state(1), QString("Wrong username or password!"));
-}
+    Q_OBJECT
 
-void TestManagerWindow::aTestLogsIn()
-{
-    ManagerSurroundings s;
-    s.archive.addDocument("Offer", "1.1");
-    s.added(s.profile("Office"));
-    Shown shown(s);
-    QTRY_COMPARE(shown.state(0), QString("Ready"));
-    DialogScript script;
-    script.expectBox(title, "as admin works.\n\nArchive: Archive (1 in all)\nDocuments: 1\nFolders: 6");
-    shown.button("test")->click();
-    QVERIFY(!shown.button("test")->isEnabled());
-    QTRY_VERIFY(shown.button("test")->isEnabled());
-    QTRY_COMPARE(script.problems(), QString());
-    QVERIFY(Users(*s.archive.owner()).setPassword("admin", "changed").ok());
-    script.expectBox(title, "failed:\n\nWrong username or password!");
-    shown.button("test")->click();
-    QTRY_COMPARE(script.problems(), QString());
-}
+private slots:
+    void faultsAreShownAtTheirProfile()
+    {
+        ManagerSurroundings s;
+        s.added(s.profile("Sound"));
+        Profile wrong = s.profile("Wrong password");
+        wrong.password = "wrong";
+        s.added(wrong);
+        Profile gone = s.profile("Gone");
+        gone.port = "9";
+        s.added(gone);
+        Shown shown(s);
+        QTRY_COMPARE(shown.state(0), QString("Ready"));
+        QTRY_COMPARE(shown.state(1), QString("Wrong username or password!"));
+        QTRY_VERIFY(shown.state(2).contains("9.kelva"));
+        // The password is put right from elsewhere.
+        Profile right = s.store.load().value().at(1);
+        right.password = "secret";
+        QVERIFY(s.store.replace(s.store.load().value().at(1), right).ok());
+        QTRY_COMPARE(shown.state(1), QString("Ready"));
+    }
 
-void TestManagerWindow::aProfileIsEditedAndRemoved()
-{
-    ManagerSurroundings s;
-    s.added(s.profile("Office"));
-    const Profile second = s.added(s.profile("Second"));
-    Shown shown(s);
-    DialogScript script;
-    shown.list()->setCurrentItem(shown.list()->topLevelItem(1));
-    script.expectDialog("Profile \"Second\"", true,
-                        [](QWidget *dialog) { dialog->findChild<QLineEdit *>("name")->setText("Renamed"); });
-    shown.button("edit")->click();
-    QCOMPARE(shown.list()->currentItem()->text(0), QString("Renamed"));
-    QCOMPARE(s.store.load().value().at(1).id, second.id);
-    script.expectDialog("New profile", false);
-    shown.button("add")->click();
-    script.expectBox(title, "\"Renamed\"", QMessageBox::No);
-    shown.window->activateWindow();
-    shown.list()->setFocus();
-    QTRY_VERIFY(shown.list()->hasFocus());
-    QTest::keyClick(shown.list(), Qt::Key_Delete);
-    QCOMPARE(shown.list()->topLevelItemCount(), 2);
-    script.expectBox(title, "\"Renamed\"", QMessageBox::Yes);
-    shown.button("remove")->click();
-    QCOMPARE(script.problems(), QString());
-    QCOMPARE(shown.list()->topLevelItemCount(), 1);
-    QCOMPARE(s.store.load().value().size(), 1);
-    QVERIFY(!shown.button("edit")->isEnabled());
-}
+    void aTestLogsIn()
+    {
+        ManagerSurroundings s;
+        s.archive.addDocument("Offer", "1.1");
+        s.added(s.profile("Office"));
+        Shown shown(s);
+        QTRY_COMPARE(shown.state(0), QString("Ready"));
+        DialogScript script;
+        script.expectBox(title, "as admin works.\n\nArchive: Archive (1 in all)\nDocuments: 1\nFolders: 6");
+        shown.button("test")->click();
+        QVERIFY(!shown.button("test")->isEnabled());
+        QTRY_VERIFY(shown.button("test")->isEnabled());
+        QTRY_COMPARE(script.problems(), QString());
+        QVERIFY(Users(*s.archive.owner()).setPassword("admin", "changed").ok());
+        script.expectBox(title, "failed:\n\nWrong username or password!");
+        shown.button("test")->click();
+        QTRY_COMPARE(script.problems(), QString());
+    }
 
-void TestManagerWindow::closingAsks()
-{
-    ManagerSurroundings s;
-    Shown shown(s);
-    QSignalSpy quit(shown.window.get(), &ManagerWindow::quitRequested);
-    DialogScript script;
-    script.expectBox(title, "in the background", QMessageBox::Cancel);
-    shown.window->close();
-    QVERIFY(shown.window->isVisible() && quit.isEmpty());
-    script.expectBox(title, "in the background", QMessageBox::No);
-    shown.button("closeButton")->click();
-    QCOMPARE(quit.count(), 1);
-    script.expectBox(title, "in the background", QMessageBox::Yes);
-    shown.window->close();
-    QVERIFY(!shown.window->isVisible());
-    QCOMPARE(quit.count(), 1);
-    QCOMPARE(script.problems(), QString());
-}
+    void aProfileIsEditedAndRemoved()
+    {
+        ManagerSurroundings s;
+        s.added(s.profile("Office"));
+        const Profile second = s.added(s.profile("Second"));
+        Shown shown(s);
+        DialogScript script;
+        shown.list()->setCurrentItem(shown.list()->topLevelItem(1));
+        script.expectDialog("Profile \"Second\"", true, [](QWidget *dialog) {
+            dialog->findChild<QLineEdit *>("name")->setText("Renamed");
+        });
+        shown.button("edit")->click();
+        QCOMPARE(shown.list()->currentItem()->text(0), QString("Renamed"));
+        QCOMPARE(s.store.load().value().at(1).id, second.id);
+        script.expectDialog("New profile", false);
+        shown.button("add")->click();
+        script.expectBox(title, "\"Renamed\"", QMessageBox::No);
+        shown.window->activateWindow();
+        shown.list()->setFocus();
+        QTRY_VERIFY(shown.list()->hasFocus());
+        QTest::keyClick(shown.list(), Qt::Key_Delete);
+        QCOMPARE(shown.list()->topLevelItemCount(), 2);
+        script.expectBox(title, "\"Renamed\"", QMessageBox::Yes);
+        shown.button("remove")->click();
+        QCOMPARE(shown.list()->topLevelItemCount(), 1);
+        QCOMPARE(s.store.load().value().size(), 1);
+        QVERIFY(!shown.button("edit")->isEnabled());
+    }
 
-void TestManagerWindow::aSecondStartBringsTheWindowBack()
-{
-    ManagerSurroundings s;
-    Shown shown(s);
-    shown.window->hide();
-    QLocalSocket second;
-    second.connectToServer(socketName());
-    second.write("SHOWWINDOW\r\n");
-    QTRY_VERIFY(second.canReadLine());
-    QCOMPARE(second.readLine(), QByteArray("OK\r\n"));
-    QVERIFY(shown.window->isVisible());
-}
+    void closingAsks()
+    {
+        ManagerSurroundings s;
+        Shown shown(s);
+        QSignalSpy quit(shown.window.get(), &ManagerWindow::quitRequested);
+        DialogScript script;
+        script.expectBox(title, "in the background", QMessageBox::Cancel);
+        shown.window->close();
+        QVERIFY(shown.window->isVisible() && quit.isEmpty());
+        script.expectBox(title, "in the background", QMessageBox::No);
+        shown.button("closeButton")->click();
+        QCOMPARE(quit.count(), 1);
+        script.expectBox(title, "in the background", QMessageBox::Yes);
+        shown.window->close();
+        QVERIFY(!shown.window->isVisible());
+        QCOMPARE(quit.count(), 1);
+    }
 
-void TestManagerWindow::aDamagedFileCanBeSetAside()
-{
-    ManagerSurroundings s;
-    s.writeFile("{ damaged");
-    Shown shown(s);
-    auto *bar = shown.window->findChild<QWidget *>("faultBar");
-    QVERIFY(bar->isVisible());
-    QVERIFY(!shown.button("add")->isEnabled());
-    DialogScript script;
-    script.expectBox(title, "set aside", QMessageBox::No);
-    shown.button("setAside")->click();
-    QCOMPARE(s.readFile(), QByteArray("{ damaged"));
-    script.expectBox(title, "set aside", QMessageBox::Yes);
-    script.expectBox(title, "is kept as");
-    shown.button("setAside")->click();
-    QCOMPARE(script.problems(), QString());
-    QVERIFY(!bar->isVisible());
-    QVERIFY(shown.button("add")->isEnabled());
-}
-
-void TestManagerWindow::changesReachTheOneInTheBackground()
-{
-    ManagerSurroundings s;
-    const Profile profile = s.added(s.profile("Office"));
-    ProfileList background(s.store);
-    ConnectionManager manager(background);
-    QVERIFY(manager.start().ok());
-    ProfileStore store;
-    ProfileList mine(store);
-    ManagerWindow window(mine, nullptr);
-    window.present();
-    DialogScript script;
-    script.expectBox(title, "\"Office\"", QMessageBox::Yes);
-    window.findChild<QPushButton *>("remove")->click();
-    QTRY_VERIFY(background.profiles().isEmpty());
-    QSignalSpy quit(&window, &ManagerWindow::quitRequested);
-    window.close();
-    QCOMPARE(quit.count(), 1);
-    QCOMPARE(script.problems(), QString());
-}
+    void aDamagedFileCanBeSetAside()
+    {
+        ManagerSurroundings s;
+        s.writeFile("{ damaged");
+        Shown shown(s);
+        auto *bar = shown.window->findChild<QWidget *>("faultBar");
+        QVERIFY(bar->isVisible());
+        QVERIFY(!shown.button("add")->isEnabled());
+        DialogScript script;
+        script.expectBox(title, "set aside", QMessageBox::No);
+        shown.button("setAside")->click();
+        QCOMPARE(s.readFile(), QByteArray("{ damaged"));
+        script.expectBox(title, "set aside", QMessageBox::Yes);
+        script.expectBox(title, "is kept as");
+        shown.button("setAside")->click();
+        QVERIFY(!bar->isVisible());
+        QVERIFY(shown.button("add")->isEnabled());
+    }
+};
 
 KELVA_TEST(TestManagerWindow)
 #include "testmanagerwindow.moc"

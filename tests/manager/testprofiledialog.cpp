@@ -11,17 +11,6 @@
 
 using namespace kelva;
 
-class TestProfileDialog : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void archivesAreLoadedAndChosen();
-    void archivesOfAnotherPortDoNotCount();
-    void aListThatComesTooLateIsDropped();
-    void nothingTypedIsLost();
-};
-
 namespace {
 
 /// The dialog with what it saved.
@@ -58,79 +47,72 @@ struct Opened
 
 } // namespace
 
-void TestProfileDialog::archivesAreLoadedAndChosen()
+class TestProfileDialog : public QObject
 {
-    ManagerSurroundings s;
-    QVERIFY(SubArchives(*s.archive.owner()).create("Zweites Archiv", QString()).ok());
-    Profile fresh;
-    fresh.host = "localhost";
-    Opened opened(fresh);
-    opened.dialog.accept();
-    QVERIFY(opened.message().contains("name"));
-    opened.type("name", "Office");
-    opened.type("port", "01");
-    opened.type("user", " admin ");
-    opened.type("password", "secret");
-    opened.dialog.accept();
-    QVERIFY(opened.message().contains("load the archives"));
-    opened.load();
-    QTRY_VERIFY(opened.isLoaded());
-    QCOMPARE(opened.archive()->count(), 2);
-    opened.archive()->setCurrentIndex(1);
-    // Loaded again, the choice stays.
-    opened.load();
-    QTRY_VERIFY(opened.isLoaded());
-    opened.dialog.accept();
-    QVERIFY(!opened.dialog.isVisible());
-    QCOMPARE(opened.saved.size(), 1);
-    const Profile profile = opened.saved.first();
-    QCOMPARE(profile.port + '|' + profile.user + '|' + profile.displayLine1, QString("1|admin|Office"));
-    QCOMPARE(profile.archiveName(), QString("Zweites Archiv"));
-}
+    Q_OBJECT
 
-void TestProfileDialog::archivesOfAnotherPortDoNotCount()
-{
-    ManagerSurroundings s;
-    Opened opened(s.profile("Office"));
-    QCOMPARE(opened.archive()->currentText(), QString("Archive"));
-    opened.type("port", "2");
-    QCOMPARE(opened.archive()->count(), 0);
-    opened.load();
-    QTRY_VERIFY(opened.isLoaded());
-    QVERIFY2(opened.message().contains("2.kelva"), qPrintable(opened.message()));
-    opened.dialog.accept();
-    QVERIFY(opened.saved.isEmpty());
-}
+private slots:
+    void archivesAreLoadedAndChosen()
+    {
+        ManagerSurroundings s;
+        QVERIFY(SubArchives(*s.archive.owner()).create("Zweites Archiv", QString()).ok());
+        Profile fresh;
+        fresh.host = "localhost";
+        Opened opened(fresh);
+        opened.dialog.accept();
+        QVERIFY(opened.message().contains("name"));
+        opened.type("name", "Office");
+        opened.type("port", "01");
+        opened.type("user", " admin ");
+        opened.type("password", "secret");
+        opened.dialog.accept();
+        QVERIFY(opened.message().contains("load the archives"));
+        opened.load();
+        QTRY_VERIFY(opened.isLoaded());
+        QCOMPARE(opened.archive()->count(), 2);
+        opened.archive()->setCurrentIndex(1);
+        opened.dialog.accept();
+        QVERIFY(!opened.dialog.isVisible());
+        QCOMPARE(opened.saved.size(), 1);
+        const Profile profile = opened.saved.first();
+        QCOMPARE(profile.port + '|' + profile.user + '|' + profile.displayLine1, QString("1|admin|Office"));
+        QCOMPARE(profile.archiveName(), QString("Zweites Archiv"));
+    }
 
-void TestProfileDialog::aListThatComesTooLateIsDropped()
-{
-    ManagerSurroundings s;
-    Opened opened(s.profile("Office"));
-    opened.load();
-    opened.type("port", "2");
-    opened.load();
-    QTRY_VERIFY(opened.message().contains("2.kelva"));
-    QVERIFY(opened.isLoaded());
-    QCOMPARE(opened.archive()->count(), 0);
-}
+    void aListThatComesTooLateIsDropped()
+    {
+        ManagerSurroundings s;
+        Opened opened(s.profile("Office"));
+        opened.load();
+        QCOMPARE(opened.archive()->currentText(), QString("Archive"));
+        opened.type("port", "2");
+        QCOMPARE(opened.archive()->count(), 0); // those of another port do not count
+        opened.load();
+        QTRY_VERIFY(opened.message().contains("2.kelva"));
+        QVERIFY(opened.isLoaded());
+        QCOMPARE(opened.archive()->count(), 0);
+        opened.dialog.accept();
+        QVERIFY(opened.saved.isEmpty());
+    }
 
-void TestProfileDialog::nothingTypedIsLost()
-{
-    ManagerSurroundings s;
-    Profile original = s.profile("Office");
-    original.id = 1001;
-    Opened opened(original);
-    opened.type("user", "anna");
-    opened.refusal = "Somebody was faster.";
-    opened.dialog.accept();
-    QVERIFY(opened.dialog.isVisible());
-    QCOMPARE(opened.message(), opened.refusal);
-    opened.refusal.clear();
-    opened.dialog.accept();
-    Profile expected = original;
-    expected.user = "anna";
-    QVERIFY(opened.saved == QList<Profile>{expected});
-}
+    void nothingTypedIsLost()
+    {
+        ManagerSurroundings s;
+        Profile original = s.profile("Office");
+        original.id = 1001;
+        Opened opened(original);
+        opened.type("user", "anna");
+        opened.refusal = "Somebody was faster.";
+        opened.dialog.accept();
+        QVERIFY(opened.dialog.isVisible());
+        QCOMPARE(opened.message(), opened.refusal);
+        opened.refusal.clear();
+        opened.dialog.accept();
+        Profile expected = original;
+        expected.user = "anna";
+        QVERIFY(opened.saved == QList<Profile>{expected});
+    }
+};
 
 KELVA_TEST(TestProfileDialog)
 #include "testprofiledialog.moc"

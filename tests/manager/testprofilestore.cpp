@@ -12,232 +12,189 @@ class TestProfileStore : public QObject
     Q_OBJECT
 
 private slots:
-    void profilesComeBackAsTheyWere();
-    void idsAreNeverReused();
-    void onlyTheOwnerMayRead();
-    void damagedFilesAreKept_data();
-    void damagedFilesAreKept();
-    void everyTruncationIsNoticed();
-    void aDamagedFileCanBeSetAside();
-    void changesOfOthersAreNotOverwritten();
-    void aFailedSaveKeepsTheOldFile();
-    void invalidProfilesAreExplained_data();
-    void invalidProfilesAreExplained();
-};
+    void profilesComeBackAsTheyWere()
+    {
+        ProfileFixture s;
+        QVERIFY(s.store.load().value().isEmpty());
+        Profile odd = s.profile("Zoë \"quoted\" \\ 日本");
+        odd.password = QString::fromUtf8("  blanks, ü, \xf0\x9f\x94\x91 and \\ ");
+        odd.archiveIndex = 1;
+        const Profile first = s.added(odd);
+        const Profile second = s.added(s.profile("Second"));
+        odd.id = first.id;
+        const QList<Profile> loaded = ProfileStore().load().value();
+        QCOMPARE(loaded.size(), 2);
+        QVERIFY(loaded.at(0) == odd);
+        QVERIFY(loaded.at(1) == second);
+        QCOMPARE(loaded.at(0).archiveName() + '/' + loaded.at(0).archiveKey(), QString("Attic/2"));
+    }
 
-void TestProfileStore::profilesComeBackAsTheyWere()
-{
-    ProfileFixture s;
-    QVERIFY(s.store.load().value().isEmpty());
-    Profile odd = s.profile("Zoë \"quoted\" \\ 日本");
-    odd.password = QString::fromUtf8("  blanks, ü, \xf0\x9f\x94\x91 and \\ ");
-    odd.archiveIndex = 1;
-    const Profile first = s.added(odd);
-    const Profile second = s.added(s.profile("Second"));
-    odd.id = first.id;
-    const QList<Profile> loaded = ProfileStore().load().value();
-    QCOMPARE(loaded.size(), 2);
-    QVERIFY(loaded.at(0) == odd);
-    QVERIFY(loaded.at(1) == second);
-    QCOMPARE(loaded.at(0).archiveName() + '/' + loaded.at(0).archiveKey(), QString("Attic/2"));
-}
+    void idsAreNeverReused()
+    {
+        ProfileFixture s;
+        const qint64 first = s.added(s.profile("One")).id;
+        const qint64 second = s.added(s.profile("Two")).id;
+        QVERIFY(s.store.remove(second).ok());
+        QCOMPARE(s.store.remove(second).error().code, ErrorCode::NotFound);
+        QVERIFY(s.added(s.profile("Three")).id > second);
+        QVERIFY(s.store.remove(first).ok());
+        QCOMPARE(s.store.load().value().size(), 1);
+    }
 
-void TestProfileStore::idsAreNeverReused()
-{
-    ProfileFixture s;
-    const qint64 first = s.added(s.profile("One")).id;
-    const qint64 second = s.added(s.profile("Two")).id;
-    QVERIFY(s.store.remove(second).ok());
-    QCOMPARE(s.store.remove(second).error().code, ErrorCode::NotFound);
-    QVERIFY(s.added(s.profile("Three")).id > second);
-    QVERIFY(s.store.remove(first).ok());
-    QCOMPARE(s.store.load().value().size(), 1);
-}
-
-void TestProfileStore::onlyTheOwnerMayRead()
-{
-    ProfileFixture s;
-    s.added(s.profile("One"));
-    const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
-                                      QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
-    const QString directory = QFileInfo(s.store.file()).absolutePath();
-    QCOMPARE(QFile::permissions(s.store.file()) & others, QFile::Permissions());
-    QCOMPARE(QFile::permissions(directory) & others, QFile::Permissions());
-    // An editor has saved it open to everybody.
-    QVERIFY(QFile::setPermissions(s.store.file(), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther));
-    QVERIFY(s.store.load().ok());
-    QCOMPARE(QFile::permissions(s.store.file()) & others, QFile::Permissions());
-}
-
-void TestProfileStore::damagedFilesAreKept_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char *name, const QByteArray &from, const QByteArray &to, const char *text) {
+    void onlyTheOwnerMayRead()
+    {
         ProfileFixture s;
         s.added(s.profile("One"));
-        s.added(s.profile("Two"));
-        QByteArray bytes = s.readFile();
-        const int at = bytes.indexOf(from);
-        if (at < 0)
-            qFatal("%s", name);
-        bytes.replace(at, from.size(), to);
-        QTest::newRow(name) << bytes << QString(text);
-    };
-    QTest::newRow("empty") << QByteArray() << "is damaged";
-    QTest::newRow("random bytes") << QByteArray("\x01\xff\x00zz", 5) << "is damaged";
-    QTest::newRow("another JSON") << QByteArray("[1, 2]") << "\"format\" is missing or wrong";
-    row("newer format", "\"format\": 1", "\"format\": 2", "newer version");
-    row("id as text", "\"id\": 1001", "\"id\": \"x\"", "\"id\" of profile 1");
-    row("id with a fraction", "\"id\": 1001", "\"id\": 1.5", "\"id\" of profile 1");
-    row("id twice", "\"id\": 1001", "\"id\": 1002", "not unique");
-    row("id to be given yet", "\"nextId\": 1003", "\"nextId\": 1002", "not unique");
-    row("port as number", "\"port\": \"1\"", "\"port\": 1", "\"port\" of profile 1");
-    row("password missing", "\"password\"", "\"passw0rd\"", "\"password\" of profile 1");
-    row("archive without key", "\"key\"", "\"kez\"", "\"archives\" of profile 1");
-    row("archive index huge", "\"archiveIndex\": 0", "\"archiveIndex\": 1e30",
-        "\"archiveIndex\" of profile 1");
-}
+        const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
+                                          QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+        const QString directory = QFileInfo(s.store.file()).absolutePath();
+        QCOMPARE(QFile::permissions(s.store.file()) & others, QFile::Permissions());
+        QCOMPARE(QFile::permissions(directory) & others, QFile::Permissions());
+        // An editor has saved it open to everybody.
+        QVERIFY(
+            QFile::setPermissions(s.store.file(), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther));
+        QVERIFY(s.store.load().ok());
+        QCOMPARE(QFile::permissions(s.store.file()) & others, QFile::Permissions());
+    }
 
-void TestProfileStore::damagedFilesAreKept()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, text);
-    ProfileFixture s;
-    s.writeFile(bytes);
-    const auto loaded = s.store.load();
-    QVERIFY(!loaded.ok());
-    QVERIFY2(loaded.error().text.contains(text), qPrintable(loaded.error().text));
-    QVERIFY(loaded.error().text.contains(s.store.file()));
-    QCOMPARE(s.store.add(s.profile("New")).error().text, loaded.error().text);
-    QVERIFY(!s.store.remove(1001).ok());
-    QCOMPARE(s.readFile(), bytes);
-}
+    void damagedFilesAreKept_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("text");
+        const auto row = [](const char *name, const QByteArray &from, const QByteArray &to,
+                            const char *text) {
+            ProfileFixture s;
+            s.added(s.profile("One"));
+            s.added(s.profile("Two"));
+            QByteArray bytes = s.readFile();
+            const int at = bytes.indexOf(from);
+            if (at < 0)
+                qFatal("%s", name);
+            bytes.replace(at, from.size(), to);
+            kelvatest::row(name, bytes, QString(text));
+        };
+        kelvatest::row("empty", QByteArray(), "is damaged");
+        kelvatest::row("another JSON", QByteArray("[1, 2]"), "\"format\" is missing or wrong");
+        row("newer format", "\"format\": 1", "\"format\": 2", "newer version");
+        row("id as text", "\"id\": 1001", "\"id\": \"x\"", "\"id\" of profile 1");
+        row("id twice", "\"id\": 1001", "\"id\": 1002", "not unique");
+        row("id to be given yet", "\"nextId\": 1003", "\"nextId\": 1002", "not unique");
+        row("port as number", "\"port\": \"1\"", "\"port\": 1", "\"port\" of profile 1");
+        row("password missing", "\"password\"", "\"passw0rd\"", "\"password\" of profile 1");
+        row("archive without key", "\"key\"", "\"kez\"", "\"archives\" of profile 1");
+        row("archive index huge", "\"archiveIndex\": 0", "\"archiveIndex\": 1e30",
+            "\"archiveIndex\" of profile 1");
+    }
 
-void TestProfileStore::everyTruncationIsNoticed()
-{
-    ProfileFixture s;
-    s.added(s.profile("One"));
-    const QByteArray whole = s.readFile().trimmed();
-    for (int size = 0; size < whole.size(); ++size)
-        QVERIFY2(!parseProfileFile(whole.left(size)).ok(), qPrintable(QString::number(size)));
-}
+    void damagedFilesAreKept()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, text);
+        ProfileFixture s;
+        s.writeFile(bytes);
+        const auto loaded = s.store.load();
+        QVERIFY(!loaded.ok());
+        QVERIFY2(loaded.error().text.contains(text), qPrintable(loaded.error().text));
+        QVERIFY(loaded.error().text.contains(s.store.file()));
+        QCOMPARE(s.store.add(s.profile("New")).error().text, loaded.error().text);
+        QVERIFY(!s.store.remove(1001).ok());
+        QCOMPARE(s.readFile(), bytes);
+    }
 
-void TestProfileStore::aDamagedFileCanBeSetAside()
-{
-    ProfileFixture s;
-    s.writeFile("damaged");
-    const QString first = s.store.setAside().value();
-    s.writeFile("damaged again");
-    const QString second = s.store.setAside().value();
-    QVERIFY(first != second && QFile::exists(first) && QFile::exists(second));
-    QVERIFY(s.store.load().value().isEmpty());
-    QVERIFY(!s.store.setAside().ok());
-}
+    void everyTruncationIsNoticed()
+    {
+        ProfileFixture s;
+        s.added(s.profile("One"));
+        const QByteArray whole = s.readFile().trimmed();
+        for (int size = 0; size < whole.size(); ++size)
+            QVERIFY2(!parseProfileFile(whole.left(size)).ok(), qPrintable(QString::number(size)));
+    }
 
-void TestProfileStore::changesOfOthersAreNotOverwritten()
-{
-    ProfileFixture s;
-    const Profile original = s.added(s.profile("One"));
-    Profile mine = original;
-    mine.user = "anna";
-    Profile theirs = original;
-    theirs.password = "new";
-    QVERIFY(ProfileStore().replace(original, theirs).ok());
-    QVERIFY(ProfileStore().add(s.profile("Theirs")).ok());
-    QCOMPARE(s.store.replace(original, mine).error().code, ErrorCode::Conflict);
-    QCOMPARE(s.store.add(s.profile("ONE")).error().code, ErrorCode::InUse);
-    Profile renamed = theirs;
-    renamed.name = "Theirs";
-    QCOMPARE(s.store.replace(theirs, renamed).error().code, ErrorCode::InUse);
-    renamed.name = "one";
-    QVERIFY(s.store.replace(theirs, renamed).ok());
-    QCOMPARE(s.store.load().value().first().password, QString("new"));
-    QCOMPARE(s.store.load().value().size(), 2);
-}
+    void aDamagedFileCanBeSetAside()
+    {
+        ProfileFixture s;
+        s.writeFile("damaged");
+        const QString first = s.store.setAside().value();
+        s.writeFile("damaged again");
+        const QString second = s.store.setAside().value();
+        QVERIFY(first != second && QFile::exists(first) && QFile::exists(second));
+        QVERIFY(s.store.load().value().isEmpty());
+        QVERIFY(!s.store.setAside().ok());
+    }
 
-void TestProfileStore::aFailedSaveKeepsTheOldFile()
-{
-    ProfileFixture s;
-    // A directory stands where the new file would go.
-    QVERIFY(QDir().mkpath(s.store.file()));
-    const auto refused = s.store.add(s.profile("One"));
-    QVERIFY(!refused.ok());
-    QVERIFY(refused.error().text.contains(s.store.file()));
-    QVERIFY(QFileInfo(s.store.file()).isDir());
-}
+    void changesOfOthersAreNotOverwritten()
+    {
+        ProfileFixture s;
+        const Profile original = s.added(s.profile("One"));
+        Profile mine = original;
+        mine.user = "anna";
+        Profile theirs = original;
+        theirs.password = "new";
+        QVERIFY(ProfileStore().replace(original, theirs).ok());
+        QVERIFY(ProfileStore().add(s.profile("Theirs")).ok());
+        QCOMPARE(s.store.replace(original, mine).error().code, ErrorCode::Conflict);
+        QCOMPARE(s.store.add(s.profile("ONE")).error().code, ErrorCode::InUse);
+        Profile renamed = theirs;
+        renamed.name = "Theirs";
+        QCOMPARE(s.store.replace(theirs, renamed).error().code, ErrorCode::InUse);
+        renamed.name = "one";
+        QVERIFY(s.store.replace(theirs, renamed).ok());
+        QCOMPARE(s.store.load().value().first().password, QString("new"));
+        QCOMPARE(s.store.load().value().size(), 2);
+    }
 
-void TestProfileStore::invalidProfilesAreExplained_data()
-{
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("complete") << "name"
-                              << " Office "
-                              << "";
-    QTest::newRow("port with zeros and blanks") << "port"
-                                                << " 007 "
-                                                << "";
-    QTest::newRow("no name") << "name"
-                             << "  "
-                             << "name";
-    QTest::newRow("no host") << "host"
-                             << ""
-                             << "host";
-    QTest::newRow("a server elsewhere") << "host"
-                                        << "archive.example"
-                                        << "archive.example";
-    QTest::newRow("no port") << "port"
-                             << ""
-                             << "port";
-    QTest::newRow("port zero") << "port"
-                               << "0"
-                               << "port";
-    QTest::newRow("negative port") << "port"
-                                   << "-1"
-                                   << "port";
-    QTest::newRow("port beyond an int") << "port"
-                                        << "4294967297"
-                                        << "port";
-    QTest::newRow("port that is a path") << "port"
-                                         << "1/../2"
-                                         << "port";
-    QTest::newRow("no user") << "user"
-                             << ""
-                             << "login name";
-    QTest::newRow("no password") << "password"
-                                 << ""
-                                 << "password";
-    QTest::newRow("line break") << "line1"
-                                << "a\nb"
-                                << "line breaks";
-    QTest::newRow("separator") << "name" << QString("a") + QChar(0xFEFF) << "254 characters";
-    QTest::newRow("too long") << "line2" << QString(255, 'x') << "254 characters";
-    QTest::newRow("no archive") << "archives"
-                                << ""
-                                << "load the archives";
-}
+    void aFailedSaveKeepsTheOldFile()
+    {
+        ProfileFixture s;
+        // A directory stands where the new file would go.
+        QVERIFY(QDir().mkpath(s.store.file()));
+        const auto refused = s.store.add(s.profile("One"));
+        QVERIFY(!refused.ok());
+        QVERIFY(refused.error().text.contains(s.store.file()));
+        QVERIFY(QFileInfo(s.store.file()).isDir());
+    }
 
-void TestProfileStore::invalidProfilesAreExplained()
-{
-    QFETCH(QString, field);
-    QFETCH(QString, value);
-    QFETCH(QString, text);
-    ProfileFixture s;
-    Profile profile = s.profile("Office");
-    const QHash<QString, QString *> fields{{"name", &profile.name},         {"host", &profile.host},
-                                           {"port", &profile.port},         {"user", &profile.user},
-                                           {"password", &profile.password}, {"line1", &profile.displayLine1},
-                                           {"line2", &profile.displayLine2}};
-    if (field == "archives")
-        profile.archives.clear();
-    else
-        *fields.value(field) = value;
-    const Result<void> valid = validate(tidied(profile));
-    QCOMPARE(valid.ok(), text.isEmpty());
-    QVERIFY2(valid.ok() || valid.error().text.contains(text),
-             qPrintable(valid.ok() ? "" : valid.error().text));
-}
+    void invalidProfilesAreExplained_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("text");
+        kelvatest::row("complete", "name", " Office ", "");
+        kelvatest::row("port with zeros and blanks", "port", " 007 ", "");
+        kelvatest::row("no name", "name", "  ", "name");
+        kelvatest::row("a server elsewhere", "host", "archive.example", "archive.example");
+        kelvatest::row("port zero", "port", "0", "port");
+        kelvatest::row("port beyond an int", "port", "4294967297", "port");
+        kelvatest::row("port that is a path", "port", "1/../2", "port");
+        kelvatest::row("no password", "password", "", "password");
+        kelvatest::row("line break", "line1", "a\nb", "line breaks");
+        kelvatest::row("separator", "name", QString("a") + QChar(0xFEFF), "254 characters");
+        kelvatest::row("too long", "line2", QString(255, 'x'), "254 characters");
+        kelvatest::row("no archive", "archives", "", "load the archives");
+    }
+
+    void invalidProfilesAreExplained()
+    {
+        QFETCH(QString, field);
+        QFETCH(QString, value);
+        QFETCH(QString, text);
+        ProfileFixture s;
+        Profile profile = s.profile("Office");
+        const QHash<QString, QString *> fields{
+            {"name", &profile.name},         {"host", &profile.host},
+            {"port", &profile.port},         {"user", &profile.user},
+            {"password", &profile.password}, {"line1", &profile.displayLine1},
+            {"line2", &profile.displayLine2}};
+        if (field == "archives")
+            profile.archives.clear();
+        else
+            *fields.value(field) = value;
+        const Result<void> valid = validate(tidied(profile));
+        QCOMPARE(valid.ok(), text.isEmpty());
+        QVERIFY2(valid.ok() || valid.error().text.contains(text),
+                 qPrintable(valid.ok() ? "" : valid.error().text));
+    }
+};
 
 KELVA_TEST(TestProfileStore)
 #include "testprofilestore.moc"

@@ -1,7 +1,5 @@
 #include "search/extsearchfixture.h"
 
-#include "fakes/fakearchive.h"
-
 #include "documents/itemroles.h"
 #include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"

@@ -38,6 +38,5 @@ public:
 
     FakeClassifyClient client;
     KelvaDocTree tree;
-    QObject delegateOwner;
     std::unique_ptr<KelvaExtSearch> dialog;
 };

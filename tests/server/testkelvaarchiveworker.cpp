@@ -1,6 +1,7 @@
 #include "fakes/fakearchive.h"
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "server/kelvaarchiveworker.h"
 
@@ -14,21 +15,6 @@ namespace {
 FakeArchive &archive()
 {
     return FakeArchive::instance();
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
-}
-
-void write(const QString &path, const QByteArray &bytes, bool program = false)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    if (program)
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 QStringList filesIn(const QString &directory)
@@ -86,9 +72,9 @@ private slots:
         QCOMPARE(filesIn(m_target->path()),
                  QStringList({"101_Invoice.pdf", "102_....Letter.pdf", "103_Note.pdf"}));
         QCOMPARE(files.first(), m_target->filePath("101_Invoice.pdf"));
-        QCOMPARE(contentOf(files.at(1)), QByteArray("second"));
+        QCOMPARE(outside::read(files.at(1)), QByteArray("second"));
         // Others in the directory may read them as far as they read what this user saves.
-        write(m_target->filePath("plain"), "x");
+        outside::write(m_target->filePath("plain"), "x");
         QCOMPARE(QFile::permissions(files.first()), QFile::permissions(m_target->filePath("plain")));
         QCOMPARE(leftOver(), QStringList());
         QCOMPARE(archive().calls.filter("download"),
@@ -107,13 +93,13 @@ private slots:
     void nothingIsOverwrittenUnasked()
     {
         QFETCH(bool, overwrite);
-        write(m_target->filePath("101_Invoice.pdf"), "old");
+        outside::write(m_target->filePath("101_Invoice.pdf"), "old");
         m_script->expectBox("File exists",
                             m_target->filePath("101_Invoice.pdf") + " alredy exists, overwrite?",
                             overwrite ? QMessageBox::Yes : QMessageBox::No);
         QStringList files;
         QVERIFY(m_worker->exportDocuments({101}, m_names, m_target->path() + '/', false, files));
-        QTEST(contentOf(m_target->filePath("101_Invoice.pdf")), "content");
+        QTEST(outside::read(m_target->filePath("101_Invoice.pdf")), "content");
         QCOMPARE(files.size(), overwrite ? 1 : 0);
         QTEST(leftOver(), "left");
     }
@@ -229,14 +215,15 @@ private slots:
         const QString script = "#!/bin/sh\nfor word; do printf '[%s]' \"$word\"; done > " + said +
                                ".part\nmv " + said + ".part " + said + "\n";
         const QString program = m_target->filePath("xdg-email");
-        write(program, script.toUtf8(), true);
+        QFile(outside::write(program, script.toUtf8()))
+            .setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         qputenv("PATH", QFile::encodeName(m_target->path()) + ':' + path);
         const bool done = m_worker->mailDocuments(
             {101, 103}, m_names, command ? program + " -compose \"attachment='\"%1\"'\" --send" : QString());
         qputenv("PATH", path);
         QVERIFY(done);
         QTRY_VERIFY(QFile::exists(said));
-        QTEST(QString::fromUtf8(contentOf(said)).replace(QDir::tempPath(), "TMP"), "words");
+        QTEST(QString::fromUtf8(outside::read(said)).replace(QDir::tempPath(), "TMP"), "words");
         QCOMPARE(archive().calls.last(), QString("downloadDocument 103 2"));
         QCOMPARE(leftOver().size(), 2); // the mail program reads them
         m_worker.reset();
@@ -250,27 +237,10 @@ private slots:
         QVERIFY(m_worker->mailDocuments({101}, m_names, m_target->filePath("none") + " %1"));
     }
 
-    void filesAreUploaded()
-    {
-        const QString file = m_target->filePath("a & b.txt");
-        write(file, "content");
-        QVERIFY(m_worker->uploadFile(" ", file, true));
-        const qint64 id = m_worker->getLastArchivedDocId();
-        QCOMPARE(archive().contents.value(int(id)).bytes, QByteArray("content"));
-        write(file, "other");
-        QVERIFY(m_worker->uploadFile(" ", file, false));
-        QCOMPARE(m_worker->getLastArchivedDocId(), id);
-        QCOMPARE(archive().contents.value(int(id)).bytes, QByteArray("other"));
-        archive().failNext("uploadDocument", "The disk is full.");
-        QVERIFY(!m_worker->uploadFile(" ", file, true));
-        QCOMPARE(m_worker->getLastError(), QString("The disk is full."));
-        QVERIFY(!m_worker->isCanceled());
-    }
-
     void aBatchKeepsItsDialog()
     {
         const QString file = m_target->filePath("a.txt");
-        write(file, "content");
+        outside::write(file, "content");
         m_worker->setFileCount(2);
         m_worker->setFinishedCount(0);
         QVERIFY(m_worker->uploadFile(" ", file, true));
@@ -285,15 +255,17 @@ private slots:
         // One that ends early.
         archive().duringTransfer = {};
         m_worker->setFileCount(2);
-        QVERIFY(m_worker->uploadFile(" ", file, true));
-        QVERIFY(progressDialog());
+        archive().failNext("uploadDocument", "The disk is full.");
+        QVERIFY(!m_worker->uploadFile(" ", file, true));
+        QCOMPARE(m_worker->getLastError(), QString("The disk is full."));
+        QVERIFY(!m_worker->isCanceled());
         m_worker->setFileCount(0);
     }
 
     void aRunningUploadIsCancelled()
     {
         const QString file = m_target->filePath("a.txt");
-        write(file, QByteArray(5000, 'x'));
+        outside::write(file, QByteArray(5000, 'x'));
         archive().pieceSize = 1000;
         archive().duringTransfer = [reports = 0]() mutable {
             if (++reports == 2)

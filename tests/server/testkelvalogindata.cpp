@@ -13,190 +13,118 @@ class TestKelvaLoginData : public QObject
     Q_OBJECT
 
 private slots:
-    void aProfileIsReadFieldByField();
-    void archiveIndexIsChecked_data();
-    void archiveIndexIsChecked();
-    void oneProfileIsTakenWithoutAsking();
-    void severalProfilesAreAskedFor();
-    void aCancelledChoiceIsSilent();
-    void damagedAnswersGiveTheLoadFailure_data();
-    void damagedAnswersGiveTheLoadFailure();
-    void noManagerGivesTheLoadFailure();
-    void profilesAreFoundById();
-    void aReloadWaitsForItsAnswer();
+    void theArchiveIndexIsChecked()
+    {
+        for (const qint64 index : {qint64(1), qint64(-1), qint64(1) << 40}) {
+            QByteArray bytes = FakeManager::profileRecord(7, "Office", m_entry, index);
+            QDataStream stream(&bytes, QIODevice::ReadOnly);
+            stream.setVersion(10);
+            kelvaProfileData profile;
+            stream >> profile;
+            QCOMPARE(profile.archiveEntry, QString());
+            QCOMPARE(profile.displayLine1, QString("First line"));
+        }
+    }
+
+    void oneProfileIsTakenWithoutAsking()
+    {
+        FakeManager manager;
+        manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry)});
+        DialogScript script;
+        kelvaLoginData login;
+        kelvaProfileData profile;
+        QString message;
+        QVERIFY(login.getProfile(profile, message, nullptr, false));
+        QCOMPARE(profile.id, 7);
+        // With a "#" behind: there was nothing to choose.
+        QTRY_COMPARE(manager.requests,
+                     QStringList({"GETPROFILES", QString("USEPROFILE#%1#7#%2#")
+                                                     .arg(QCoreApplication::applicationPid())
+                                                     .arg(QCoreApplication::applicationFilePath())}));
+    }
+
+    void severalProfilesAreAskedFor()
+    {
+        FakeManager manager;
+        manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry),
+                                                       FakeManager::profileRecord(9, "Archive", m_entry)});
+        DialogScript script;
+        script.expectDialog("Kelva - Login", false);
+        kelvaLoginData login;
+        kelvaProfileData profile;
+        QString message;
+        QVERIFY(!login.getProfile(profile, message, nullptr, false));
+        QVERIFY(login.getIsUserCanceled());
+        QCOMPARE(message, QString());
+        QCOMPARE(manager.requests, QStringList("GETPROFILES"));
+        script.expectDialog("Kelva - Login", true, [](QWidget *dialog) {
+            auto *profiles = dialog->findChild<QComboBox *>("m_cbProfiles");
+            QCOMPARE(profiles->count(), 2);
+            profiles->setCurrentIndex(1);
+        });
+        QVERIFY(login.getProfile(profile, message, nullptr, false));
+        QCOMPARE(profile.id, 9);
+        QTRY_COMPARE(manager.requests.size(), 3);
+        QVERIFY(!manager.requests.last().endsWith('#'));
+    }
+
+    void damagedAnswersGiveTheLoadFailure_data()
+    {
+        const QByteArray whole = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry)});
+        QByteArray billions = FakeManager::profileRecord(7, "x", m_entry);
+        billions.replace(QByteArray("\x00\x00\x00\x01", 4), QByteArray("\x7f\xff\xff\xff", 4));
+        QTest::addColumn<QByteArray>("answer");
+        QTest::newRow("nothing") << QByteArray();
+        QTest::newRow("fewer than 8 bytes") << whole.left(5);
+        QTest::newRow("half the list") << whole.left(whole.size() / 2);
+        QTest::newRow("half a record in a whole frame")
+            << FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry).left(30)});
+        QTest::newRow("a size of exabytes") << QByteArray("\x7f\xff\xff\xff\xff\xff\xff\xff garbage", 16);
+        QTest::newRow("a negative size") << QByteArray(64, '\xff');
+        QTest::newRow("a list count of billions") << FakeManager::profileList({billions});
+    }
+
+    void damagedAnswersGiveTheLoadFailure()
+    {
+        QFETCH(QByteArray, answer);
+        FakeManager manager;
+        manager.listAnswer = answer;
+        manager.closeAfterAnswer = true;
+        kelvaLoginData login;
+        kelvaProfileData profile;
+        QString message;
+        QVERIFY(!login.getProfile(profile, message, nullptr, false));
+        QCOMPARE(
+            message,
+            QString("The profile information could not be loaded. Please start the Connection Manager!"));
+        QVERIFY(!login.getIsUserCanceled());
+    }
+
+    void profilesAreFoundById()
+    {
+        FakeManager manager;
+        manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Old", m_entry),
+                                                       FakeManager::profileRecord(9, "Other", m_entry),
+                                                       FakeManager::profileRecord(7, "New", m_entry)});
+        kelvaLoginData login;
+        QString message;
+        kelvaProfileData profile;
+        QVERIFY(login.getProfileById(profile, message, 7));
+        QCOMPARE(profile.name, QString("New")); // of equal ids the last one
+        QCOMPARE(manager.requests, QStringList("GETPROFILES"));
+
+        kelvaProfileData missing;
+        QVERIFY(!login.getProfileById(missing, message, 0));
+        QCOMPARE(message, QString());
+
+        manager.listAnswer = FakeManager::profileList({});
+        QVERIFY(!login.getProfile(missing, message, nullptr, false));
+        QVERIFY(message.startsWith("You are not connected to any profile."));
+    }
 
 private:
     const QString m_entry = QString("Main archive") + recordformat::fieldSeparator + "1";
 };
-
-void TestKelvaLoginData::aProfileIsReadFieldByField()
-{
-    QByteArray bytes = FakeManager::profileRecord(7, "Office", m_entry, "srv", "4711");
-    QDataStream stream(&bytes, QIODevice::ReadOnly);
-    stream.setVersion(10);
-    kelvaProfileData profile;
-    stream >> profile;
-    QCOMPARE(profile.id, 7);
-    QCOMPARE(profile.name, QString("Office"));
-    QCOMPARE(profile.host + ':' + profile.port, QString("srv:4711"));
-    QCOMPARE(profile.user + '/' + profile.password, QString("anna/secret"));
-    QCOMPARE(profile.flag, true);
-    QCOMPARE(profile.archiveEntry, m_entry);
-    QCOMPARE(profile.displayLine1 + '|' + profile.displayLine2, QString("First line|Second line"));
-    QCOMPARE(profile.extraList1 + profile.extraList2, QStringList({"a", "b", "c"}));
-    QVERIFY(stream.atEnd());
-}
-
-void TestKelvaLoginData::archiveIndexIsChecked_data()
-{
-    QTest::addColumn<qint64>("index");
-    QTest::newRow("behind the list") << qint64(1);
-    QTest::newRow("negative") << qint64(-1);
-    QTest::newRow("beyond an int") << (qint64(1) << 40);
-}
-
-void TestKelvaLoginData::archiveIndexIsChecked()
-{
-    QFETCH(qint64, index);
-    QByteArray bytes = FakeManager::profileRecord(7, "Office", m_entry, "srv", "1", index);
-    QDataStream stream(&bytes, QIODevice::ReadOnly);
-    stream.setVersion(10);
-    kelvaProfileData profile;
-    stream >> profile;
-    QCOMPARE(profile.archiveEntry, QString());
-    QCOMPARE(profile.displayLine1, QString("First line"));
-}
-
-void TestKelvaLoginData::oneProfileIsTakenWithoutAsking()
-{
-    FakeManager manager;
-    manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry)});
-    DialogScript script;
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY(login.getProfile(profile, message, nullptr, false));
-    QCOMPARE(profile.id, 7);
-    // With a "#" behind: there was nothing to choose.
-    QTRY_COMPARE(manager.requests,
-                 QStringList({"GETPROFILES", QString("USEPROFILE#%1#7#%2#")
-                                                 .arg(QCoreApplication::applicationPid())
-                                                 .arg(QCoreApplication::applicationFilePath())}));
-    QCOMPARE(script.problems(), QString());
-}
-
-void TestKelvaLoginData::severalProfilesAreAskedFor()
-{
-    FakeManager manager;
-    manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry),
-                                                   FakeManager::profileRecord(9, "Archive", m_entry)});
-    DialogScript script;
-    script.expectDialog("Kelva - Login", true, [](QWidget *dialog) {
-        auto *profiles = dialog->findChild<QComboBox *>("m_cbProfiles");
-        QCOMPARE(profiles->count(), 2);
-        profiles->setCurrentIndex(1);
-    });
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY(login.getProfile(profile, message, nullptr, false));
-    QCOMPARE(profile.id, 9);
-    QTRY_COMPARE(manager.requests.size(), 2);
-    QVERIFY(!manager.requests.last().endsWith('#'));
-    QCOMPARE(script.problems(), QString());
-}
-
-void TestKelvaLoginData::aCancelledChoiceIsSilent()
-{
-    FakeManager manager;
-    manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry),
-                                                   FakeManager::profileRecord(9, "Archive", m_entry)});
-    DialogScript script;
-    script.expectDialog("Kelva - Login", false);
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY(!login.getProfile(profile, message, nullptr, false));
-    QVERIFY(login.getIsUserCanceled());
-    QCOMPARE(message, QString());
-    QCOMPARE(manager.requests, QStringList("GETPROFILES"));
-    QCOMPARE(script.problems(), QString());
-}
-
-void TestKelvaLoginData::damagedAnswersGiveTheLoadFailure_data()
-{
-    const QByteArray whole = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry)});
-    QByteArray shorterSize = whole;
-    shorterSize[7] = char(shorterSize.at(7) - 3);
-    QTest::addColumn<QByteArray>("answer");
-    QTest::newRow("nothing") << QByteArray();
-    QTest::newRow("fewer than 8 bytes") << whole.left(5);
-    QTest::newRow("half the list") << whole.left(whole.size() / 2);
-    QTest::newRow("half a record in a whole frame")
-        << FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry).left(30)});
-    QTest::newRow("a size of exabytes") << QByteArray("\x7f\xff\xff\xff\xff\xff\xff\xff garbage", 16);
-    QTest::newRow("a negative size") << QByteArray(64, '\xff');
-    QTest::newRow("a list count of billions")
-        << FakeManager::profileList({FakeManager::profileRecord(7, "x", m_entry)
-                                         .replace(QByteArray("\x00\x00\x00\x01", 4) +
-                                                      FakeManager::profileRecord(7, "x", m_entry).mid(0, 0),
-                                                  QByteArray("\x7f\xff\xff\xff", 4))});
-}
-
-void TestKelvaLoginData::damagedAnswersGiveTheLoadFailure()
-{
-    QFETCH(QByteArray, answer);
-    FakeManager manager;
-    manager.listAnswer = answer;
-    manager.closeAfterAnswer = true;
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY(!login.getProfile(profile, message, nullptr, false));
-    QCOMPARE(message,
-             QString("The profile information could not be loaded. Please start the Connection Manager!"));
-    QVERIFY(!login.getIsUserCanceled());
-}
-
-void TestKelvaLoginData::noManagerGivesTheLoadFailure()
-{
-    kelvaLoginData login;
-    kelvaProfileData profile;
-    QString message;
-    QVERIFY(!login.getProfileById(profile, message, 7));
-    QVERIFY(message.startsWith("The profile information could not be loaded."));
-    QCOMPARE(login.reloadProfile(7), 0);
-}
-
-void TestKelvaLoginData::profilesAreFoundById()
-{
-    FakeManager manager;
-    manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Old", m_entry),
-                                                   FakeManager::profileRecord(9, "Other", m_entry),
-                                                   FakeManager::profileRecord(7, "New", m_entry)});
-    kelvaLoginData login;
-    QString message;
-    kelvaProfileData profile;
-    QVERIFY(login.getProfileById(profile, message, 7));
-    QCOMPARE(profile.name, QString("New")); // of equal ids the last one
-    QCOMPARE(manager.requests, QStringList("GETPROFILES"));
-
-    kelvaProfileData missing;
-    QVERIFY(!login.getProfileById(missing, message, 0));
-    QCOMPARE(message, QString());
-
-    manager.listAnswer = FakeManager::profileList({});
-    QVERIFY(!login.getProfile(missing, message, nullptr, false));
-    QVERIFY(message.startsWith("You are not connected to any profile."));
-}
-
-void TestKelvaLoginData::aReloadWaitsForItsAnswer()
-{
-    FakeManager manager;
-    kelvaLoginData login;
-    QCOMPARE(login.reloadProfile(12), 0);
-    QCOMPARE(manager.requests, QStringList("RELOADPROFILE#12"));
-}
 
 KELVA_TEST(TestKelvaLoginData)
 #include "testkelvalogindata.moc"

@@ -18,28 +18,27 @@ void expect(const Outcome &outcome)
 
 } // namespace
 
-TestArchive::TestArchive() : m_path(m_directory.filePath(QStringLiteral("1.kelva")))
+TestArchive::TestArchive() : m_path(m_directory.filePath("1.kelva"))
 {
     NewArchive archive;
     archive.path = m_path;
-    archive.administrator = QStringLiteral("admin");
-    archive.password = QStringLiteral("secret");
+    archive.administrator = "admin";
+    archive.password = "secret";
     expect(archive::create(archive));
     m_owner = owner();
     Records folders;
     const QList<QPair<QString, QString>> tree{{"1", "Office"},  {"1.1", "Invoices"}, {"1.2", "Letters"},
                                               {"1.2.1", "Old"}, {"2", "Board"},      {"2.1", "Minutes"}};
     for (const auto &[oid, name] : tree)
-        folders.add({oid, name, QStringLiteral("0"), QString(), QString(), QStringLiteral("1"),
-                     QStringLiteral("I"), QString()});
+        folders.add({oid, name, "0", QString(), QString(), "1", "I", QString()});
     expect(Folders(*m_owner).save(folders));
-    expect(Users(*m_owner).createRoles({QStringLiteral("board")}));
-    expect(Folders(*m_owner).setRoles(QStringLiteral("2"), {QStringLiteral("board")}));
+    expect(Users(*m_owner).createRoles({"board"}));
+    expect(Folders(*m_owner).setRoles("2", {"board"}));
 }
 
 std::unique_ptr<Session> TestArchive::owner() const
 {
-    auto session = Session::openAsOwner(m_path, QStringLiteral("admin"));
+    auto session = Session::openAsOwner(m_path, "admin");
     expect(session);
     return std::move(session.value());
 }
@@ -53,7 +52,7 @@ std::unique_ptr<Session> TestArchive::login(const QString &user, const QString &
 
 void TestArchive::addUser(const QString &login, const QStringList &roles)
 {
-    expect(Users(*m_owner).create({login, QStringLiteral("secret"), login, QString()}));
+    expect(Users(*m_owner).create({login, "secret", login, QString()}));
     expect(Users(*m_owner).setRolesOf(login, roles));
 }
 
@@ -61,10 +60,10 @@ qint64 TestArchive::addDocument(const QString &description, const QString &folde
 {
     BulkLoad load(*m_owner);
     BulkDocument document;
-    document.fileName = description + QStringLiteral(".txt");
+    document.fileName = description + ".txt";
     document.content = description.toUtf8();
-    document.creator = QStringLiteral("admin");
-    document.created = QStringLiteral("2020-02-03T04:05:06");
+    document.creator = "admin";
+    document.created = "2020-02-03T04:05:06";
     document.description = description;
     document.folder = folder;
     document.date = date;
@@ -72,7 +71,7 @@ qint64 TestArchive::addDocument(const QString &description, const QString &folde
     expect(id);
     expect(load.finish());
     return m_owner->database()
-        .value(QStringLiteral("SELECT id FROM classification WHERE document = ?"), {id.value()})
+        .value("SELECT id FROM classification WHERE document = ?", {id.value()})
         .toLongLong();
 }
 

@@ -16,7 +16,8 @@ public:
 
     const QString &path() const { return m_path; }
     std::unique_ptr<kelva::Session> owner() const;
-    std::unique_ptr<kelva::Session> login(const QString &user, const QString &password) const;
+    std::unique_ptr<kelva::Session> login(const QString &user = "admin",
+                                          const QString &password = "secret") const;
     /// A user with the password "secret" and these roles beside his own.
     void addUser(const QString &login, const QStringList &roles);
     /// Returns the classification id.

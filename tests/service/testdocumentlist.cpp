@@ -3,11 +3,9 @@
 #include "testarchive.h"
 
 #include "server/recordformat.h"
-#include "service/attributes.h"
 #include "service/documentlist.h"
 #include "service/documents.h"
 #include "service/records.h"
-#include "service/vocabulary.h"
 
 using namespace kelva;
 
@@ -19,23 +17,19 @@ private slots:
     void init()
     {
         m_archive = std::make_unique<TestArchive>();
-        m_archive->addDocument(QStringLiteral("Invoice of O'Brien"), QStringLiteral("1.1"),
-                               QStringLiteral("2020-01-05"));
-        m_archive->addDocument(QStringLiteral("Letter to Müller"), QStringLiteral("1.2"),
-                               QStringLiteral("2020-02-05"));
-        m_archive->addDocument(QStringLiteral("Old letter"), QStringLiteral("1.2.1"),
-                               QStringLiteral("2019-02-05"));
-        m_archive->addDocument(QStringLiteral("Minutes of the board"), QStringLiteral("2.1"));
-        m_archive->addDocument(QStringLiteral("Unsorted"), QStringLiteral("0"));
-        m_session = m_archive->login(QStringLiteral("admin"), QStringLiteral("secret"));
+        m_archive->addDocument("Invoice of O'Brien", "1.1", "2020-01-05");
+        m_archive->addDocument("Letter to Müller", "1.2", "2020-02-05");
+        m_archive->addDocument("Old letter", "1.2.1", "2019-02-05");
+        m_archive->addDocument("Minutes of the board", "2.1");
+        m_archive->addDocument("Unsorted", "0");
+        m_session = m_archive->login();
     }
 
     void filtersFind_data()
     {
         QTest::addColumn<QStringList>("filters");
         QTest::addColumn<QStringList>("found");
-        const QString all =
-            QStringLiteral("Unsorted|Minutes of the board|Old letter|Letter to Müller|Invoice of O'Brien");
+        const QString all = "Unsorted|Minutes of the board|Old letter|Letter to Müller|Invoice of O'Brien";
         const auto list = [](const char *text) { return QString::fromUtf8(text).split('|'); };
         QTest::newRow("the neutral clause finds everything, newest first")
             << QStringList{"1=1"} << all.split('|');
@@ -48,25 +42,15 @@ private slots:
             << list("Letter to Müller");
         QTest::newRow("a limit takes the newest")
             << QStringList{"1=1", "OPT:LIMIT;2"} << list("Unsorted|Minutes of the board");
-        QTest::newRow("a limit of a filtered list takes the newest")
-            << QStringList{"folder like '1%'", "OPT:LIMIT;1"} << list("Old letter");
-        QTest::newRow("words are found whatever their case")
-            << QStringList{"to_tsvector(bemerkung) @@ to_tsquery('LETTER & mül:*')"}
-            << list("Letter to Müller");
-        QTest::newRow("a contained text is found whatever its case")
-            << QStringList{"bemerkung ilike '%üLLE%'"} << list("Letter to Müller");
-        QTest::newRow("an apostrophe in the value is found")
-            << QStringList{"bemerkung ilike '%O'Brien%'"} << list("Invoice of O'Brien");
         QTest::newRow("a selection of nothing finds nothing")
             << QStringList{"OPT:SELECTION;-1", "1=1"} << QStringList();
         QTest::newRow("a selection and a full text find what either finds")
             << QStringList{"OPT:SELECTION;1",
-                           QStringLiteral("OPT:FULLTEXT") + recordformat::fieldSeparator + "minutes", "1=1"}
+                           QString("OPT:FULLTEXT") + recordformat::fieldSeparator + "minutes", "1=1"}
             << list("Minutes of the board|Invoice of O'Brien");
         QTest::newRow("a full text of no words finds nothing")
-            << QStringList{QStringLiteral("OPT:FULLTEXT") + recordformat::fieldSeparator + "!!", "1=1"}
+            << QStringList{QString("OPT:FULLTEXT") + recordformat::fieldSeparator + "!!", "1=1"}
             << QStringList();
-        QTest::newRow("the trash is empty") << QStringList{"1=1", "OPT:TRASH"} << QStringList();
         QTest::newRow("documents of others are not mine")
             << QStringList{"1=1", "OPT:MINE", "changeid = 'x'"} << QStringList();
     }
@@ -88,22 +72,21 @@ private slots:
         QTest::newRow("a selection of words") << "OPT:SELECTION;1,x";
         QTest::newRow("a limit below nothing") << "OPT:LIMIT;-5";
         QTest::newRow("a limit beyond all numbers") << "OPT:LIMIT;99999999999999999999";
-        QTest::newRow("an unknown field") << "password = 'x'";
         QTest::newRow("a second statement") << "1=1; DROP TABLE classification";
     }
 
     void badFiltersAreRefused()
     {
         QFETCH(QString, filter);
-        const Result<QStringList> list = listDocuments(*m_session, {filter, QStringLiteral("1=1")});
+        const Result<QStringList> list = listDocuments(*m_session, {filter, "1=1"});
         QVERIFY(!list.ok());
         QVERIFY(!list.error().text.isEmpty());
-        QCOMPARE(listDocuments(*m_session, {QStringLiteral("1=1")}).value().size(), 6);
+        QCOMPARE(listDocuments(*m_session, {"1=1"}).value().size(), 6);
     }
 
     void aRowHoldsItsColumnsInOrder()
     {
-        const Result<QStringList> list = listDocuments(*m_session, {QStringLiteral("folder = '1.2.1'")});
+        const Result<QStringList> list = listDocuments(*m_session, {"folder = '1.2.1'"});
         QVERIFY(list.ok());
         const QStringList row = splitFields(list.value().at(1));
         QCOMPARE(row, (QStringList{"3#3", "1.2", "Old letter", "1", "1_1", "1.2.1", "0", "admin",
@@ -111,64 +94,18 @@ private slots:
         QCOMPARE(splitFields(list.value().at(0)).size(), row.size());
     }
 
-    void attributesAreColumnsOfTheirKind()
-    {
-        Attributes attributes(*m_session);
-        const auto made = attributes.save({joinFields({"-1", "Amount", "Numeric", "false", "false"}),
-                                           joinFields({"-2", "Paid", "CheckBox", "false", "false"}),
-                                           joinFields({"-3", "Customer", "String", "false", "false"})});
-        QVERIFY(made.ok());
-        QStringList record = Documents(*m_session).get(QStringLiteral("1")).value();
-        record.removeFirst();
-        QCOMPARE(record.size(), 14);
-        record.replace(10, QStringLiteral("12.50"));
-        record.replace(11, QStringLiteral("2"));
-        record.replace(12, QStringLiteral("Müller & Söhne"));
-        QCOMPARE(textOf(Documents(*m_session).save(QStringLiteral("1"), record)), QString());
-        for (const char *clause : {"attr1 = 12.5", "attr2 = 2::varchar", "attr3 ilike '%söhne%'",
-                                   "to_tsvector(attr3) @@ to_tsquery('müller')"}) {
-            const Result<QStringList> list = listDocuments(*m_session, {QString::fromUtf8(clause)});
-            QVERIFY2(list.ok() && list.value().size() == 2, clause);
-            QCOMPARE(splitFields(list.value().at(1)).mid(11),
-                     (QStringList{"12.5", "2", "Müller & Söhne", "W"}));
-        }
-        QCOMPARE(listDocuments(*m_session, {QStringLiteral("(attr2 != 2::varchar OR attr2 IS NULL)")})
-                     .value()
-                     .size(),
-                 5);
-    }
-
     void dueResubmissionsCountAsNew()
     {
-        QStringList record = Documents(*m_session).get(QStringLiteral("1")).value();
+        QStringList record = Documents(*m_session).get("1").value();
         record.removeFirst();
-        record.replace(2, QStringLiteral("2"));
-        record.replace(9, QStringLiteral("2021-01-10"));
-        QCOMPARE(textOf(Documents(*m_session).save(QStringLiteral("1"), record)), QString());
+        record.replace(2, "2");
+        record.replace(9, "2021-01-10");
+        QCOMPARE(textOf(Documents(*m_session).save("1", record)), QString());
         const QStringList filters{"(status = 1)", "folder = '1.1'", "OPT:DEFDATE;2", "OPT:LIMIT;10"};
         m_session->setClock([] { return QDateTime(QDate(2021, 1, 9), QTime(1, 2)); });
         QCOMPARE(listDocuments(*m_session, filters).value().size(), 1);
         m_session->setClock([] { return QDateTime(QDate(2021, 1, 10), QTime(1, 2)); });
         QCOMPARE(listDocuments(*m_session, filters).value().size(), 2);
-    }
-
-    void retentionIsMarkedInTheTrash()
-    {
-        Records types = Vocabulary(*m_session).types().value();
-        types.add({QString(), QStringLiteral("Invoice"), QStringLiteral("1;2;3")});
-        QCOMPARE(textOf(Vocabulary(*m_session).saveTypes(types)), QString());
-        QStringList record = Documents(*m_session).get(QStringLiteral("1")).value();
-        record.removeFirst();
-        record.replace(5, Vocabulary(*m_session).types().value().fields(1, 1).at(0));
-        QCOMPARE(textOf(Documents(*m_session).save(QStringLiteral("1"), record)), QString());
-        QCOMPARE(textOf(Documents(*m_session).setTrashed({QStringLiteral("1")}, true)), QString());
-        const auto letters = [this] {
-            return splitFields(listDocuments(*m_session, {"1=1", "OPT:TRASH"}).value().value(1)).last();
-        };
-        m_session->setClock([] { return QDateTime(QDate(2021, 3, 7), QTime()); });
-        QCOMPARE(letters(), QStringLiteral("WF"));
-        m_session->setClock([] { return QDateTime(QDate(2021, 3, 8), QTime()); });
-        QCOMPARE(letters(), QStringLiteral("W"));
     }
 
 private:

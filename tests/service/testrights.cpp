@@ -22,13 +22,13 @@ class TestRights : public QObject
 private slots:
     void initTestCase()
     {
-        m_open = m_archive.addDocument(QStringLiteral("Open letter"), QStringLiteral("1.2"));
-        m_secret = m_archive.addDocument(QStringLiteral("Secret minutes"), QStringLiteral("2.1"));
-        m_archive.addDocument(QStringLiteral("Unsorted"), QStringLiteral("0"));
-        m_archive.addUser(QStringLiteral("clerk"), {"kelvaCLASSIFY", "kelvaHISTORY", "kelvaVERSIONING"});
-        m_archive.addUser(QStringLiteral("member"), {"kelvaCLASSIFY", "board"});
-        m_archive.addUser(QStringLiteral("reader"), {"kelvaALLDOCS"});
-        m_archive.addUser(QStringLiteral("boss"), {"kelvaADMIN", "kelvaCLASSIFY"});
+        m_open = m_archive.addDocument("Open letter", "1.2");
+        m_secret = m_archive.addDocument("Secret minutes", "2.1");
+        m_archive.addDocument("Unsorted", "0");
+        m_archive.addUser("clerk", {"kelvaCLASSIFY", "kelvaHISTORY", "kelvaVERSIONING"});
+        m_archive.addUser("member", {"kelvaCLASSIFY", "board"});
+        m_archive.addUser("reader", {"kelvaALLDOCS"});
+        m_archive.addUser("boss", {"kelvaADMIN", "kelvaCLASSIFY"});
     }
 
     void aForbiddenFolderNeverShowsUp_data()
@@ -46,7 +46,7 @@ private slots:
         QTest::newRow("by a contained text") << QStringList{"bemerkung ilike '%secret%'"};
         QTest::newRow("by a selection") << QStringList{"OPT:SELECTION;2", "1=1", "OPT:LIMIT;10"};
         QTest::newRow("by the full text")
-            << QStringList{QStringLiteral("OPT:FULLTEXT") + recordformat::fieldSeparator + "secret"};
+            << QStringList{QString("OPT:FULLTEXT") + recordformat::fieldSeparator + "secret"};
         QTest::newRow("with rights ignored by somebody who may not")
             << QStringList{"OPT:IGNORERIGHTS", "docid = 2"};
     }
@@ -54,18 +54,17 @@ private slots:
     void aForbiddenFolderNeverShowsUp()
     {
         QFETCH(QStringList, filters);
-        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const auto clerk = m_archive.login("clerk");
         const Result<QStringList> list = listDocuments(*clerk, filters);
         QVERIFY2(list.ok(), list ? "" : qPrintable(list.error().text));
-        QVERIFY(!descriptionsOf(list.value()).contains(QStringLiteral("Secret minutes")));
-        const auto member = m_archive.login(QStringLiteral("member"), QStringLiteral("secret"));
-        QVERIFY(descriptionsOf(listDocuments(*member, filters).value())
-                    .contains(QStringLiteral("Secret minutes")));
+        QVERIFY(!descriptionsOf(list.value()).contains("Secret minutes"));
+        const auto member = m_archive.login("member");
+        QVERIFY(descriptionsOf(listDocuments(*member, filters).value()).contains("Secret minutes"));
     }
 
     void aForbiddenDocumentCanNotBeTouched()
     {
-        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const auto clerk = m_archive.login("clerk");
         const QString id = QString::number(m_secret);
         Documents documents(*clerk);
         QVERIFY(!documents.get(id).ok());
@@ -73,30 +72,30 @@ private slots:
         QVERIFY(!documents.setTrashed({id}, true).ok());
         QVERIFY(!documents.history(id).ok());
         QVERIFY(!documents.moveToSubArchive(2, 1).ok());
-        QVERIFY(!documents.classify(2, QStringLiteral("mine"), QStringLiteral("1.1")).ok());
+        QVERIFY(!documents.classify(2, "mine", "1.1").ok());
         QVERIFY(!Content(*clerk).fetch(2, Action::Shown, {}).ok());
         QCOMPARE(Content(*clerk).info({"2"}).value(), QStringList());
         QCOMPARE(Content(*clerk).actions({"2"}, -1, QString()).value(), QStringList());
-        QCOMPARE(Content(*clerk).search(QStringLiteral("secret")).value(), QStringList());
-        QCOMPARE(documents.count(QStringLiteral("bemerkung ilike '%secret%'")).value(), 0);
-        QVERIFY(!Vocabulary(*clerk).descriptions().value().contains(QStringLiteral("Secret minutes")));
+        QCOMPARE(Content(*clerk).search("secret").value(), QStringList());
+        QCOMPARE(documents.count("bemerkung ilike '%secret%'").value(), 0);
+        QVERIFY(!Vocabulary(*clerk).descriptions().value().contains("Secret minutes"));
         const Result<Records> folders = Folders(*clerk).list(false);
         for (const QString &row : folders.value().rows)
-            QVERIFY(!row.startsWith(QStringLiteral("2")));
+            QVERIFY(!row.startsWith("2"));
     }
 
     void aDocumentCanNotBeMovedWhereItsEditorSeesNothing()
     {
-        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const auto clerk = m_archive.login("clerk");
         const QString id = QString::number(m_open);
         QStringList fields = Documents(*clerk).get(id).value().mid(1);
-        fields.replace(4, QStringLiteral("2.1"));
-        QCOMPARE(textOf(Documents(*clerk).save(id, fields)), QStringLiteral("The folder does not exist."));
+        fields.replace(4, "2.1");
+        QCOMPARE(textOf(Documents(*clerk).save(id, fields)), QString("The folder does not exist."));
     }
 
     void seeingEverythingDoesNotMeanWriting()
     {
-        const auto reader = m_archive.login(QStringLiteral("reader"), QStringLiteral("secret"));
+        const auto reader = m_archive.login("reader");
         const QStringList record = Documents(*reader).get(QString::number(m_secret)).value();
         QCOMPARE(record.last(), QString());
         QVERIFY(!Documents(*reader).save(QString::number(m_secret), record.mid(1)).ok());
@@ -107,12 +106,11 @@ private slots:
 
     void administeringDoesNotMeanSeeing()
     {
-        const auto boss = m_archive.login(QStringLiteral("boss"), QStringLiteral("secret"));
-        QVERIFY(!descriptionsOf(listDocuments(*boss, {"1=1"}).value())
-                     .contains(QStringLiteral("Secret minutes")));
-        QCOMPARE(Documents(*boss).count(QStringLiteral("folder = '2.1'")).value(), 1);
+        const auto boss = m_archive.login("boss");
+        QVERIFY(!descriptionsOf(listDocuments(*boss, {"1=1"}).value()).contains("Secret minutes"));
+        QCOMPARE(Documents(*boss).count("folder = '2.1'").value(), 1);
         const QStringList ignoring = listDocuments(*boss, {"OPT:IGNORERIGHTS", "docid = 2"}).value();
-        QCOMPARE(descriptionsOf(ignoring), QStringList{QStringLiteral("Secret minutes")});
+        QCOMPARE(descriptionsOf(ignoring), QStringList{"Secret minutes"});
         QVERIFY(!splitFields(ignoring.at(1)).last().contains(QLatin1Char('W')));
         QVERIFY(Folders(*boss).list(true).value().rows.size() >
                 Folders(*boss).list(false).value().rows.size());
@@ -120,12 +118,12 @@ private slots:
 
     void rightsTakenAwayAreGoneAtOnce()
     {
-        const auto member = m_archive.login(QStringLiteral("member"), QStringLiteral("secret"));
+        const auto member = m_archive.login("member");
         QVERIFY(Documents(*member).get(QString::number(m_secret)).ok());
-        const auto boss = m_archive.login(QStringLiteral("boss"), QStringLiteral("secret"));
-        QVERIFY(Users(*boss).setRolesOf(QStringLiteral("member"), {"kelvaCLASSIFY"}).ok());
+        const auto boss = m_archive.login("boss");
+        QVERIFY(Users(*boss).setRolesOf("member", {"kelvaCLASSIFY"}).ok());
         QVERIFY(!Documents(*member).get(QString::number(m_secret)).ok());
-        QVERIFY(Users(*boss).setRolesOf(QStringLiteral("member"), {"kelvaCLASSIFY", "board"}).ok());
+        QVERIFY(Users(*boss).setRolesOf("member", {"kelvaCLASSIFY", "board"}).ok());
         QVERIFY(Documents(*member).get(QString::number(m_secret)).ok());
     }
 
@@ -133,15 +131,15 @@ private slots:
     {
         // The folders that a session sees stand in a temporary table, which a refused operation takes back
         // too.
-        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
-        QVERIFY(!Documents(*clerk).save(QStringLiteral("77"), {"", "", "1", "1_1"}).ok());
+        const auto clerk = m_archive.login("clerk");
+        QVERIFY(!Documents(*clerk).save("77", {"", "", "1", "1_1"}).ok());
         QCOMPARE(descriptionsOf(listDocuments(*clerk, {"1=1"}).value()),
                  (QStringList{"Unsorted", "Open letter"}));
     }
 
     void theOnlyRoleOfAFolderCanNotBeDeleted()
     {
-        const auto boss = m_archive.login(QStringLiteral("boss"), QStringLiteral("secret"));
+        const auto boss = m_archive.login("boss");
         const Result<void> removed = Users(*boss).removeRoles({"board"});
         QVERIFY(!removed.ok());
         QCOMPARE(removed.error().code, ErrorCode::InUse);
@@ -149,14 +147,14 @@ private slots:
 
     void aLockedFolderIsTheWayToAnOpenOne()
     {
-        const auto boss = m_archive.login(QStringLiteral("boss"), QStringLiteral("secret"));
-        QVERIFY(Folders(*boss).setRoles(QStringLiteral("2.1"), {"publicFolder"}).ok());
-        const auto clerk = m_archive.login(QStringLiteral("clerk"), QStringLiteral("secret"));
+        const auto boss = m_archive.login("boss");
+        QVERIFY(Folders(*boss).setRoles("2.1", {"publicFolder"}).ok());
+        const auto clerk = m_archive.login("clerk");
         const Result<Records> folders = Folders(*clerk).list(false);
         const QStringList &rows = folders.value().rows;
         QVERIFY(rows.contains(joinFields({"2", "Board", "0", "", "", "0", "L", "", ""})));
         QVERIFY(rows.contains(joinFields({"2.1", "Minutes", "0", "", "2", "0", "", "", ""})));
-        QVERIFY(Folders(*boss).setRoles(QStringLiteral("2.1"), {}).ok());
+        QVERIFY(Folders(*boss).setRoles("2.1", {}).ok());
     }
 
 private:

@@ -1,4 +1,5 @@
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "store/database.h"
 #include "store/password.h"
@@ -26,13 +27,6 @@ constexpr int shortWaitMs = 50;
 ErrorCode codeOf(const Result<std::unique_ptr<Database>> &result)
 {
     return result ? ErrorCode::NotAvailable : result.error().code;
-}
-
-void write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
 }
 
 /// A database file that this library had no hand in.
@@ -82,7 +76,7 @@ private slots:
     void init()
     {
         m_directory = std::make_unique<QTemporaryDir>();
-        m_path = m_directory->filePath(QStringLiteral("new/7.kelva"));
+        m_path = m_directory->filePath("new/7.kelva");
     }
 
     void aNewArchiveIsForItsOwnerOnly()
@@ -91,7 +85,7 @@ private slots:
         const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther |
                             QFile::ExeGroup | QFile::ExeOther;
         QVERIFY(!(QFile::permissions(m_path) & others));
-        QVERIFY(!(QFile::permissions(m_directory->filePath(QStringLiteral("new"))) & others));
+        QVERIFY(!(QFile::permissions(m_directory->filePath("new")) & others));
         QCOMPARE(codeOf(Database::open(m_path, Database::Mode::Create)), ErrorCode::Storage);
     }
 
@@ -121,9 +115,9 @@ private slots:
         QFETCH(QByteArray, bytes);
         QFETCH(QByteArray, sql);
         QFETCH(ErrorCode, code);
-        const QString path = m_directory->filePath(QStringLiteral("other.kelva"));
+        const QString path = m_directory->filePath("other.kelva");
         if (sql.isEmpty())
-            write(path, bytes);
+            outside::write(path, bytes);
         else
             makeForeign(path, sql);
         for (const auto mode : {Database::Mode::ReadWrite, Database::Mode::ReadOnly}) {
@@ -158,7 +152,7 @@ private slots:
         QVERIFY(second.ok());
         Transaction holding(*first, Transaction::Kind::Write);
         Transaction waiting(*second.value(), Transaction::Kind::Write);
-        second.value()->run(QStringLiteral("INSERT INTO role VALUES('x')"));
+        second.value()->run("INSERT INTO role VALUES('x')");
         const Result<void> done = waiting.commit();
         QVERIFY(!done.ok());
         QCOMPARE(done.error().code, ErrorCode::Busy);
@@ -168,10 +162,10 @@ private slots:
     {
         const auto writer = create();
         const auto reader = Database::open(m_path, Database::Mode::ReadWrite);
-        const QString count = QStringLiteral("SELECT count(*) FROM role");
+        const QString count = "SELECT count(*) FROM role";
         Transaction reading(*reader.value(), Transaction::Kind::Read);
         QCOMPARE(reader.value()->value(count).toInt(), 0);
-        QVERIFY(writer->run(QStringLiteral("INSERT INTO role VALUES('x')")));
+        QVERIFY(writer->run("INSERT INTO role VALUES('x')"));
         QCOMPARE(reader.value()->value(count).toInt(), 0);
         QVERIFY(reading.commit().ok());
         QCOMPARE(reader.value()->value(count).toInt(), 1);
@@ -182,31 +176,31 @@ private slots:
         const auto database = create();
         {
             Transaction writing(*database, Transaction::Kind::Write);
-            QVERIFY(database->run(QStringLiteral("INSERT INTO role VALUES('good')")));
-            QVERIFY(!database->run(QStringLiteral("INSERT INTO role VALUES('good')")));
-            QVERIFY(!database->run(QStringLiteral("INSERT INTO role VALUES('late')")));
+            QVERIFY(database->run("INSERT INTO role VALUES('good')"));
+            QVERIFY(!database->run("INSERT INTO role VALUES('good')"));
+            QVERIFY(!database->run("INSERT INTO role VALUES('late')"));
             const Result<void> done = writing.commit();
             QVERIFY(!done.ok());
             QCOMPARE(done.error().code, ErrorCode::BadInput);
         }
-        QCOMPARE(database->texts(QStringLiteral("SELECT name FROM role")), QStringList());
+        QCOMPARE(database->texts("SELECT name FROM role"), QStringList());
     }
 
     void whatIsWrittenBehindIsSeenByOthersAndChangesNothingForTheNext()
     {
         const auto database = create();
         const auto other = Database::open(m_path, Database::Mode::ReadWrite, shortWaitMs);
-        const auto waitsForDisk = [&] { return database->value(QStringLiteral("PRAGMA synchronous")) == 2; };
+        const auto waitsForDisk = [&] { return database->value("PRAGMA synchronous") == 2; };
         const auto add = [&](bool keep) {
             Transaction writing(*database, Transaction::Kind::WriteBehind);
-            database->run(QStringLiteral("INSERT INTO role VALUES('x')"));
+            database->run("INSERT INTO role VALUES('x')");
             return keep && writing.commit().ok();
         };
         QVERIFY(!add(false));
         QVERIFY(waitsForDisk());
         QVERIFY(add(true));
         QVERIFY(waitsForDisk());
-        QCOMPARE(other.value()->value(QStringLiteral("SELECT count(*) FROM role")).toInt(), 1);
+        QCOMPARE(other.value()->value("SELECT count(*) FROM role").toInt(), 1);
         QVERIFY(!add(true)); // there already
         QVERIFY(waitsForDisk());
         const Transaction holding(*other.value(), Transaction::Kind::Write);
@@ -219,28 +213,28 @@ private slots:
         const auto database = create();
         {
             Transaction outer(*database, Transaction::Kind::Write);
-            database->run(QStringLiteral("INSERT INTO role VALUES('outer')"));
+            database->run("INSERT INTO role VALUES('outer')");
             {
                 Transaction inner(*database, Transaction::Kind::Write);
-                database->run(QStringLiteral("INSERT INTO role VALUES('inner')"));
+                database->run("INSERT INTO role VALUES('inner')");
             }
             QVERIFY(!outer.commit().ok());
         }
-        QCOMPARE(database->value(QStringLiteral("SELECT count(*) FROM role")).toInt(), 0);
+        QCOMPARE(database->value("SELECT count(*) FROM role").toInt(), 0);
     }
 
     void aReadOnlyArchiveLeavesNoTraceBesideIt()
     {
         create().reset();
-        const QDir directory(m_directory->filePath(QStringLiteral("new")));
+        const QDir directory(m_directory->filePath("new"));
         QFile::setPermissions(m_path, QFile::ReadOwner);
         QFile::setPermissions(directory.path(), QFile::ReadOwner | QFile::ExeOwner);
         {
             const auto opened = Database::open(m_path, Database::Mode::ReadOnly);
             QVERIFY(opened.ok());
-            QCOMPARE(opened.value()->value(QStringLiteral("SELECT count(*) FROM counter")).toInt(), 1);
-            QVERIFY(!opened.value()->run(QStringLiteral("INSERT INTO role VALUES('x')")));
-            QCOMPARE(directory.entryList(QDir::Files), QStringList{QStringLiteral("7.kelva")});
+            QCOMPARE(opened.value()->value("SELECT count(*) FROM counter").toInt(), 1);
+            QVERIFY(!opened.value()->run("INSERT INTO role VALUES('x')"));
+            QCOMPARE(directory.entryList(QDir::Files), QStringList{"7.kelva"});
         }
         QFile::setPermissions(directory.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
@@ -248,20 +242,19 @@ private slots:
     void aFullDiskSaysSoAndKeepsWhatWasThere()
     {
         const auto database = create();
-        const int pages = database->value(QStringLiteral("PRAGMA page_count")).toInt();
-        database->run(QStringLiteral("PRAGMA max_page_count = %1").arg(pages + 4));
+        const int pages = database->value("PRAGMA page_count").toInt();
+        database->run(QString("PRAGMA max_page_count = %1").arg(pages + 4));
         {
             Transaction writing(*database, Transaction::Kind::Write);
             for (int i = 0; i < 100; ++i)
-                database->run(QStringLiteral(
-                                  "INSERT INTO setting(section, name, value) VALUES('s', ?, zeroblob(5000))"),
+                database->run("INSERT INTO setting(section, name, value) VALUES('s', ?, zeroblob(5000))",
                               {i});
             const Result<void> done = writing.commit();
             QVERIFY(!done.ok());
             QCOMPARE(done.error().code, ErrorCode::Storage);
-            QVERIFY(done.error().text.contains(QStringLiteral("disk is full")));
+            QVERIFY(done.error().text.contains("disk is full"));
         }
-        QCOMPARE(database->value(QStringLiteral("SELECT count(*) FROM setting")).toInt(), 0);
+        QCOMPARE(database->value("SELECT count(*) FROM setting").toInt(), 0);
         QCOMPARE(database->integrityFaults(), QStringList());
     }
 
@@ -271,13 +264,11 @@ private slots:
         const pid_t child = ::fork();
         if (child == 0) {
             const auto database = Database::open(m_path, Database::Mode::ReadWrite);
-            database.value()->run(QStringLiteral("INSERT INTO role VALUES('committed')"));
+            database.value()->run("INSERT INTO role VALUES('committed')");
             Transaction writing(*database.value(), Transaction::Kind::Write);
             for (int i = 0; i < 2000; ++i)
                 database.value()->run(
-                    QStringLiteral(
-                        "INSERT INTO setting(section, name, value) VALUES('s', ?, zeroblob(9000))"),
-                    {i});
+                    "INSERT INTO setting(section, name, value) VALUES('s', ?, zeroblob(9000))", {i});
             ::kill(::getpid(), SIGKILL);
         }
         int status = 0;
@@ -285,9 +276,8 @@ private slots:
         QVERIFY(WIFSIGNALED(status));
         const auto database = Database::open(m_path, Database::Mode::ReadWrite);
         QVERIFY(database.ok());
-        QCOMPARE(database.value()->texts(QStringLiteral("SELECT name FROM role")),
-                 QStringList{QStringLiteral("committed")});
-        QCOMPARE(database.value()->value(QStringLiteral("SELECT count(*) FROM setting")).toInt(), 0);
+        QCOMPARE(database.value()->texts("SELECT name FROM role"), QStringList{"committed"});
+        QCOMPARE(database.value()->value("SELECT count(*) FROM setting").toInt(), 0);
         QCOMPARE(database.value()->integrityFaults(), QStringList());
     }
 
@@ -321,11 +311,11 @@ private slots:
         const auto database = create();
         // A second connection of this process comes and goes.
         Database::open(m_path, Database::Mode::ReadWrite).value().reset();
-        QVERIFY(database->run(QStringLiteral("INSERT INTO role VALUES('before')")));
+        QVERIFY(database->run("INSERT INTO role VALUES('before')"));
         QVERIFY(first.visit());
-        QVERIFY(database->run(QStringLiteral("INSERT INTO role VALUES('after')")));
+        QVERIFY(database->run("INSERT INTO role VALUES('after')"));
         QVERIFY(second.visit());
-        QCOMPARE(database->texts(QStringLiteral("SELECT name FROM role ORDER BY name")),
+        QCOMPARE(database->texts("SELECT name FROM role ORDER BY name"),
                  (QStringList{"before", "elsewhere", "seen"}));
     }
 
@@ -333,19 +323,17 @@ private slots:
     {
         // The upgrade steps themselves make the old archive, stopped at its version.
         for (int version = 1; version <= schema::currentVersion(); ++version) {
-            const QString path = m_directory->filePath(QStringLiteral("v%1.kelva").arg(version));
+            const QString path = m_directory->filePath(QString("v%1.kelva").arg(version));
             {
                 const auto old = Database::open(path, Database::Mode::Create, shortWaitMs, version);
                 QVERIFY(old.ok());
-                QCOMPARE(old.value()->value(QStringLiteral("PRAGMA user_version")).toInt(), version);
-                QVERIFY(old.value()->run(QStringLiteral("INSERT INTO role VALUES('kept')")));
+                QCOMPARE(old.value()->value("PRAGMA user_version").toInt(), version);
+                QVERIFY(old.value()->run("INSERT INTO role VALUES('kept')"));
             }
             const auto opened = Database::open(path, Database::Mode::ReadWrite);
             QVERIFY(opened.ok());
-            QCOMPARE(opened.value()->value(QStringLiteral("PRAGMA user_version")).toInt(),
-                     schema::currentVersion());
-            QCOMPARE(opened.value()->texts(QStringLiteral("SELECT name FROM role")),
-                     QStringList{QStringLiteral("kept")});
+            QCOMPARE(opened.value()->value("PRAGMA user_version").toInt(), schema::currentVersion());
+            QCOMPARE(opened.value()->texts("SELECT name FROM role"), QStringList{"kept"});
             QCOMPARE(opened.value()->integrityFaults(), QStringList());
         }
     }
@@ -353,45 +341,43 @@ private slots:
     void aBackupOfAnArchiveInUseIsComplete()
     {
         const auto database = create();
-        database->run(QStringLiteral("INSERT INTO role VALUES('kept')"));
+        database->run("INSERT INTO role VALUES('kept')");
         const auto busy = Database::open(m_path, Database::Mode::ReadWrite);
         Transaction writing(*busy.value(), Transaction::Kind::Write);
-        busy.value()->run(QStringLiteral("INSERT INTO role VALUES('not yet')"));
-        const QString target = m_directory->filePath(QStringLiteral("copy.kelva"));
+        busy.value()->run("INSERT INTO role VALUES('not yet')");
+        const QString target = m_directory->filePath("copy.kelva");
         QVERIFY(database->backupTo(target).ok());
         QVERIFY(!database->backupTo(target).ok());
         const auto copy = Database::open(target, Database::Mode::ReadOnly);
         QVERIFY(copy.ok());
-        QCOMPARE(copy.value()->texts(QStringLiteral("SELECT name FROM role")),
-                 QStringList{QStringLiteral("kept")});
+        QCOMPARE(copy.value()->texts("SELECT name FROM role"), QStringList{"kept"});
     }
 
     void fullTextFollowsTheTexts()
     {
         const auto database = create();
-        database->run(QStringLiteral("INSERT INTO subarchive(id, name) VALUES(1, 'a')"));
-        database->run(QStringLiteral("INSERT INTO document(id, subarchive, file_name, creator, created)"
-                                     " VALUES(1, 1, 'f', 'u', 't')"));
-        database->run(
-            QStringLiteral("INSERT INTO classification(document, subarchive, creator, changeid, ctimestamp,"
-                           " bemerkung) VALUES(1, 1, 'u', 'u', 't', 'Grüße vom Amt')"));
-        schema::addAttributeColumn(*database, 5, QStringLiteral("TEXT NOT NULL DEFAULT ''"), true, true);
+        database->run("INSERT INTO subarchive(id, name) VALUES(1, 'a')");
+        database->run("INSERT INTO document(id, subarchive, file_name, creator, created)"
+                      " VALUES(1, 1, 'f', 'u', 't')");
+        database->run("INSERT INTO classification(document, subarchive, creator, changeid, ctimestamp,"
+                      " bemerkung) VALUES(1, 1, 'u', 'u', 't', 'Grüße vom Amt')");
+        schema::addAttributeColumn(*database, 5, "TEXT NOT NULL DEFAULT ''", true, true);
         const auto hits = [&](const char *table, const char *words) {
             return database
-                ->value(QStringLiteral("SELECT count(*) FROM %1 WHERE %1 MATCH ?").arg(QLatin1String(table)),
+                ->value(QString("SELECT count(*) FROM %1 WHERE %1 MATCH ?").arg(QLatin1String(table)),
                         {QString::fromUtf8(words)})
                 .toInt();
         };
         QCOMPARE(hits("words_bemerkung", "GRÜSSE OR grüße"), 1);
         QCOMPARE(hits("words_bemerkung", "gruße"), 0);
         QCOMPARE(hits("trigrams_bemerkung", "\"vom A\""), 1);
-        database->run(QStringLiteral("UPDATE classification SET bemerkung = 'anders', attr5 = 'Kunde'"));
+        database->run("UPDATE classification SET bemerkung = 'anders', attr5 = 'Kunde'");
         QCOMPARE(hits("words_bemerkung", "amt"), 0);
         QCOMPARE(hits("words_attr5", "kunde"), 1);
-        database->run(QStringLiteral("UPDATE classification SET bemerkung = '', attr5 = ''"));
+        database->run("UPDATE classification SET bemerkung = '', attr5 = ''");
         QCOMPARE(hits("words_bemerkung", "anders"), 0);
         QCOMPARE(database->integrityFaults(), QStringList());
-        database->run(QStringLiteral("INSERT INTO words_bemerkung(rowid, bemerkung) VALUES(1, 'ghost')"));
+        database->run("INSERT INTO words_bemerkung(rowid, bemerkung) VALUES(1, 'ghost')");
         QVERIFY(!database->integrityFaults().isEmpty());
     }
 
@@ -427,11 +413,11 @@ private slots:
 
     void passwordsAreSaltedAndCompared()
     {
-        const QString hash = hashPassword(QStringLiteral("pässword"));
-        QVERIFY(hash.startsWith(QStringLiteral("$argon2id$")));
-        QVERIFY(hash != hashPassword(QStringLiteral("pässword")));
-        QVERIFY(isPassword(QStringLiteral("pässword"), hash));
-        QVERIFY(!isPassword(QStringLiteral("password"), hash));
+        const QString hash = hashPassword("pässword");
+        QVERIFY(hash.startsWith("$argon2id$"));
+        QVERIFY(hash != hashPassword("pässword"));
+        QVERIFY(isPassword("pässword", hash));
+        QVERIFY(!isPassword("password", hash));
         QVERIFY(!isPassword(QString(), QString()));
     }
 

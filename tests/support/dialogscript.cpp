@@ -6,11 +6,18 @@
 #include <QApplication>
 #include <QDialog>
 #include <QProgressDialog>
+#include <QTest>
 
 DialogScript::DialogScript()
 {
     connect(&m_timer, &QTimer::timeout, this, &DialogScript::look);
     m_timer.start(5);
+}
+
+DialogScript::~DialogScript()
+{
+    if (!problems().isEmpty())
+        QTest::qFail(qPrintable(problems()), __FILE__, __LINE__);
 }
 
 void DialogScript::expectBox(const QString &title, const QString &textPart,

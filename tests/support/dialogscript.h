@@ -14,6 +14,8 @@ class DialogScript : public QObject
 
 public:
     DialogScript();
+    /// Fails the test when there are problems still.
+    ~DialogScript() override;
 
     /// A message box with this title whose text holds the given part; the button is pressed.
     void expectBox(const QString &title, const QString &textPart,

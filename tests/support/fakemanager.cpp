@@ -13,14 +13,14 @@ FakeManager::FakeManager()
 }
 
 QByteArray FakeManager::profileRecord(qint64 id, const QString &name, const QString &archiveEntry,
-                                      const QString &host, const QString &port, qint64 archiveIndex)
+                                      qint64 archiveIndex)
 {
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream.setVersion(10);
-    stream << id << name << host << port << QString("anna") << QString("secret") << true
-           << QStringList(archiveEntry) << archiveIndex << QString("First line") << QString("Second line")
-           << QStringList{"a", "b"} << QStringList{"c"};
+    stream << id << name << QString("localhost") << QString("4711") << QString("anna") << QString("secret")
+           << true << QStringList(archiveEntry) << archiveIndex << QString("First line")
+           << QString("Second line") << QStringList{"a", "b"} << QStringList{"c"};
     return bytes;
 }
 

@@ -15,8 +15,7 @@ public:
 
     /// One profile record as it goes over the wire.
     static QByteArray profileRecord(qint64 id, const QString &name, const QString &archiveEntry,
-                                    const QString &host = QStringLiteral("localhost"),
-                                    const QString &port = QStringLiteral("4711"), qint64 archiveIndex = 0);
+                                    qint64 archiveIndex = 0);
     /// The whole answer to GETPROFILES.
     static QByteArray profileList(const QList<QByteArray> &records);
 

@@ -2,7 +2,6 @@
 
 #include "documents/mysortfilterproxymodel.h"
 
-#include <QPointer>
 #include <QStandardItemModel>
 #include <QTableView>
 

@@ -18,10 +18,7 @@ QStringList records(std::initializer_list<QStringList> rows)
 
 QList<QByteArray> noPictures(int count)
 {
-    QList<QByteArray> pictures;
-    for (int i = 0; i < count; ++i)
-        pictures << QByteArray();
-    return pictures;
+    return QVector<QByteArray>(count).toList();
 }
 
 } // namespace
