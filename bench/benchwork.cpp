@@ -23,8 +23,7 @@
 
 namespace {
 
-constexpr int fileCount =
-    200; // a fifth of a large batch: enough for the ratio, and the disk is not the point
+constexpr int fileCount = 1000;
 constexpr int fileSize = 200 * 1000;
 constexpr int folderCount = 100000;
 

@@ -189,7 +189,7 @@ private slots:
                  QString("More than 3 documents found. Limit your search using filters!"));
         workplace.window->findChild<QSpinBox *>("m_maxSearchBox")->setValue(4);
         QCOMPARE(workplace.message(), QString("3 documents"));
-        // A query that fails clears the table and says no more.
+        // A query that fails clears the table and says why.
         FakeArchive::instance().failNext("getDocuments", "no");
         workplace.action("action_Neuladen")->trigger();
         QCOMPARE(workplace.message(), QString("0 documents - no"));
