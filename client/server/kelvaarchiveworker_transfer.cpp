@@ -16,6 +16,7 @@
 #include <QUrl>
 
 #include <cstdio>
+#include <fcntl.h>
 #include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,11 +26,14 @@ namespace {
 /// What a document is fetched for, as the service records it.
 enum TransferMode { toView = 0, toExport = 1, toMail = 2 };
 
-/// Never overwrites. On one file system the file only gets a second name, which happens whole or not at all.
+/// Never overwrites. On one file system the file only gets another name, which happens whole or not at all.
+/// Otherwise it is copied, and the first one stays.
 bool placeFile(const QString &from, const QString &to)
 {
     const QByteArray target = QFile::encodeName(to);
-    if (::link(QFile::encodeName(from).constData(), target.constData()) != 0 && !QFile::copy(from, to))
+    if (::renameat2(AT_FDCWD, QFile::encodeName(from).constData(), AT_FDCWD, target.constData(),
+                    RENAME_NOREPLACE) != 0 &&
+        !QFile::copy(from, to))
         return false;
     // The temporary file was this user's alone; an exported one is like any other that he saves.
     const mode_t mask = ::umask(0);
