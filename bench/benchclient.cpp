@@ -110,7 +110,7 @@ QList<qint64> fileDocuments(const QString &archive, const QString &directory)
     for (int i = 0; i < exported; ++i) {
         random.generate(reinterpret_cast<quint32 *>(bytes.data()),
                         reinterpret_cast<quint32 *>(bytes.data() + fileSize));
-        QFile file(QString("%1/scan%2.pdf").arg(directory).arg(i));
+        QFile file(QString("%1/scan%2.bin").arg(directory).arg(i));
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != fileSize)
             giveUp(file.errorString());
         file.close();
@@ -151,7 +151,7 @@ void exports(const QString &archive, const QString &directory)
     };
     exporting.floor = [&] {
         for (int i = 0; i < ids.size(); ++i)
-            QFile::copy(QString("%1/scan%2.pdf").arg(sources).arg(i),
+            QFile::copy(QString("%1/scan%2.bin").arg(sources).arg(i),
                         QString("%1/%2.pdf").arg(target).arg(i));
     };
     exporting.aim = 1.3;
@@ -176,7 +176,9 @@ int main(int argc, char *argv[])
     QCoreApplication::setOrganizationName("Norbant GmbH");
     const QString archive = scratch.filePath("1.kelva");
     const QString copy = scratch.filePath("copy.kelva");
-    runProgram("kelvaadmin", {"sample", "1", "--documents", "100000"});
+    runProgram("kelvaadmin", {"sample", "1", "--documents", "5000"});
+    // Taking the texts of the files would compete for the two cores.
+    runProgram("kelvaadmin", {"index", "1"});
     runProgram("kelvaadmin", {"backup", "1", copy});
     runProgram("kelvamanager", {"--add-profile", "Sample", "--port", "1", "--user", "meier"}, "kelva\n");
     QProcess manager;

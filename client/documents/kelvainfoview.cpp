@@ -4,6 +4,7 @@
 #include "documents/itemroles.h"
 #include "documents/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
+#include "documents/rowicons.h"
 
 #include <QAction>
 #include <QDebug>

@@ -4,11 +4,14 @@
 #include <QStringList>
 #include <QTableView>
 
+#include <memory>
+
 class ClassifyInterface;
 class KelvaArchiveWorker;
 class MySortFilterProxyModel;
 class QInfoViewModel;
 class QStandardItem;
+class RowIcons;
 
 /// The document table. Rows and columns of its operations are the model's unless they say proxy; the
 /// selection model and what Qt emits stay in terms of the proxy.
@@ -120,4 +123,5 @@ private:
     KelvaArchiveWorker *archiveClient = nullptr;
     ClassifyInterface *classifyClient = nullptr;
     QString profileIdentifier;
+    std::unique_ptr<RowIcons> m_icons;
 };

@@ -3,92 +3,18 @@
 #include "documents/documentcolumns.h"
 #include "documents/documentrow.h"
 #include "documents/itemroles.h"
-#include "documents/kelvaiconprovider.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
+#include "documents/rowicons.h"
 #include "server/recordformat.h"
 
-#include <QHash>
 #include <QHeaderView>
 #include <QLocale>
-#include <QPainter>
 #include <QSignalBlocker>
 #include <QStandardItem>
 
 namespace {
-
-constexpr int iconSize = 32;
-
-/// The pictures of one load. Each combination of page, clock, note and key is painted once.
-class RowIcons
-{
-public:
-    explicit RowIcons(qreal devicePixelRatio) : m_ratio(devicePixelRatio) {}
-
-    const QIcon &icon(const DocumentRowLook &look, const QString &fileName)
-    {
-        const QString page = look.redPage ? QStringLiteral("red") : fileKey(fileName);
-        const QString key =
-            page + '/' + QString::number(int(look.clock)) + (look.note ? "N" : "") + (look.key ? "K" : "");
-        const auto known = m_composed.constFind(key);
-        if (known != m_composed.constEnd())
-            return *known;
-        return *m_composed.insert(key, compose(look, basePicture(look, page, fileName)));
-    }
-
-private:
-    /// Files of one type share an icon; the suffix stands for the type.
-    static QString fileKey(const QString &fileName)
-    {
-        if (fileName.isEmpty())
-            return QStringLiteral("green");
-        const int dot = fileName.lastIndexOf('.');
-        return QStringLiteral("file:") + (dot > 0 ? fileName.mid(dot).toLower() : fileName);
-    }
-
-    QIcon basePicture(const DocumentRowLook &look, const QString &page, const QString &fileName)
-    {
-        if (look.redPage)
-            return QIcon(":/icons/page_red.png");
-        if (page != "green") {
-            const QIcon file = kelvaIconProvider::instance()->fileIcon(fileName);
-            if (!file.isNull())
-                return file;
-        }
-        return QIcon(":/icons/page_green.png");
-    }
-
-    QIcon compose(const DocumentRowLook &look, const QIcon &base) const
-    {
-        using Clock = DocumentRowLook::Clock;
-        QPixmap picture(QSize(iconSize, iconSize) * m_ratio);
-        picture.setDevicePixelRatio(m_ratio);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        base.paint(&painter, QRect(0, 0, iconSize, iconSize));
-        static const QHash<int, const char *> clocks{{int(Clock::Red), ":/icons/clock_red.png"},
-                                                     {int(Clock::Yellow), ":/icons/clock_yellow.png"},
-                                                     {int(Clock::Green), ":/icons/clock_green.png"},
-                                                     {int(Clock::Plain), ":/icons/clock.png"}};
-        if (look.clock != Clock::None)
-            drawMark(painter, clocks.value(int(look.clock)), QPoint(0, 0), iconSize);
-        if (look.note)
-            drawMark(painter, ":/icons/notizen_icon_24x24.png", QPoint(10, -8), 24);
-        if (look.key)
-            drawMark(painter, ":/icons/my_page_key.png", QPoint(0, 0), iconSize);
-        painter.end();
-        return QIcon(picture);
-    }
-
-    static void drawMark(QPainter &painter, const char *path, const QPoint &position, int size)
-    {
-        QIcon(path).paint(&painter, QRect(position, QSize(size, size)));
-    }
-
-    const qreal m_ratio;
-    QHash<QString, QIcon> m_composed;
-};
 
 /// Archive id to file name, from the entries of getDocumentInfo(); incomplete entries are left out.
 QMap<QString, QString> fileNamesOf(const QStringList &infos)
@@ -153,7 +79,8 @@ void KelvaInfoView::fillRows(const QStringList &docs, int columns, const QMap<QS
     const QChar decimalPoint = QLocale().decimalPoint();
     QFont unreadFont = font();
     unreadFont.setWeight(QFont::Bold);
-    RowIcons icons(devicePixelRatioF());
+    if (!m_icons || m_icons->devicePixelRatio() != devicePixelRatioF())
+        m_icons = std::make_unique<RowIcons>(devicePixelRatioF());
     bool anyResubmission = false;
 
     QList<QList<QStandardItem *>> rows;
@@ -172,7 +99,7 @@ void KelvaInfoView::fillRows(const QStringList &docs, int columns, const QMap<QS
                                                                         : field);
             if (column == documentcolumn::id) {
                 cell->setData(look.classificationId, itemrole::classificationId);
-                cell->setIcon(icons.icon(look, fileNames.value(look.archiveId)));
+                cell->setIcon(m_icons->icon(look, fileNames.value(look.archiveId)));
             } else if (keepsRawValue(column)) {
                 cell->setData(field, itemrole::rawValue);
             }
