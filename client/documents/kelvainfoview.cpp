@@ -2,6 +2,7 @@
 
 #include "documents/documentcolumns.h"
 #include "documents/itemroles.h"
+#include "documents/kelvacheckboxdelegate.h"
 #include "documents/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/rowicons.h"
@@ -237,6 +238,11 @@ void KelvaInfoView::mousePressEvent(QMouseEvent *event)
         event->ignore();
         return;
     }
+    // A box takes the press for itself; the cell that is edited is the current one all the same.
+    const QModelIndex pressed = indexAt(event->pos());
+    if (event->button() == Qt::LeftButton && pressed.isValid() &&
+        qobject_cast<KelvaCheckBoxDelegate *>(itemDelegateForColumn(pressed.column())))
+        QTableView::setCurrentIndex(pressed);
     QTableView::mousePressEvent(event);
 }
 

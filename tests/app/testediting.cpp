@@ -153,6 +153,24 @@ private slots:
         QTRY_VERIFY(!table->findChild<QLineEdit *>());
     }
 
+    void aClickTicksABox()
+    {
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        KelvaInfoView *table = workplace.table();
+        const auto click = [table] {
+            const QModelIndex box = table->model()->index(0, 12);
+            table->scrollTo(box);
+            QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(box).center());
+        };
+        table->QTableView::setCurrentIndex(table->model()->index(0, 11)); // another cell than the one clicked
+        click();
+        QCOMPARE(stored(), QString("1.1|Invoice|1|1.1.1|1|2024-03-05|||2"));
+        table->QTableView::setCurrentIndex(QModelIndex());
+        click();
+        QCOMPARE(stored(), unchanged());
+    }
+
     void documentsAreDroppedOnFoldersAndStatusValues_data()
     {
         QTest::addColumn<QString>("target");

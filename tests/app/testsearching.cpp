@@ -135,6 +135,16 @@ private slots:
         QCOMPARE(FakeArchive::instance().queries.size(), queries + 1);
     }
 
+    void aBoxIsTickedInTheSearchLine()
+    {
+        chooseColumn("attr2");
+        const QModelIndex box = cell()->model()->index(0, 0);
+        QTest::mouseClick(cell()->viewport(), Qt::LeftButton, {}, cell()->visualRect(box).center());
+        QCOMPARE(lastQuery().first(), QString("attr2 = 2::varchar"));
+        QTest::mouseClick(cell()->viewport(), Qt::LeftButton, {}, cell()->visualRect(box).center());
+        QCOMPARE(lastQuery().first(), QString("(attr2 != 2::varchar OR attr2 IS NULL)"));
+    }
+
     void editingStartsFromTheActiveFilter()
     {
         activate("personal filters", "Mine");
