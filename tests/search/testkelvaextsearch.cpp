@@ -118,6 +118,18 @@ private slots:
         QCOMPARE(search.table()->rowCount(), 0);
     }
 
+    void resubmissionFilter()
+    {
+        ExtSearchFixture search;
+        search.connectClient();
+        search.click("m_bAdd");
+        search.fill("Id", "is", "5");
+        search.dialog->setResubmissionFilter(7);
+        QCOMPARE(search.rows(), QString("Date/smaller/equal then/[HEUTE+7]\nStatus/is/waiting"));
+        QCOMPARE(search.dialog->getFilter(),
+                 QString("defdate::varchar <= '[HEUTE+7]'::varchar AND status = '2' AND  1 = 1 "));
+    }
+
     void newStatusValuesAreTakenOver()
     {
         ExtSearchFixture search;
