@@ -198,7 +198,7 @@ private:
     void updateFromColumn(const QString &value, int column, const QString &docId);
     bool classifyDropped(const QString &row, const QString &folder, const QString &date,
                          QProgressDialog &progress, QStringList &handled);
-    bool askResubmissionDate(const QString &docId, QString &date);
+    bool askResubmissionDate(const QString &title, QString &date);
     QMap<QString, QString> getCurrentBemerkungen(bool onlyWritable) const;
 
     // documents/kelvaclientmain_search.cpp

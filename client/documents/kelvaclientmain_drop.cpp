@@ -2,7 +2,6 @@
 
 #include "documents/classificationedit.h"
 #include "documents/documentcolumns.h"
-#include "documents/kelvacalendar.h"
 #include "documents/kelvatrashbutton.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
@@ -37,15 +36,9 @@ void KelvaClientMain::updateDocsAfterDrop(const QStringList &docIds, const QStri
     if (statusBarExt->getTrashButton()->isChecked())
         return;
     QString date;
-    if (folder == resubmissionNode) {
-        KelvaCalendar calendar(this, true, false);
-        calendar.setExtended(false);
-        calendar.setWindowTitle(tr("Resubmit documents at..."));
-        if (calendar.exec() != QDialog::Accepted || !calendar.selectedDate().isValid()) {
-            updateDocuments({});
-            return;
-        }
-        date = calendar.selectedDate().toString("yyyy-MM-dd");
+    if (folder == resubmissionNode && !askResubmissionDate(tr("Resubmit documents at..."), date)) {
+        updateDocuments({});
+        return;
     }
     QProgressDialog progress(tr("Classifying documents..."), tr("Cancel"), 0, docIds.size(), this);
     progress.setWindowModality(Qt::WindowModal);

@@ -5,9 +5,9 @@
 #include "documents/itemroles.h"
 #include "documents/kelvacalendar.h"
 #include "documents/qinfoviewmodel.h"
-#include "documents/waitcursor.h"
 #include "server/classifyinterface.h"
 #include "server/plainbox.h"
+#include "server/waitcursor.h"
 
 #include <QStandardItem>
 
@@ -159,7 +159,9 @@ void KelvaClientMain::updateStatus(const QString &docId, const QString &status, 
 {
     const auto change = [&](QStringList &fields) {
         QString date;
-        if (status == QLatin1String(documentstatus::resubmission) && !askResubmissionDate(docId, date))
+        // Fixed German text.
+        if (status == QLatin1String(documentstatus::resubmission) &&
+            !askResubmissionDate(QString("%1 wiedervorlegen am...").arg(docId), date))
             return false;
         edit::setStatus(fields, status, date);
         return true;
@@ -176,12 +178,12 @@ void KelvaClientMain::updateStatus(const QString &docId, const QString &status, 
         updateDocuments({});
 }
 
-bool KelvaClientMain::askResubmissionDate(const QString &docId, QString &date)
+bool KelvaClientMain::askResubmissionDate(const QString &title, QString &date)
 {
     const SuspendedWaitCursor pointer;
     KelvaCalendar calendar(this, true, false);
     calendar.setExtended(false);
-    calendar.setWindowTitle(QString("%1 wiedervorlegen am...").arg(docId)); // fixed German text
+    calendar.setWindowTitle(title);
     if (calendar.exec() != QDialog::Accepted || !calendar.selectedDate().isValid())
         return false;
     date = calendar.selectedDate().toString("yyyy-MM-dd");

@@ -7,7 +7,6 @@
 #include "documents/kelvatrashbutton.h"
 #include "documents/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
-#include "documents/waitcursor.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "search/kelvaextsearch.h"
@@ -17,6 +16,7 @@
 #include "server/kelvaarchiveworker.h"
 #include "server/recordformat.h"
 #include "server/userrights.h"
+#include "server/waitcursor.h"
 
 #include <QCheckBox>
 #include <QDebug>

@@ -8,13 +8,13 @@
 #include "documents/kelvasimplecombodelegate.h"
 #include "documents/onelinesearch.h"
 #include "documents/searchtexts.h"
-#include "documents/waitcursor.h"
 #include "folders/kelvaviewdelegate.h"
 #include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/plainbox.h"
 #include "server/recordformat.h"
+#include "server/waitcursor.h"
 
 #include <QLocale>
 #include <QSignalBlocker>

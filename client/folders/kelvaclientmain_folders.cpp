@@ -7,7 +7,6 @@
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvasimplecombodelegate.h"
-#include "documents/waitcursor.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvanewfolder.h"
@@ -20,6 +19,7 @@
 #include "server/plainbox.h"
 #include "server/recordformat.h"
 #include "server/userrights.h"
+#include "server/waitcursor.h"
 
 #include <QDebug>
 #include <QHeaderView>

@@ -1,9 +1,9 @@
 #include "folders/kelvafolderview.h"
 
-#include "documents/waitcursor.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvasearchdlg.h"
+#include "server/waitcursor.h"
 
 #include <QGuiApplication>
 #include <QLayout>

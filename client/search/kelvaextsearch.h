@@ -99,7 +99,6 @@ private:
     SearchRow searchRow(int row) const;
     const KelvaDelegate *delegateFor(const QString &field) const;
     QString fieldKey(int row) const;
-    QString fieldText(const QString &field) const;
 
     // kelvaextsearch_rows.cpp
     QTableWidgetItem *cell(int row, int column) const;

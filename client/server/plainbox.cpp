@@ -1,8 +1,6 @@
 #include "server/plainbox.h"
 
-#include <QCursor>
-#include <QGuiApplication>
-#include <QList>
+#include "server/waitcursor.h"
 
 namespace {
 
@@ -10,18 +8,11 @@ QMessageBox::StandardButton ask(QMessageBox::Icon icon, QWidget *parent, const Q
                                 const QString &text, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton preset = QMessageBox::NoButton)
 {
-    QList<QCursor> working; // one for each operation within another
-    while (const QCursor *cursor = QGuiApplication::overrideCursor()) {
-        working.prepend(*cursor);
-        QGuiApplication::restoreOverrideCursor();
-    }
+    const SuspendedWaitCursor pointer;
     QMessageBox box(icon, title, text, buttons, parent);
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(preset);
-    const int answer = box.exec();
-    for (const QCursor &cursor : qAsConst(working))
-        QGuiApplication::setOverrideCursor(cursor);
-    return static_cast<QMessageBox::StandardButton>(answer);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
 } // namespace

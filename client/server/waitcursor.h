@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QCursor>
 #include <QGuiApplication>
+#include <QList>
 
 /// The wait cursor, for as long as it lives.
 class WaitCursor
@@ -11,22 +13,24 @@ public:
     Q_DISABLE_COPY(WaitCursor)
 };
 
-/// Takes a wait cursor off while the user is asked something.
+/// Takes the wait cursors of all operations within each other off while the user is asked something.
 class SuspendedWaitCursor
 {
 public:
-    SuspendedWaitCursor() : m_waited(QGuiApplication::overrideCursor() != nullptr)
+    SuspendedWaitCursor()
     {
-        if (m_waited)
+        while (const QCursor *cursor = QGuiApplication::overrideCursor()) {
+            m_working.prepend(*cursor);
             QGuiApplication::restoreOverrideCursor();
+        }
     }
     ~SuspendedWaitCursor()
     {
-        if (m_waited)
-            QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+        for (const QCursor &cursor : qAsConst(m_working))
+            QGuiApplication::setOverrideCursor(cursor);
     }
     Q_DISABLE_COPY(SuspendedWaitCursor)
 
 private:
-    const bool m_waited;
+    QList<QCursor> m_working;
 };
