@@ -51,6 +51,6 @@ function(kelva_test area)
     foreach(class IN LISTS T_CLASSES)
         add_test(NAME ${area}.${class} COMMAND test_${area} ${class})
         set_tests_properties(${area}.${class} PROPERTIES TIMEOUT ${T_TIMEOUT} ENVIRONMENT
-            "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;ASAN_OPTIONS=${KELVA_ASAN_OPTIONS};UBSAN_OPTIONS=print_stacktrace=1")
+            "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;MALLOC_PERTURB_=165;ASAN_OPTIONS=${KELVA_ASAN_OPTIONS};UBSAN_OPTIONS=print_stacktrace=1")
     endforeach()
 endfunction()

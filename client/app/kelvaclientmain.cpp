@@ -8,6 +8,7 @@
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvatrashbutton.h"
 #include "documents/qinfoviewmodel.h"
+#include "documents/refreshgate.h"
 #include "extensions/qttoolbarmanager.h"
 #include "folders/kelvadoctree.h"
 #include "search/kelvastatusbarext.h"
@@ -57,7 +58,8 @@ KelvaClientMain::KelvaClientMain(QWidget *parent)
       docTree(new KelvaDocTree(tr("Folders"), true, QString(), QString(), nullptr)),
       statusBarExt(new kelvastatusbarext),
       archiveWorker(new KelvaArchiveWorker),
-      toolBarManager(new QtToolBarManager(this))
+      toolBarManager(new QtToolBarManager(this)),
+      m_gate(new RefreshGate(this))
 {
     toolBarManager->setMainWindow(this);
     m_trashButton = statusBarExt->getTrashButton();
@@ -114,6 +116,7 @@ void KelvaClientMain::connectPanels()
             SLOT(docSelChanged(QItemSelection)));
     connect(m_infoView->getModel(), SIGNAL(dataChanged(QModelIndex, QModelIndex)), this,
             SLOT(infoViewItemChanged()));
+    connect(m_gate, SIGNAL(opened()), this, SLOT(catchUp()));
     connect(m_infoView, SIGNAL(redrawMain()), this, SLOT(repaint()));
     connect(m_bSuchen, SIGNAL(clicked()), this, SLOT(searchClicked()));
     connect(m_bClearSuchen, SIGNAL(clicked()), this, SLOT(doClearSearch()));

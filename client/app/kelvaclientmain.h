@@ -29,8 +29,10 @@ class QStandardItem;
 class QTimer;
 class QToolBar;
 class QtToolBarManager;
+class RefreshGate;
 class kelvaArchiveClientInterface;
 class kelvastatusbarext;
+struct CellEdit;
 struct WorkbenchData;
 
 /// The main window. It owns the session and what hangs on it and lends both to panels and dialogs. Rules
@@ -71,7 +73,8 @@ public slots:
     /// The refresh of the document list. docIds: classification ids to select instead of the present ones.
     void updateDocuments(QStringList docIds = {}, bool resetPlugins = false);
     void updateDocumentsClearPlugins();
-    void runMissedRefresh();
+    /// Does what waited for the gate: edits, a reload, a refresh.
+    void catchUp();
     void doUpdateDocuments();
     void selChanged();
     void timerSelChanged();
@@ -85,7 +88,7 @@ public slots:
     void documentDoubleClicked(const QModelIndex &index);
 
     // documents/kelvaclientmain_edit.cpp
-    /// Writes the edited cell back.
+    /// Notes what was entered into the current cell; it is written back once the table is done with it.
     void infoViewItemChanged();
 
     // documents/kelvaclientmain_drop.cpp
@@ -101,6 +104,7 @@ public slots:
     void searchComboChanged(int index, bool focus);
     void searchComboChanged(int index);
     void searchTextChanged();
+    void searchEnteredText();
     void doCheckSearch();
 
     // folders/kelvaclientmain_folders.cpp
@@ -136,6 +140,7 @@ private:
     // app/kelvaclientmain_login.cpp
     bool doLogin();
     bool chooseProfile();
+    bool reload(bool updateDocs);
     bool reloadWorkplace(bool updateDocs);
     bool takeProfile();
     bool enterOfflineArchive();
@@ -162,8 +167,9 @@ private:
 
     // documents/kelvaclientmain_list.cpp
     DocumentQuery currentQuery() const;
-    void refreshTable(const QStringList &docIds, bool resetPlugins, bool senderIsModel);
-    void missRefresh(const QStringList &docIds, bool resetPlugins);
+    /// The refresh itself; afterEdit gives the table the focus back.
+    void refreshList(const QStringList &docIds, bool resetPlugins, bool afterEdit);
+    void refreshTable(const QStringList &docIds, bool resetPlugins, bool afterEdit);
     bool loadRows();
     void showCount();
     void updateFolderColumn();
@@ -183,6 +189,7 @@ private:
     /// Changes the fields of a record; false gives the edit up.
     using RecordChange = std::function<bool(QStringList &fields)>;
     void infoViewItemChanged(QStandardItem *item);
+    void saveEdit(const CellEdit &edit);
     /// The cycle of every edit: read, compare the version token, change, save.
     EditResult editDocument(const QString &docId, const RecordChange &change);
     /// The same with a box for each failure and, with update, a refresh at the end.
@@ -287,10 +294,8 @@ private:
     bool m_reloading = false;             ///< updateAll() is at work and lets events run
     bool m_changedWhileReloading = false; ///< somebody changed the vocabulary meanwhile
     bool m_connectionLost = false;
-    /// What was asked for while a refresh or a reload was running.
-    bool m_refreshMissed = false;
-    QStringList m_missedDocIds;
-    bool m_missedPlugins = false;
+    RefreshGate *m_gate;        ///< a child of the window
+    bool m_searchWaits = false; ///< what was entered into the search cell is searched for in a moment
     int selectTimerId = -1;
 
     // Vocabulary

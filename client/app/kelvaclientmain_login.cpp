@@ -4,6 +4,7 @@
 #include "app/kelvadoclogin.h"
 #include "app/startoptions.h"
 #include "documents/kelvatrashbutton.h"
+#include "documents/refreshgate.h"
 #include "folders/kelvadoctree.h"
 #include "server/classifyinterface.h"
 #include "server/kelvalogindata.h"
@@ -254,8 +255,18 @@ bool KelvaClientMain::updateAll(bool updateDocs)
     if (m_reloading)
         return true;
     m_infoView->finishEditing();
+    if (!m_gate->isFree()) {
+        m_gate->missReload();
+        return true;
+    }
+    return reload(updateDocs);
+}
+
+bool KelvaClientMain::reload(bool updateDocs)
+{
     bool reloaded = false;
     {
+        const RefreshGate::Hold hold(*m_gate);
         const QScopedValueRollback<bool> reloading(m_reloading, true);
         m_changedWhileReloading = false;
         reloaded = reloadWorkplace(updateDocs);

@@ -3,6 +3,7 @@
 #include "documents/classificationedit.h"
 #include "documents/documentcolumns.h"
 #include "documents/kelvatrashbutton.h"
+#include "documents/refreshgate.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
 #include "server/plainbox.h"
@@ -21,6 +22,7 @@ const char resubmissionNode[] = "0.2";
 
 void KelvaClientMain::updateDocAfterDrop(const QString &docId, const QString &value)
 {
+    const RefreshGate::Hold hold(*m_gate);
     if (edit::isStatusNode(value))
         updateStatus(docId, edit::statusOfNode(value), false);
     else
@@ -35,6 +37,7 @@ void KelvaClientMain::updateDocsAfterDrop(const QStringList &docIds, const QStri
 {
     if (statusBarExt->getTrashButton()->isChecked())
         return;
+    const RefreshGate::Hold hold(*m_gate); // the refresh at the end is made up for when it ends
     QString date;
     if (folder == resubmissionNode && !askResubmissionDate(tr("Resubmit documents at..."), date)) {
         updateDocuments({});

@@ -5,6 +5,7 @@
 #include "documents/itemroles.h"
 #include "documents/kelvacalendar.h"
 #include "documents/qinfoviewmodel.h"
+#include "documents/refreshgate.h"
 #include "server/classifyinterface.h"
 #include "server/plainbox.h"
 #include "server/waitcursor.h"
@@ -21,14 +22,22 @@ void KelvaClientMain::infoViewItemChanged()
 
 void KelvaClientMain::infoViewItemChanged(QStandardItem *item)
 {
+    CellEdit entered;
+    entered.column = item->column();
+    entered.text = item->text();
+    entered.rawValue = item->data(itemrole::rawValue).toString();
+    entered.docId = m_infoView->itemFromSource(item->row(), documentcolumn::id)
+                        ->data(itemrole::classificationId)
+                        .toString();
+    entered.fromTable = sender() == m_infoView->getModel();
+    m_gate->enter(entered);
+}
+
+void KelvaClientMain::saveEdit(const CellEdit &entered)
+{
     const WaitCursor cursor;
-    // The refresh at the end of an edit deletes the item: everything is read from it before.
-    const int column = item->column();
-    const QString text = item->text();
-    const QString raw = item->data(itemrole::rawValue).toString();
-    const QString docId = m_infoView->itemFromSource(item->row(), documentcolumn::id)
-                              ->data(itemrole::classificationId)
-                              .toString();
+    const auto &[column, docId, text, raw, fromTable] = entered;
+    Q_UNUSED(fromTable)
     switch (column) {
     case documentcolumn::folder:
         if (edit::isStatusNode(raw))

@@ -7,6 +7,7 @@
 #include "documents/kelvatrashbutton.h"
 #include "documents/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
+#include "documents/refreshgate.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "search/kelvaextsearch.h"
@@ -29,7 +30,7 @@
 #include <QtConcurrent>
 
 #include <mutex>
-#include <utility>
+#include <optional>
 
 namespace {
 
@@ -103,11 +104,37 @@ void KelvaClientMain::updateDocuments(QStringList docIds, bool resetPlugins)
     m_infoView->finishEditing();
     // The service may run events while it works, and so does a reload. A refresh from there cannot wait on
     // the same thread, so it runs afterwards.
-    std::unique_lock<QMutex> lock(m_updateMutex, std::try_to_lock);
-    if (!lock.owns_lock() || m_reloading) {
-        missRefresh(docIds, resetPlugins);
+    if (!m_gate->isFree()) {
+        m_gate->missRefresh(docIds, resetPlugins);
         return;
     }
+    refreshList(docIds, resetPlugins, false);
+}
+
+void KelvaClientMain::catchUp()
+{
+    if (m_gate->isHeld())
+        return;
+    while (const std::optional<CellEdit> edit = m_gate->takeEdit()) {
+        {
+            const RefreshGate::Hold hold(*m_gate);
+            saveEdit(*edit);
+        }
+        // Each with its refresh: the next one needs the version token that this one has made.
+        m_infoView->finishEditing();
+        if (const std::optional<RefreshGate::Refresh> missed = m_gate->takeRefresh())
+            refreshList(missed->docIds, missed->resetPlugins, edit->fromTable);
+    }
+    if (m_gate->takeReload() && !reload(true))
+        return;
+    if (const std::optional<RefreshGate::Refresh> missed = m_gate->takeRefresh())
+        updateDocuments(missed->docIds, missed->resetPlugins);
+}
+
+void KelvaClientMain::refreshList(const QStringList &docIds, bool resetPlugins, bool afterEdit)
+{
+    const std::lock_guard<QMutex> lock(m_updateMutex);
+    const RefreshGate::Hold hold(*m_gate);
     qDebug() << "UPDATE DOCS" << m_infoView->selectedIndexes().size();
     if (!uiReady) {
         qDebug("INITUPDATE");
@@ -115,29 +142,12 @@ void KelvaClientMain::updateDocuments(QStringList docIds, bool resetPlugins)
     }
     {
         const WaitCursor cursor;
-        refreshTable(docIds, resetPlugins, sender() == m_infoView->getModel());
+        refreshTable(docIds, resetPlugins, afterEdit);
     }
     qDebug("UPDATE DOCS END");
 }
 
-void KelvaClientMain::missRefresh(const QStringList &docIds, bool resetPlugins)
-{
-    if (!docIds.isEmpty())
-        m_missedDocIds = docIds;
-    m_missedPlugins = m_missedPlugins || resetPlugins;
-    if (m_refreshMissed)
-        return;
-    m_refreshMissed = true;
-    QMetaObject::invokeMethod(this, "runMissedRefresh", Qt::QueuedConnection);
-}
-
-void KelvaClientMain::runMissedRefresh()
-{
-    m_refreshMissed = false;
-    updateDocuments(std::exchange(m_missedDocIds, {}), std::exchange(m_missedPlugins, false));
-}
-
-void KelvaClientMain::refreshTable(const QStringList &docIds, bool resetPlugins, bool senderIsModel)
+void KelvaClientMain::refreshTable(const QStringList &docIds, bool resetPlugins, bool afterEdit)
 {
     Q_UNUSED(resetPlugins)
     const char *changed = SIGNAL(dataChanged(QModelIndex, QModelIndex));
@@ -171,7 +181,7 @@ void KelvaClientMain::refreshTable(const QStringList &docIds, bool resetPlugins,
         restoreSelection(ids, currentId, currentColumn);
         m_infoView->getModel()->updateLayout();
     }
-    if (senderIsModel)
+    if (afterEdit)
         m_infoView->setFocus(Qt::OtherFocusReason);
     docSelChanged(m_infoView->getSelection());
     m_infoView->doResizeColumnsToContents();
@@ -183,7 +193,7 @@ bool KelvaClientMain::loadRows()
     const QStringList docs = classifyClient->getDocuments(documentFilters(currentQuery()));
     if (reloadPending) {
         reloadPending = false;
-        if (!updateAll(false))
+        if (!reload(false))
             return false;
     }
     QStringList archiveIds;

@@ -19,6 +19,8 @@
 #include <QLocale>
 #include <QSignalBlocker>
 
+#include <utility>
+
 namespace {
 
 const char groupBoxSheet[] =
@@ -93,7 +95,8 @@ void KelvaClientMain::replaceSearchCell(KelvaDelegate *delegate)
     // Before the old one dies: the table would keep an entry without a delegate and paint with it.
     QAbstractItemDelegate *old = m_SearchString->itemDelegateForColumn(0);
     m_SearchString->setItemDelegateForColumn(0, delegate);
-    delete old;
+    if (old)
+        old->deleteLater();
 }
 
 /// A list of choices stands open in the search cell, on its first entry.
@@ -131,6 +134,15 @@ KelvaDelegate *KelvaClientMain::searchDelegate(const QString &column) const
 
 void KelvaClientMain::searchTextChanged()
 {
+    // The cell's editor is still at work: a search may replace cell and editor.
+    if (std::exchange(m_searchWaits, true))
+        return;
+    QMetaObject::invokeMethod(this, "searchEnteredText", Qt::QueuedConnection);
+}
+
+void KelvaClientMain::searchEnteredText()
+{
+    m_searchWaits = false;
     const QTableWidgetItem *cell = m_SearchString->item(0, 0);
     if (cell && !cell->text().isEmpty())
         doSearch(false);

@@ -8,21 +8,28 @@
 #include "documents/rowicons.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QDebug>
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPointer>
 #include <QScopedValueRollback>
 #include <QStandardItem>
 
 namespace {
 
+bool isReturn(const QKeyEvent &event)
+{
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
 /// Keys that begin an edit of the current cell.
 bool startsEditing(const QKeyEvent &event)
 {
-    if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter)
+    if (isReturn(event))
         return true;
     const QString text = event.text();
     if (text.isEmpty())
@@ -225,10 +232,28 @@ void KelvaInfoView::keyPressEvent(QKeyEvent *event)
         mayEdit && !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
     if (plain && (current.flags() & Qt::ItemIsEditable) && startsEditing(*event)) {
         event->ignore();
-        edit(QTableView::currentIndex());
+        startEditing(*event);
         return;
     }
     QTableView::keyPressEvent(event);
+}
+
+void KelvaInfoView::startEditing(const QKeyEvent &key)
+{
+    const QModelIndex cell = QTableView::currentIndex();
+    edit(cell);
+    auto *line = qobject_cast<QLineEdit *>(indexWidget(cell));
+    if (!line || isReturn(key))
+        return;
+    // The key is the first one typed; the editor has all of its text selected.
+    QKeyEvent typed(key);
+    QCoreApplication::sendEvent(line, &typed);
+}
+
+bool KelvaInfoView::edit(const QModelIndex &index, EditTrigger trigger, QEvent *event)
+{
+    // Rows that are about to be replaced cannot be edited.
+    return updatesEnabled() && QTableView::edit(index, trigger, event);
 }
 
 void KelvaInfoView::mousePressEvent(QMouseEvent *event)

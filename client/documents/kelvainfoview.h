@@ -94,6 +94,8 @@ signals:
     void gotDropEvent(QDropEvent *event);
 
 protected:
+    using QTableView::edit;
+    bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override;
     void commitData(QWidget *editor) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
@@ -104,6 +106,7 @@ protected:
 
 private:
     void loadActionMenu();
+    void startEditing(const QKeyEvent &key);
     void fillRows(const QStringList &docs, int columns, const QMap<QString, QString> &fileNames, bool trash,
                   const QMap<QString, QString> &retention, const QStringList *readDocs);
     QString settingsApplication() const;

@@ -323,11 +323,14 @@ private slots:
         DialogScript script;
         script.expectBox("full text search", "A minimum of 3 characters is needed for the full text search!");
         cell->setText("in");
+        Workplace::settle();
         QVERIFY(archive.queries.isEmpty());
         cell->setText("inv");
+        Workplace::settle();
         QCOMPARE(archive.queries.last().first(), QString("OPT:SELECTION;101"));
         QVERIFY(workplace.window->findChild<QPushButton *>("m_bClearSuchen")->isEnabled());
         cell->setText("nothing like it");
+        Workplace::settle();
         QCOMPARE(archive.queries.last().first(), QString("OPT:SELECTION;-1"));
         workplace.window->findChild<QPushButton *>("m_bClearSuchen")->click();
         QCOMPARE(archive.queries.last(), QStringList({"1=1", "OPT:LIMIT;100"}));
@@ -346,6 +349,7 @@ private slots:
             emit combo->activated(combo->currentIndex());
         };
         table->item(0, 0)->setText("invoice");
+        Workplace::settle();
         QCOMPARE(archive.queries.last().first(), QString("OPT:SELECTION;101"));
         choose("bemerkung"); // from line to line the text stays
         QCOMPARE(archive.queries.last().first(), QString("to_tsvector(bemerkung) @@ to_tsquery('invoice')"));
@@ -373,6 +377,7 @@ private slots:
                 emit combo->activated(i);
                 QVERIFY(!cell->grab().isNull()); // painted with the column's delegate, or without one
                 cell->item(0, 0)->setText("100");
+                Workplace::settle();
                 QVERIFY(!cell->grab().isNull());
             }
     }

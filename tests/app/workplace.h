@@ -53,6 +53,9 @@ public:
         return result;
     }
 
+    /// What was entered is saved or searched for once the editor is done with it.
+    static void settle() { QCoreApplication::processEvents(); }
+
     void end()
     {
         window.reset();
