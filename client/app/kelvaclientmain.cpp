@@ -5,11 +5,11 @@
 #include "app/programversion.h"
 #include "app/proxysettings.h"
 #include "app/startoptions.h"
-#include "documents/kelvalinedelegate.h"
 #include "documents/kelvatrashbutton.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
 #include "extensions/qttoolbarmanager.h"
+#include "folders/columneditors.h"
 #include "folders/kelvadoctree.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
@@ -65,6 +65,7 @@ KelvaClientMain::KelvaClientMain(QWidget *parent)
     m_trashButton = statusBarExt->getTrashButton();
     archiveWorker->setParentWidget(this);
     setupUi(this);
+    m_editors = std::make_unique<ColumnEditors>(m_infoView);
     setupPanels();
     connectPanels();
     clientIdent = QStringLiteral("Kelva Client#%1#%2#").arg(programversion::text, QHostInfo::localHostName());
@@ -88,6 +89,7 @@ void KelvaClientMain::setupPanels()
     m_infoView->horizontalHeader()->setSectionsMovable(true);
     m_infoView->horizontalHeader()->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_infoView->verticalHeader()->hide();
+    updateFolderColumn();
 
     // A dock that was closed comes back from here.
     m_menuView->addSeparator();
@@ -135,14 +137,7 @@ KelvaClientMain::~KelvaClientMain()
     }
     delete archiveWorker;
     docTree->deleteLater();
-    if (m_folderColumnTree)
-        m_folderColumnTree->deleteLater();
-    for (KelvaLineDelegate *delegate : qAsConst(m_lineDelegates))
-        delegate->deleteLater();
-    m_lineDelegates.clear();
-    for (QMap<int, KelvaDelegate *> *delegates : {&m_comboDelegates, &m_checkDelegates, &m_dateDelegates})
-        releaseDelegates(*delegates);
-    releaseFixedDelegates();
+    m_editors.reset(); // before the table that its delegates are children of
     toolBarManager->deleteLater();
     statusBarExt->deleteLater();
     delete archiveInterface; // the last one: every client that it made is gone

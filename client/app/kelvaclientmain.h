@@ -14,16 +14,14 @@
 #include <memory>
 
 class ClassifyInterface;
+class ColumnEditors;
 class DockWidthKeeper;
 class KelvaArchiveWorker;
-class KelvaComboDelegate;
 class KelvaDelegate;
 class KelvaDocLogin;
 class KelvaDocTree;
 class KelvaExtSearch;
-class KelvaLineDelegate;
 class KelvaTrashButton;
-class KelvaViewDelegate;
 class QProgressDialog;
 class QStandardItem;
 class QTimer;
@@ -172,6 +170,8 @@ private:
     void refreshTable(const QStringList &docIds, bool resetPlugins, bool afterEdit);
     bool loadRows();
     void showCount();
+    /// Whether the answer has the attributes of the vocabulary; otherwise a reload is due.
+    bool knowsAttributes(const QString &header) const;
     void updateFolderColumn();
     void restoreSelection(const QStringList &ids, const QString &currentId, int currentColumn);
     void disableDocumentActions();
@@ -222,21 +222,14 @@ private:
 
     // folders/kelvaclientmain_folders.cpp
     bool initFolders();
-    void makeFixedDelegates(const WorkbenchData &workbench);
-    void makeAttributeDelegates(const WorkbenchData &workbench);
-    void makeLineDelegates(const QMap<int, QString> &columns);
-    void releaseDelegates(QMap<int, KelvaDelegate *> &delegates);
     void showFolderTree(const WorkbenchData &workbench);
-    void makeFolderColumn(const WorkbenchData &workbench);
     void enterSubArchive(const QString &archive);
     void fillSubArchives(const QStringList &names);
     void fillMoveMenu();
     QString getArchiveString() const;
-    void setColumnDelegate(int column, KelvaDelegate *&member, KelvaDelegate *delegate);
     KelvaDelegate *getDelegateForColumn(int column) const;
     int getColumnIndex(const QString &name) const { return m_columnNames.indexOf(name); }
     void blockDelegateSignals(bool block);
-    void releaseFixedDelegates();
 
     // search/kelvaclientmain_filters.cpp
     void initExtendedSearch();
@@ -300,17 +293,5 @@ private:
 
     // Vocabulary
     QStringList m_searchColumns;
-    KelvaDocTree *m_folderColumnTree = nullptr;
-    KelvaDelegate *m_mainFolderDelegate = nullptr;
-    KelvaDelegate *m_descriptionDelegate = nullptr;
-    KelvaDelegate *m_statusDelegate = nullptr;
-    KelvaDelegate *m_folderDelegate = nullptr;
-    KelvaDelegate *m_typeDelegate = nullptr;
-    KelvaDelegate *m_dateDelegate = nullptr;
-    KelvaDelegate *m_changeTimeDelegate = nullptr;
-    KelvaDelegate *m_resubmissionDelegate = nullptr;
-    QMap<int, KelvaLineDelegate *> m_lineDelegates;
-    QMap<int, KelvaDelegate *> m_comboDelegates;
-    QMap<int, KelvaDelegate *> m_checkDelegates;
-    QMap<int, KelvaDelegate *> m_dateDelegates;
+    std::unique_ptr<ColumnEditors> m_editors;
 };

@@ -5,6 +5,7 @@
 #include "app/startoptions.h"
 #include "documents/kelvatrashbutton.h"
 #include "documents/refreshgate.h"
+#include "folders/columneditors.h"
 #include "folders/kelvadoctree.h"
 #include "server/classifyinterface.h"
 #include "server/kelvalogindata.h"
@@ -297,7 +298,7 @@ bool KelvaClientMain::reloadWorkplace(bool updateDocs)
     progress.show();
     QCoreApplication::processEvents();
 
-    releaseFixedDelegates();
+    m_editors->release();
     login.reloadProfile(profile.id);
     if (!login.reloadFault().isEmpty())
         plainbox::warning(this, tr("Warning"),

@@ -103,3 +103,14 @@ QString numericCellText(QString value, QChar decimalPoint)
         value.chop(2);
     return value;
 }
+
+bool sameAttributes(const QString &header, const QStringList &vocabulary)
+{
+    QStringList known;
+    for (const QString &row : vocabulary)
+        known << row.section(recordformat::fieldSeparator, 0, 0);
+    const QStringList shown = header.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
+    return shown.size() == known.size() &&
+           shown.mid(documentcolumn::firstAttribute, shown.size() - documentcolumn::firstAttribute - 1) ==
+               known.mid(documentcolumn::firstAttribute, known.size() - documentcolumn::firstAttribute - 1);
+}

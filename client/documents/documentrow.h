@@ -51,3 +51,7 @@ QString numericCellText(QString value, QChar decimalPoint);
 
 /// End of the retention period; invalid unless retention is "years;months;days".
 QDate retentionEnd(const QDate &documentDate, const QString &retention);
+
+/// Whether the header row of an answer names the attributes that the vocabulary has: rows of title and field
+/// key, one row too many. What is typed into a column would otherwise be stored as another attribute.
+bool sameAttributes(const QString &header, const QStringList &vocabulary);

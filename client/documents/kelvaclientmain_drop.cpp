@@ -3,6 +3,7 @@
 #include "documents/classificationedit.h"
 #include "documents/documentcolumns.h"
 #include "documents/kelvatrashbutton.h"
+#include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
@@ -74,9 +75,9 @@ bool KelvaClientMain::classifyDropped(const QString &row, const QString &folder,
         plainbox::critical(this, tr("Error"), text);
         return false;
     };
-    if (row.isEmpty())
-        return giveUp(tr("The document data could not be read."));
     QStringList fields = row.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
+    if (fields.size() != m_infoView->getModel()->columnCount() + 1)
+        return giveUp(tr("The document data could not be read."));
     if (!fields.last().contains('W'))
         return true;
     const QString id = fields.takeFirst().section(recordformat::documentIdSeparator, 1, 1);

@@ -80,7 +80,8 @@ bool KelvaClientMain::checkIfChanged(const QString &version, const QString &docI
 KelvaClientMain::EditResult KelvaClientMain::editDocument(const QString &docId, const RecordChange &change)
 {
     QStringList fields = classifyClient->getDocument(docId, QString());
-    if (fields.isEmpty())
+    // Of another length, a value would land in another field.
+    if (fields.isEmpty() || fields.size() != m_infoView->getModel()->columnCount() + 1)
         return EditResult::ReadFailed;
     fields.removeFirst();
     if (checkIfChanged(fields.value(edit::version), docId))

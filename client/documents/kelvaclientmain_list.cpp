@@ -2,14 +2,13 @@
 
 #include "documents/documentactionstate.h"
 #include "documents/documentcolumns.h"
+#include "documents/documentrow.h"
 #include "documents/itemroles.h"
-#include "documents/kelvacombodelegate.h"
 #include "documents/kelvatrashbutton.h"
 #include "documents/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
-#include "folders/kelvadocitem.h"
-#include "folders/kelvadoctree.h"
+#include "folders/columneditors.h"
 #include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
@@ -213,15 +212,15 @@ bool KelvaClientMain::loadRows()
         for (const QString &action : qAsConst(actions))
             opened << action.section(recordformat::fieldSeparator, 0, 0);
     }
+    if (!docs.isEmpty()) {
+        const bool known = knowsAttributes(docs.first());
+        m_editors->setAttributesDetached(!known);
+        m_infoView->setAttributesReadOnly(!known);
+    }
     m_infoView->loadDocuments(docs, infos, m_trashButton->isChecked(), m_retentionByDocType,
                               openedKnown ? &opened : nullptr);
     disableDocumentActions();
     showCount();
-    // Even an empty list has its header.
-    if (docs.isEmpty() && !classifyClient->lastError().isEmpty())
-        statusBar()->showMessage(
-            QStringLiteral("%1 - %2").arg(statusBar()->currentMessage(), classifyClient->lastError()));
-    updateFolderColumn();
     return true;
 }
 
@@ -233,37 +232,22 @@ void KelvaClientMain::showCount()
     statusBar()->showMessage(
         rows == limit ? tr("More than %1 documents found. Limit your search using filters!").arg(limit)
                       : tr("%1 documents").arg(rows));
+    if (m_infoView->areAttributesReadOnly())
+        statusBar()->showMessage(
+            tr("%1 - The attributes have been changed. Reload the workbench to edit them.")
+                .arg(statusBar()->currentMessage()));
 }
 
+/// The table asks for names and pictures of its keys while it fills.
 void KelvaClientMain::updateFolderColumn()
 {
-    QInfoViewModel *model = m_infoView->getModel();
-    {
-        // Thousands of single changes would each make the proxy sort; the layout signal below does it once.
-        const QSignalBlocker blocker(model);
-        const QMap<int, KelvaComboDelegate *> combos{
-            {documentcolumn::mainFolder, qobject_cast<KelvaComboDelegate *>(m_mainFolderDelegate)},
-            {documentcolumn::status, qobject_cast<KelvaComboDelegate *>(m_statusDelegate)},
-            {documentcolumn::type, qobject_cast<KelvaComboDelegate *>(m_typeDelegate)}};
-        const QIcon unknownFolder(":/icons/folder.png");
-        for (int row = 0; row < model->rowCount(); ++row) {
-            for (auto combo = combos.cbegin(); combo != combos.cend(); ++combo) {
-                QStandardItem *cell = model->item(row, combo.key());
-                if (!cell || !combo.value())
-                    continue;
-                const QString key = cell->text();
-                cell->setIcon(combo.value()->getIcon(key));
-                cell->setText(combo.value()->getData(key));
-            }
-            QStandardItem *cell = model->item(row, documentcolumn::folder);
-            if (!cell || cell->text() == QLatin1String(folderoid::all))
-                continue;
-            const KelvaDocItem *folder = docTree->findItem(cell->text());
-            cell->setText(folder ? folder->getName() : tr("not assigned"));
-            cell->setIcon(folder ? folder->icon() : unknownFolder);
-        }
-    }
-    model->updateLayout();
+    m_infoView->setCellFaces(
+        [this](int column, const QString &key) { return m_editors->display(column, key); });
+}
+
+bool KelvaClientMain::knowsAttributes(const QString &header) const
+{
+    return sameAttributes(header, m_searchColumns);
 }
 
 void KelvaClientMain::restoreSelection(const QStringList &ids, const QString &currentId, int currentColumn)

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "documents/cellface.h"
+
 #include <QMap>
 #include <QStringList>
 #include <QTableView>
 
+#include <functional>
 #include <memory>
 
 class ClassifyInterface;
@@ -29,6 +32,14 @@ public:
     void setProfileIdentifier(const QString &identifier) { profileIdentifier = identifier; }
     /// A read-only session: no cell is editable and every row shows it.
     void setNoEdit(bool readOnly) { noEdit = readOnly; }
+    /// The same for the archive's own attributes alone, at the next load.
+    void setAttributesReadOnly(bool readOnly) { m_attributesReadOnly = readOnly; }
+    bool areAttributesReadOnly() const { return m_attributesReadOnly; }
+
+    /// How the key in a cell of a main folder, status, type or folder is shown. Without it keys show
+    /// themselves.
+    using CellFaces = std::function<CellFace(int column, const QString &key)>;
+    void setCellFaces(CellFaces faces) { m_faces = std::move(faces); }
 
     /// Fills the table. docs: header and rows of getDocuments(). infos: entries of getDocumentInfo(), for the
     /// icons. retention: document type to "years;months;days". readDocs: archive ids that the user has
@@ -47,6 +58,7 @@ public:
     QModelIndexList selectedIndexes() const override;
     QItemSelection getSelection() const;
     void setSelection(const QItemSelection &selection);
+    using QTableView::edit;
     using QTableView::hideColumn;
     using QTableView::setSelection;
 
@@ -94,7 +106,6 @@ signals:
     void gotDropEvent(QDropEvent *event);
 
 protected:
-    using QTableView::edit;
     bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override;
     void commitData(QWidget *editor) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -116,6 +127,8 @@ private:
     MySortFilterProxyModel *m_proxy;
     bool autoResize = false;
     bool noEdit = true;
+    bool m_attributesReadOnly = false;
+    CellFaces m_faces;
     bool m_committing = false;
     bool m_headerKnown =
         true; ///< the profile's header was stored; otherwise widths follow the first contents

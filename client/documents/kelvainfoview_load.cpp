@@ -28,6 +28,12 @@ QMap<QString, QString> fileNamesOf(const QStringList &infos)
     return names;
 }
 
+bool showsName(int column)
+{
+    return column == documentcolumn::mainFolder || column == documentcolumn::status ||
+           column == documentcolumn::folder || column == documentcolumn::type;
+}
+
 bool keepsRawValue(int column)
 {
     return column == documentcolumn::status || column == documentcolumn::folder ||
@@ -97,6 +103,11 @@ void KelvaInfoView::fillRows(const QStringList &docs, int columns, const QMap<QS
             auto *cell = new QStandardItem(column == documentcolumn::id ? look.archiveId
                                            : numeric.at(column)         ? numericCellText(field, decimalPoint)
                                                                         : field);
+            if (m_faces && showsName(column)) {
+                const CellFace face = m_faces(column, field);
+                cell->setText(face.text);
+                cell->setIcon(face.icon);
+            }
             if (column == documentcolumn::id) {
                 cell->setData(look.classificationId, itemrole::classificationId);
                 cell->setIcon(m_icons->icon(look, fileNames.value(look.archiveId)));
@@ -107,7 +118,8 @@ void KelvaInfoView::fillRows(const QStringList &docs, int columns, const QMap<QS
                 cell->setData(true, itemrole::numeric);
             if (look.unread)
                 cell->setFont(unreadFont);
-            cell->setFlags(documentCellFlags(column, look.readOnly, trash));
+            const bool fixed = m_attributesReadOnly && column >= documentcolumn::firstAttribute;
+            cell->setFlags(documentCellFlags(column, look.readOnly || fixed, trash));
             cell->setData(look.readOnly ? 1 : 0, itemrole::readOnly);
             if (look.background.isValid())
                 cell->setBackground(look.background);

@@ -2,15 +2,11 @@
 
 #include "app/kelvaclientsettings.h"
 #include "documents/documentcolumns.h"
-#include "documents/kelvacalendardelegate.h"
-#include "documents/kelvacheckboxdelegate.h"
-#include "documents/kelvacombodelegate.h"
-#include "documents/kelvalinedelegate.h"
-#include "documents/kelvasimplecombodelegate.h"
+#include "documents/kelvadelegate.h"
+#include "folders/columneditors.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvanewfolder.h"
-#include "folders/kelvaviewdelegate.h"
 #include "folders/workbenchdata.h"
 #include "search/kelvaextsearch.h"
 #include "server/classifyinterface.h"
@@ -26,12 +22,6 @@
 #include <QMenu>
 #include <QSignalBlocker>
 #include <QStatusBar>
-
-namespace {
-
-constexpr int longestText = 254;
-
-} // namespace
 
 bool KelvaClientMain::initFolders()
 {
@@ -49,11 +39,9 @@ bool KelvaClientMain::initFolders()
     m_searchColumns = workbench.searchColumns;
     disconnect(docTree, SIGNAL(updateDocuments()), this, SLOT(updateDocuments()));
     disconnect(m_tWOrdner, SIGNAL(curSelChanged()), this, SLOT(timerSelChanged()));
-    makeAttributeDelegates(workbench);
     m_extSearch->setUsers(classifyClient->getRoles());
-    makeFixedDelegates(workbench);
+    m_editors->rebuild(workbench, classifyClient->getDescriptionCompletions());
     showFolderTree(workbench);
-    makeFolderColumn(workbench);
     if (!m_tWOrdner->currentIndex().isValid()) {
         m_tWOrdner->setCurrentIndex(docTree->index(0, 0));
         m_tWOrdner->scrollToTop();
@@ -64,105 +52,6 @@ bool KelvaClientMain::initFolders()
         m_tWOrdner->header()->restoreState(panelHeader);
     m_retentionByDocType = workbench.retentionByType();
     return true;
-}
-
-void KelvaClientMain::setColumnDelegate(int column, KelvaDelegate *&member, KelvaDelegate *delegate)
-{
-    member = delegate;
-    m_infoView->setItemDelegateForColumn(column, delegate);
-}
-
-void KelvaClientMain::releaseFixedDelegates()
-{
-    for (KelvaDelegate **delegate :
-         {&m_mainFolderDelegate, &m_descriptionDelegate, &m_statusDelegate, &m_typeDelegate, &m_dateDelegate,
-          &m_changeTimeDelegate, &m_resubmissionDelegate}) {
-        if (*delegate)
-            (*delegate)->deleteLater();
-        *delegate = nullptr;
-    }
-}
-
-void KelvaClientMain::makeFixedDelegates(const WorkbenchData &workbench)
-{
-    const auto combo = [this](const QStringList &rows, const QList<QByteArray> &pictures,
-                              const QIcon &fallback) {
-        return new KelvaComboDelegate(rows, pictures, m_infoView, false, fallback, true, true);
-    };
-    setColumnDelegate(
-        documentcolumn::mainFolder, m_mainFolderDelegate,
-        combo(workbench.mainFolders, workbench.mainFolderPictures, QIcon(":/icons/folder.png")));
-    setColumnDelegate(documentcolumn::status, m_statusDelegate,
-                      combo(workbench.status, workbench.statusPictures, QIcon()));
-    setColumnDelegate(documentcolumn::type, m_typeDelegate,
-                      combo(workbench.types, workbench.typePictures, QIcon()));
-    setColumnDelegate(documentcolumn::date, m_dateDelegate,
-                      new KelvaCalendarDelegate(m_infoView, false, false, false));
-    setColumnDelegate(documentcolumn::resubmission, m_resubmissionDelegate,
-                      new KelvaCalendarDelegate(m_infoView, true, false, false));
-    setColumnDelegate(documentcolumn::changeTime, m_changeTimeDelegate,
-                      new KelvaLineDelegate({}, m_infoView, longestText, false));
-    setColumnDelegate(
-        documentcolumn::description, m_descriptionDelegate,
-        new KelvaLineDelegate(classifyClient->getDescriptionCompletions(), m_infoView, longestText, false));
-}
-
-void KelvaClientMain::releaseDelegates(QMap<int, KelvaDelegate *> &delegates)
-{
-    for (auto delegate = delegates.cbegin(); delegate != delegates.cend(); ++delegate) {
-        m_infoView->setItemDelegateForColumn(delegate.key(), nullptr);
-        delegate.value()->deleteLater();
-    }
-    delegates.clear();
-}
-
-void KelvaClientMain::makeAttributeDelegates(const WorkbenchData &workbench)
-{
-    // First everything old goes: a column may have become one of another kind.
-    for (QMap<int, KelvaDelegate *> *delegates : {&m_comboDelegates, &m_checkDelegates, &m_dateDelegates})
-        releaseDelegates(*delegates);
-    makeLineDelegates(workbench.lineColumns);
-    const auto install = [this](QMap<int, KelvaDelegate *> &delegates, int column, KelvaDelegate *delegate,
-                                const QString &values) {
-        qDebug() << "DELEGATEVALS: " << column << values;
-        delegates.insert(column, delegate);
-        m_infoView->setItemDelegateForColumn(column, delegate);
-    };
-    for (auto combo = workbench.comboColumns.cbegin(); combo != workbench.comboColumns.cend(); ++combo) {
-        QStringList values = combo.value().split(recordformat::listSeparator, Qt::SkipEmptyParts);
-        values.prepend(QString());
-        install(m_comboDelegates, combo.key(),
-                new KelvaSimpleComboDelegate(values, m_infoView, true, true, false, true), combo.value());
-    }
-    for (auto check = workbench.checkColumns.cbegin(); check != workbench.checkColumns.cend(); ++check)
-        install(m_checkDelegates, check.key(), new KelvaCheckBoxDelegate(false, m_infoView), check.value());
-    for (auto date = workbench.dateColumns.cbegin(); date != workbench.dateColumns.cend(); ++date)
-        install(m_dateDelegates, date.key(), new KelvaCalendarDelegate(m_infoView, false, false, true),
-                date.value());
-}
-
-void KelvaClientMain::makeLineDelegates(const QMap<int, QString> &columns)
-{
-    const QList<int> known = m_lineDelegates.keys();
-    for (const int column : known) {
-        if (columns.contains(column))
-            continue;
-        m_infoView->setItemDelegateForColumn(column, nullptr);
-        m_lineDelegates.take(column)->deleteLater();
-    }
-    for (auto line = columns.cbegin(); line != columns.cend(); ++line) {
-        QStringList values = line.value().split(recordformat::listSeparator, Qt::KeepEmptyParts);
-        const bool numeric =
-            values.removeAll(KelvaLineDelegate::numericMark) > 0; // a mark, and no value to offer
-        KelvaLineDelegate *&delegate = m_lineDelegates[line.key()];
-        if (delegate) {
-            delegate->setCompletor(values); // numeric or not stays as it was when the column came
-            continue;
-        }
-        qDebug() << "DELEGATEVALS: " << line.key() << values;
-        delegate = new KelvaLineDelegate(values, m_infoView, longestText, numeric);
-        m_infoView->setItemDelegateForColumn(line.key(), delegate);
-    }
 }
 
 void KelvaClientMain::showFolderTree(const WorkbenchData &workbench)
@@ -188,31 +77,16 @@ void KelvaClientMain::showFolderTree(const WorkbenchData &workbench)
     old->deleteLater();
 }
 
-void KelvaClientMain::makeFolderColumn(const WorkbenchData &workbench)
-{
-    KelvaDelegate *oldDelegate = m_folderDelegate;
-    KelvaDocTree *oldTree = m_folderColumnTree;
-    m_folderColumnTree =
-        new KelvaDocTree(tr("Folders"), true, tr("not assigned"), folderoid::notAssigned, nullptr);
-    m_folderColumnTree->loadFromStringList(workbench.folders, workbench.folderPictures, false);
-    setColumnDelegate(documentcolumn::folder, m_folderDelegate,
-                      new KelvaViewDelegate(m_folderColumnTree, m_infoView));
-    if (oldDelegate)
-        oldDelegate->deleteLater();
-    if (oldTree)
-        oldTree->deleteLater();
-}
-
 KelvaDelegate *KelvaClientMain::getDelegateForColumn(int column) const
 {
-    return column < 0 ? nullptr : qobject_cast<KelvaDelegate *>(m_infoView->itemDelegateForColumn(column));
+    return m_editors->forColumn(column);
 }
 
 void KelvaClientMain::blockDelegateSignals(bool block)
 {
-    for (KelvaDelegate *delegate : {m_mainFolderDelegate, m_folderDelegate, m_statusDelegate, m_dateDelegate,
-                                    m_typeDelegate, m_descriptionDelegate})
-        if (delegate)
+    for (const int column : {documentcolumn::mainFolder, documentcolumn::folder, documentcolumn::status,
+                             documentcolumn::date, documentcolumn::type, documentcolumn::description})
+        if (KelvaDelegate *delegate = m_editors->forColumn(column))
             delegate->blockSignals(block);
 }
 

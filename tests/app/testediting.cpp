@@ -8,6 +8,7 @@
 
 #include <QCalendarWidget>
 #include <QLineEdit>
+#include <QStandardItem>
 
 /// A cell is changed as its editor would change it; what the archive holds afterwards is what counts.
 class TestEditing : public QObject
@@ -220,6 +221,42 @@ private slots:
         QCOMPARE(workplace.column(8), QStringList("2023-12-24"));
         QCOMPARE(stored().section('|', 1, 1), QString(operation == "getDocument" ? "Second" : "Invoice"));
         QCOMPARE(workplace.manager.requests.contains("RELOADPROFILE#7"), action == "action_ReloadAll");
+    }
+
+    void attributesThatTheVocabularyDoesNotKnowAreReadOnly()
+    {
+        FakeArchive &archive = FakeArchive::instance();
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        KelvaInfoView *table = workplace.table();
+        archive.headerTitles.swapItemsAt(11, 12);
+        workplace.action("action_Neuladen")->trigger();
+        QVERIFY(workplace.message().contains("Reload the workbench"));
+        QVERIFY(!(table->item(0, 12)->flags() & Qt::ItemIsEditable));
+        QVERIFY(table->item(0, 2)->flags() & Qt::ItemIsEditable);
+        const QModelIndex box = table->model()->index(0, 12);
+        table->scrollTo(box);
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(box).center());
+        Workplace::settle();
+        QCOMPARE(stored(), unchanged());
+        archive.headerTitles.swapItemsAt(11, 12);
+        workplace.action("action_Neuladen")->trigger();
+        QCOMPARE(workplace.message(), QString("1 documents"));
+        set(workplace, 11, Qt::DisplayRole, "12.5");
+        QCOMPARE(stored(), QString("1.1|Invoice|1|1.1.1|1|2024-03-05||12.5|0"));
+    }
+
+    void aRecordOfAnotherLengthIsNotChanged()
+    {
+        FakeArchive &archive = FakeArchive::instance();
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        archive.meanwhile("getDocument", [&archive] { archive.documents[1].fields.removeLast(); });
+        const QStringList before = archive.documents.value(1).fields;
+        DialogScript script;
+        script.expectBox("Error", "The document could not be classified: ");
+        set(workplace, 12, Qt::DisplayRole, "2");
+        QCOMPARE(archive.documents.value(1).fields, before.mid(0, before.size() - 1));
     }
 
     void aNewFolderWaitsForTheCalendar()
