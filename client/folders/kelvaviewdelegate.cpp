@@ -68,12 +68,13 @@ void KelvaViewDelegate::setEditorData(QWidget *editor, const QModelIndex &index)
     }
     // The header comes first: restoring it folds the tree, and a folder must be in sight to be found.
     dialog->updateHeader();
-    if (!m_searchText.isEmpty())
-        dialog->getView()->showSearchDlg(m_searchText);
     const QString oid = index.data(itemrole::rawValue).toString();
     const KelvaDocItem *folder = m_tree ? m_tree->findItem(oid) : nullptr;
     if (folder && folder->getFlags().testFlag(Qt::ItemIsSelectable))
         dialog->getView()->setCurrentIndex(m_tree->indexFromItem(folder));
+    // The search goes on to its first hit, which is what Return chooses; its cancel button leads back.
+    if (!m_searchText.isEmpty())
+        dialog->getView()->showSearchDlg(m_searchText);
 }
 
 void KelvaViewDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,

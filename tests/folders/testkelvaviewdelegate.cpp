@@ -11,6 +11,7 @@
 #include "server/recordformat.h"
 
 #include <QAbstractProxyModel>
+#include <QLineEdit>
 
 namespace {
 
@@ -94,6 +95,22 @@ private slots:
         QVERIFY(table.edit());
         QTRY_VERIFY(!table.isEditing());
         QTEST(table.outcome(), "outcome");
+    }
+
+    void aKeptSearchLeadsToItsFirstHit()
+    {
+        DialogScript script;
+        const auto tree = makeTree();
+        auto *delegate = new KelvaViewDelegate(tree.get(), nullptr);
+        delegate->setSearchText("suppl");
+        OneCellTable table(delegate);
+        table.setCell("Customers", "1.1");
+        script.expectDialog("Select folder", false, [](QWidget *dialog) {
+            QTest::keyClick(dialog->findChild<QLineEdit *>("m_searchText"), Qt::Key_Return);
+        });
+        QVERIFY(table.edit());
+        QTRY_VERIFY(!table.isEditing());
+        QCOMPARE(table.outcome(), QString("Suppliers|1.2|1"));
     }
 
     void aTreeThatVanishesEndsTheChoice()
