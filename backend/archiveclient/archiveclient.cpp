@@ -37,6 +37,8 @@ QString ArchiveClient::lastError()
 
 bool ArchiveClient::connectToArchive(QString host, int port)
 {
+    if (isBusy())
+        return false;
     m_connection.clearError();
     m_connection.close();
     m_host = host;
@@ -56,6 +58,8 @@ bool ArchiveClient::connectToArchive(QString host, int port)
 
 bool ArchiveClient::login(QString user, QString password)
 {
+    if (isBusy())
+        return false;
     m_connection.clearError();
     if (!m_reachable) {
         m_connection.setError(

@@ -8,6 +8,7 @@
 #include "folders/columneditors.h"
 #include "folders/kelvadoctree.h"
 #include "server/classifyinterface.h"
+#include "server/kelvaarchiveworker.h"
 #include "server/kelvalogindata.h"
 #include "server/plainbox.h"
 #include "server/recordformat.h"
@@ -299,16 +300,17 @@ bool KelvaClientMain::reloadWorkplace(bool updateDocs)
     QCoreApplication::processEvents();
 
     m_editors->release();
-    login.reloadProfile(profile.id);
-    if (!login.reloadFault().isEmpty())
-        plainbox::warning(this, tr("Warning"),
-                          tr("The workbench could not be renewed: %1").arg(login.reloadFault()));
+    if (!offlineMode)
+        login.reloadProfile(profile.id);
     loadSettings();
     if (updateDocs)
         m_infoView->resetHeaders();
-    if (!initFolders())
+    // A connection that is lost half-way ends it; a dead session's answers must not be shown or stored.
+    if (m_connectionLost || !initFolders() || m_connectionLost)
         return false;
     initStatus();
+    if (m_connectionLost)
+        return false;
     loadFilters();
     emit updatePluginData();
     classifyClient->refreshSession();
@@ -324,10 +326,13 @@ bool KelvaClientMain::reloadWorkplace(bool updateDocs)
 
 void KelvaClientMain::clientDisconnected()
 {
-    m_connectionLost = true; // a login that is under way ends with it
+    m_connectionLost = true; // a login or a reload that is under way ends with it
+    archiveWorker->cancelStreaming();
     plainbox::critical(this, tr("Error"), tr("Cannot establish a connection to Kelva!"));
     classifyClient->disconnectClient();
     close();
+    // Whatever dialog is still open must not keep the process; the settings are saved on the way out.
+    QCoreApplication::quit();
 }
 
 void KelvaClientMain::handleServerRequest(QString request)

@@ -1,6 +1,7 @@
 #include "app/kelvaclientmain.h"
 
 #include "documents/documentcolumns.h"
+#include "documents/refreshgate.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/plainbox.h"
@@ -36,6 +37,7 @@ QStringList KelvaClientMain::doExportDocument(const QString &path, bool open, in
     for (const QString &id : selected)
         ids << id.toLongLong();
     QStringList files;
+    const RefreshGate::Hold hold(*m_gate); // a refresh would ask the connection that is transferring
     if (archiveWorker->exportDocuments(ids, getCurrentBemerkungen(false), path, open, files, index)) {
         statusBar()->showMessage(tr("File(s) exported."));
         return files;

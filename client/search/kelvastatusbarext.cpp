@@ -82,6 +82,8 @@ void kelvastatusbarext::setFilterActive(bool active)
 
 void kelvastatusbarext::setMinMaxDates(const QStringList &dates)
 {
+    if (dates.isEmpty() && !m_firstLoad)
+        return; // a service that could not answer; what the user chose stays
     const QSignalBlocker from(m_ui->m_fromDate);
     const QSignalBlocker to(m_ui->m_toDate);
     const QSignalBlocker slider(m_ui->m_spanslider);

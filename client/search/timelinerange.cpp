@@ -19,7 +19,13 @@ TimelineRange TimelineRange::around(const QStringList &dates, const QDate &today
         oldest = newest = today;
     if (newest < oldest)
         std::swap(oldest, newest);
-    return {oldest.addYears(-marginYears), newest.addYears(marginYears)};
+    // Four digits to a year, and a day less for the field that begins before the range does.
+    const QDate earliest(1, 1, 2);
+    const QDate latest(9999, 12, 31);
+    const auto bounded = [&](const QDate &date, const QDate &margin) {
+        return qBound(earliest, margin.isValid() ? margin : date, latest);
+    };
+    return {bounded(oldest, oldest.addYears(-marginYears)), bounded(newest, newest.addYears(marginYears))};
 }
 
 Span TimelineRange::span(const QDate &from, const QDate &to) const

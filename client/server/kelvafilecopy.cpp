@@ -19,6 +19,7 @@ KelvaFileCopy::KelvaFileCopy(const QString &title) : m_ui(std::make_unique<Ui::K
     m_ui->setupUi(this);
     setWindowTitle(title);
     setWindowModality(Qt::ApplicationModal);
+    setAttribute(Qt::WA_QuitOnClose, false); // the program does not go on for the sake of it
     setTotal(0);
     connect(m_ui->m_bCancel, SIGNAL(clicked()), this, SLOT(emitCancelClicked()));
     m_sinceStart.start();

@@ -392,6 +392,50 @@ private slots:
         QVERIFY(!workplace.window->isVisible());
     }
 
+    void aLostConnectionEndsTheProgram_data()
+    {
+        QTest::addColumn<QString>("during");
+        kelvatest::row("in a reload", "getStatusList");
+        kelvatest::row("in a transfer", "downloadDocument");
+    }
+
+    void aLostConnectionEndsTheProgram()
+    {
+        QFETCH(QString, during);
+        FakeArchive &archive = FakeArchive::instance();
+        archive.addDocument("Invoice");
+        archive.contents.insert(101, {"invoice.txt", QByteArray(5000, 'x')});
+        archive.pieceSize = 1000;
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        const int queries = archive.queries.size();
+        DialogScript script;
+        script.expectBox("Error", "Cannot establish a connection to Kelva!");
+        bool cancelled = true;
+        const auto lose = [&] {
+            workplace.window->selChanged(); // as the folder timer does
+            workplace.window->clientDisconnected();
+        };
+        if (during == "downloadDocument")
+            archive.duringTransfer = [&, reports = 0]() mutable {
+                if (++reports == 1)
+                    lose();
+                cancelled = reports < 5;
+            };
+        else
+            archive.meanwhile(during, lose);
+        QTimer::singleShot(0, qApp, [&] {
+            workplace.table()->selectRow(0);
+            workplace.action(during == "downloadDocument" ? "action_Anzeigen" : "action_ReloadAll")
+                ->trigger();
+        });
+        QCoreApplication::exec(); // comes back: nothing keeps the process
+        QVERIFY(cancelled);
+        QVERIFY(!workplace.window->isVisible());
+        QCOMPARE(archive.queries.size(), queries);
+        QVERIFY(!archive.calls.contains("getMinMaxDates") || archive.calls.count("getMinMaxDates") == 1);
+    }
+
     void aReloadCannotBeStartedTwice()
     {
         FakeArchive &archive = FakeArchive::instance();

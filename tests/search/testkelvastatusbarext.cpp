@@ -69,6 +69,8 @@ private slots:
         kelvatest::row("without dates", QStringList{}, ofToday);
         kelvatest::row("with one date", QStringList{"2010-03-04"}, ofToday);
         kelvatest::row("with a date that is none", QStringList{"2010-02-30", "2014-08-14"}, ofToday);
+        kelvatest::row("of four digits to a year", QStringList{"0001-01-01", "9999-01-01"},
+                       "0001-01-02 9999-12-31 3652057");
         kelvatest::row("the wrong way round", QStringList{"2014-08-14", "2010-03-04"},
                        "2005-03-04 2019-08-14 5276");
     }
@@ -264,7 +266,9 @@ private slots:
         bar.from->findChild<QLineEdit *>()->setText(QDate::currentDate().toString("yyyy-MM-dd"));
         QCOMPARE(dynamic(), QString("t"));
         makeDynamic();
-        bar->setMinMaxDates({});
+        bar->setMinMaxDates({}); // a service that could not answer
+        QCOMPARE(dynamic(), QString("ft"));
+        bar->setMinMaxDates(archiveDates);
         QCOMPARE(dynamic(), QString());
     }
 
