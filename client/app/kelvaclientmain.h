@@ -213,8 +213,8 @@ private:
     bool runSearch(bool special);
     bool searchExtended(bool special);
     void searchAnew(bool special);
-    /// Sets up the full-text options; false, with a box, when nothing can be searched for.
-    bool takeFullText(const QString &words);
+    /// Sets up the full-text options; false, with a box, when fewer than three characters were typed.
+    bool takeFullText(const QString &words, int typed);
     void showSearch();
     void replaceSearchCell(KelvaDelegate *delegate);
     KelvaDelegate *searchDelegate(const QString &column) const;
@@ -274,12 +274,7 @@ private:
     DockWidthKeeper *m_folderWidth = nullptr;
 
     // Query
-    QString m_selectionOption;
-    QString m_fullTextOption;
-    QStringList m_queryFragments;
-    QString m_searchWhere = QStringLiteral("1=1");
-    QStringList m_extraFragments; ///< stays empty; its place in the order is part of the contract
-    QString m_mineOption;
+    DocumentQuery m_query; ///< but for what the status bar and the status list hold
     QMap<QString, QString> m_retentionByDocType;
     QStringList m_columnNames; ///< field keys in the order of the table's columns
     QMutex m_updateMutex;

@@ -261,7 +261,7 @@ void KelvaClientMain::loadScreenSettings()
     // Here checked restricts nothing and the text names what the next click does; changeDocView() has it the
     // other way round, so the first start shows every document.
     action_docView->setChecked(settings.value("PrivateDocs", true).toBool());
-    m_mineOption = action_docView->isChecked() ? QString() : QStringLiteral("OPT:MINE");
+    m_query.mineOption = action_docView->isChecked() ? QString() : QStringLiteral("OPT:MINE");
     showDocView();
     {
         const QSignalBlocker barBlocker(statusBarExt);

@@ -3,6 +3,27 @@
 #include "documents/documentcolumns.h"
 #include "server/folderoid.h"
 
+#include <QCoreApplication>
+
+namespace {
+
+const QString noSearch = QStringLiteral("1=1");
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate("DocumentQuery", text);
+}
+
+} // namespace
+
+void DocumentQuery::clearSearch()
+{
+    searchWhere = noSearch;
+    selectionOption.clear();
+    fullTextOption.clear();
+    searchFault.clear();
+}
+
 QStringList documentFilters(const DocumentQuery &query)
 {
     QStringList filters;
@@ -32,4 +53,27 @@ QStringList selectionFragments(const QString &folderOid, const QString &status)
     if (!status.isEmpty() && status != QLatin1String(documentstatus::all))
         fragments << QStringLiteral("(status = %1)").arg(status);
     return fragments;
+}
+
+QString emptyListText(const DocumentQuery &query, const QString &failure)
+{
+    if (!failure.isEmpty())
+        return translated("The documents could not be listed.") + '\n' + failure;
+    if (!query.searchFault.isEmpty())
+        return translated("The search failed.") + '\n' + query.searchFault;
+    QStringList lines;
+    if (query.searchWhere != noSearch || !query.selectionOption.isEmpty() || !query.fullTextOption.isEmpty())
+        lines << translated("A search or a filter is active.");
+    for (const QString &fragment : query.fragments)
+        lines << (fragment.startsWith("(status") ? translated("Only one status is shown.")
+                                                 : translated("Only one folder is shown."));
+    if (!query.dateFilter.isEmpty())
+        lines << translated("Only a span of dates is shown.");
+    if (!query.mineOption.isEmpty())
+        lines << translated("The personal view is on.");
+    if (lines.isEmpty())
+        return query.trash ? translated("The trash is empty.") : translated("There are no documents yet.");
+    lines.prepend(query.trash ? translated("No documents were found in the trash.")
+                              : translated("No documents were found."));
+    return lines.join('\n');
 }

@@ -59,7 +59,7 @@ void KelvaClientMain::timerEvent(QTimerEvent *event)
 void KelvaClientMain::selChanged()
 {
     const WaitCursor cursor;
-    m_queryFragments = selectionFragments(m_tWOrdner->currentOid(), m_twStatus->currentStatus());
+    m_query.fragments = selectionFragments(m_tWOrdner->currentOid(), m_twStatus->currentStatus());
     doUpdateDocuments();
 }
 
@@ -84,14 +84,8 @@ void KelvaClientMain::updateDocumentsClearPlugins()
 
 DocumentQuery KelvaClientMain::currentQuery() const
 {
-    DocumentQuery query;
-    query.selectionOption = m_selectionOption;
-    query.fullTextOption = m_fullTextOption;
-    query.fragments = m_queryFragments;
-    query.searchWhere = m_searchWhere;
-    query.extraFragments = m_extraFragments;
+    DocumentQuery query = m_query;
     query.dateFilter = statusBarExt->getCurrentDateFilter();
-    query.mineOption = m_mineOption;
     query.trash = m_trashButton->isChecked();
     query.openStatus = m_twStatus->currentStatus() == QLatin1String(documentstatus::open);
     query.limit = statusBarExt->getMaxSearchBox()->value();
@@ -189,7 +183,10 @@ void KelvaClientMain::refreshTable(const QStringList &docIds, bool resetPlugins,
 /// Steps between query and filled table. False when a pending reload has failed.
 bool KelvaClientMain::loadRows()
 {
-    const QStringList docs = classifyClient->getDocuments(documentFilters(currentQuery()));
+    const DocumentQuery query = currentQuery();
+    const QStringList docs = classifyClient->getDocuments(documentFilters(query));
+    // Even an empty list has its header.
+    m_infoView->setEmptyText(emptyListText(query, docs.isEmpty() ? classifyClient->lastError() : QString()));
     if (reloadPending) {
         reloadPending = false;
         if (!reload(false))
@@ -333,7 +330,7 @@ QStringList KelvaClientMain::getCurrentRealDocIds(bool onlyWritable) const
 
 void KelvaClientMain::changeDocView()
 {
-    m_mineOption = action_docView->isChecked() ? QStringLiteral("OPT:MINE") : QString();
+    m_query.mineOption = action_docView->isChecked() ? QStringLiteral("OPT:MINE") : QString();
     showDocView();
     updateDocuments({});
 }

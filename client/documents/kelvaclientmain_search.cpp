@@ -112,6 +112,9 @@ void KelvaClientMain::presetChoice(QTableWidgetItem *cell, const KelvaDelegate *
         return;
     }
     m_SearchString->openPersistentEditor(cell);
+    // The first entry stands there already: choosing it changes nothing in the cell.
+    const QModelIndex place = m_SearchString->model()->index(0, 0);
+    connect(m_SearchString->indexWidget(place), SIGNAL(activated(int)), this, SLOT(searchTextChanged()));
 }
 
 /// A delegate for the search cell: words for the full text, otherwise a clone of the column's, or null.
@@ -158,9 +161,7 @@ void KelvaClientMain::doCheckSearch()
 /// Drops the search before. When the new one cannot be done, nothing is searched for.
 void KelvaClientMain::searchAnew(bool special)
 {
-    m_searchWhere = QStringLiteral("1=1");
-    m_selectionOption.clear();
-    m_fullTextOption.clear();
+    m_query.clearSearch();
     if (!runSearch(special))
         doClearSearch(true);
 }
@@ -198,7 +199,7 @@ bool KelvaClientMain::runSearch(bool special)
             value = key;
     }
     if (column == searchtext::fullText()) {
-        if (!takeFullText(value))
+        if (!takeFullText(value, value.size()))
             return false;
         showSearch();
         return true;
@@ -209,7 +210,7 @@ bool KelvaClientMain::runSearch(bool special)
     search.editor = editorOf(m_SearchString->itemDelegateForColumn(0));
     search.offline = offlineMode;
     search.decimalPoint = QLocale().decimalPoint();
-    m_searchWhere = oneLineClause(search);
+    m_query.searchWhere = oneLineClause(search);
     {
         const QSignalBlocker blocker(m_tWOrdner);
         m_tWOrdner->clearSelection();
@@ -228,35 +229,31 @@ bool KelvaClientMain::searchExtended(bool special)
     const QString where = m_extSearch->getFilter();
     const QString words = m_extSearch->getFullText();
     if (words.isEmpty()) {
-        m_selectionOption.clear();
-        m_fullTextOption.clear();
-    } else if (!takeFullText(words)) {
+        m_query.clearSearch();
+    } else if (!takeFullText(words, words.size() - 1)) { // it ends in a blank that nobody typed
         return false;
     }
-    m_searchWhere = where;
+    m_query.searchWhere = where;
     if (!special)
         m_treeSearch->selectActive(m_extSearch->getCurrentFilter());
     showSearch();
     return true;
 }
 
-bool KelvaClientMain::takeFullText(const QString &words)
+bool KelvaClientMain::takeFullText(const QString &words, int typed)
 {
-    if (words.trimmed().size() < fullTextMinimumLength) {
+    if (typed < fullTextMinimumLength) {
         plainbox::information(this, tr("full text search"),
                               tr("A minimum of 3 characters is needed for the full text search!"));
         return false;
     }
     // The service's own search takes the words itself; then no hit of the local one is asked for.
     const bool atService = actionErweitererte_Volltextsuche->isChecked() && !offlineMode;
-    QStringList hits;
     const WaitCursor cursor;
-    if (!atService && !archiveWorker->searchDocs(words, hits)) {
-        plainbox::critical(this, tr("Error"), archiveWorker->getLastError());
-        return false;
-    }
-    m_selectionOption = fullTextSelection(hits, offlineMode);
-    m_fullTextOption = atService ? fullTextOption(words) : QString();
+    const QStringList hits = atService ? QStringList() : archiveWorker->searchDocs(words);
+    m_query.searchFault = atService || !hits.isEmpty() ? QString() : archiveWorker->getLastError();
+    m_query.selectionOption = fullTextSelection(hits, offlineMode);
+    m_query.fullTextOption = atService ? fullTextOption(words) : QString();
     return true;
 }
 
@@ -268,9 +265,7 @@ void KelvaClientMain::showSearch()
 
 void KelvaClientMain::doClearSearch(bool update)
 {
-    m_searchWhere = QStringLiteral("1=1");
-    m_selectionOption.clear();
-    m_fullTextOption.clear();
+    m_query.clearSearch();
     setSearchActive(false);
     m_treeSearch->clearSelection();
     m_treeSearch->clearActive();

@@ -15,6 +15,7 @@
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPointer>
 #include <QScopedValueRollback>
 #include <QStandardItem>
@@ -217,6 +218,18 @@ void KelvaInfoView::finishEditing()
         commitData(editor);
     if (editor)
         closeEditor(editor, QAbstractItemDelegate::NoHint);
+}
+
+void KelvaInfoView::paintEvent(QPaintEvent *event)
+{
+    QTableView::paintEvent(event);
+    if (m_model->rowCount() > 0 || m_emptyText.isEmpty())
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
+    const int margin = fontMetrics().height();
+    painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);
 }
 
 void KelvaInfoView::keyPressEvent(QKeyEvent *event)

@@ -47,6 +47,9 @@ public:
     void loadDocuments(QStringList docs, const QStringList &infos, bool trash,
                        QMap<QString, QString> retention, QStringList *readDocs);
 
+    /// What is painted in the middle of the table while it has no rows.
+    void setEmptyText(const QString &text) { m_emptyText = text; }
+
     QInfoViewModel *getModel() const { return m_model; }
     MySortFilterProxyModel *getProxyModel() const { return m_proxy; }
     int rowCount() const;
@@ -108,6 +111,7 @@ signals:
 protected:
     bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override;
     void commitData(QWidget *editor) override;
+    void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -129,6 +133,7 @@ private:
     bool noEdit = true;
     bool m_attributesReadOnly = false;
     CellFaces m_faces;
+    QString m_emptyText;
     bool m_committing = false;
     bool m_headerKnown =
         true; ///< the profile's header was stored; otherwise widths follow the first contents

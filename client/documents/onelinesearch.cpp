@@ -2,8 +2,7 @@
 
 #include "server/recordformat.h"
 
-#include <QLocale>
-#include <QRegularExpression>
+#include <QtNumeric>
 
 namespace {
 
@@ -20,8 +19,6 @@ QString words(const QString &column, const QString &value)
     for (QString part : parts) {
         if (part.endsWith('*')) {
             part.chop(1);
-            if (part.isEmpty())
-                continue; // every word begins with nothing
             part += QStringLiteral(":*");
         }
         terms << part;
@@ -32,24 +29,17 @@ QString words(const QString &column, const QString &value)
         .arg(column, terms.join(QStringLiteral(" & ")));
 }
 
-/// The number as the service takes one: "12." as "12", ".5" as "0.5", "1e3" as "1000". Empty for what is
-/// none.
-QString plainNumber(const QString &text)
+bool isNumber(const QString &text)
 {
-    static const QRegularExpression plain("^-?\\d+(\\.\\d+)?$");
-    if (plain.match(text).hasMatch())
-        return text;
     bool isNumber = false;
-    const double number = text.toDouble(&isNumber);
-    return isNumber && qIsFinite(number) ? QString::number(number, 'f', QLocale::FloatingPointShortest)
-                                         : QString();
+    return qIsFinite(text.toDouble(&isNumber)) && isNumber;
 }
 
 QString lineClause(const QString &column, QString value, bool numeric, const OneLineSearch &search)
 {
     if (numeric) {
-        const QString number = plainNumber(QString(value).replace(search.decimalPoint, '.'));
-        if (!number.isEmpty() && !column.contains("time") && !column.contains("date"))
+        const QString number = QString(value).replace(search.decimalPoint, '.');
+        if (isNumber(number) && !column.contains("time") && !column.contains("date"))
             return QStringLiteral("%1 = %2").arg(column, number);
         if (value.isEmpty())
             return QStringLiteral("%1 is null").arg(column);

@@ -106,14 +106,15 @@ void KelvaArchiveWorker::getArchiveNames(QStringList &names)
         fail();
 }
 
-bool KelvaArchiveWorker::searchDocs(const QString &query, QStringList &hits)
+QStringList KelvaArchiveWorker::searchDocs(const QString &query)
 {
-    hits.clear();
     if (!client)
-        return false;
-    hits = client->searchDocuments(query);
-    // No hit and a failure look alike but for the text.
-    return !hits.isEmpty() || client->lastError().isEmpty() || fail();
+        return {};
+    // No hit and a failure look alike but for the text, which may be that of an earlier call.
+    const QString before = client->lastError();
+    const QStringList hits = client->searchDocuments(query);
+    lastError = hits.isEmpty() && client->lastError() != before ? client->lastError() : QString();
+    return hits;
 }
 
 bool KelvaArchiveWorker::getDocumentInfo(const QStringList &ids, QStringList &infos)

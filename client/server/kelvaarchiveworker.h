@@ -58,8 +58,9 @@ public:
     /// is told in a box and no failure.
     bool mailDocuments(const QList<qint64> &ids, const QMap<QString, QString> &names, const QString &command);
 
-    /// Entries of id and id, see kelvaArchiveClientInterface.
-    bool searchDocs(const QString &query, QStringList &hits);
+    /// Entries of id and id, see kelvaArchiveClientInterface. None when the search fails; getLastError() then
+    /// says why, and is empty when there simply is no hit.
+    QStringList searchDocs(const QString &query);
     /// One entry per document, see kelvaArchiveClientInterface. False without a client.
     bool getDocumentInfo(const QStringList &ids, QStringList &infos);
     bool getDocumentActions(const QStringList &ids, QStringList &actions, int action, const QString &user);

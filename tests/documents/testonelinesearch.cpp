@@ -41,9 +41,9 @@ private slots:
                        "changeid like '%me%'");
         same("number", "attr9", "12.5", Editor::NumericLine, "attr9 = 12.5");
         same("number of the locale", "attr9", "12,5", Editor::NumericLine, "attr9 = 12.5");
-        same("whole number as the table shows it", "attr9", "12,", Editor::NumericLine, "attr9 = 12");
-        same("number without its nought", "attr9", "-,5", Editor::NumericLine, "attr9 = -0.5");
-        same("number with an exponent", "attr9", "1e5", Editor::NumericLine, "attr9 = 100000");
+        same("whole number as the table shows it", "attr9", "12,", Editor::NumericLine, "attr9 = 12.");
+        same("number without its nought", "attr9", "-,5", Editor::NumericLine, "attr9 = -.5");
+        same("number with an exponent", "attr9", "1e5", Editor::NumericLine, "attr9 = 1e5");
         kelvatest::row("nearly a number", "attr9", "inf", Editor::NumericLine,
                        "to_tsvector(attr9) @@ to_tsquery('inf')", "attr9 like '%inf%'");
         same("no number", "attr9", "", Editor::NumericLine, "attr9 is null");
@@ -53,7 +53,7 @@ private slots:
         kelvatest::row("quoted phrase", "bemerkung", "\"a b\"", Editor::Line, "bemerkung ilike '%a b%'",
                        "bemerkung like '%a b%'");
         kelvatest::row("a lone asterisk", "bemerkung", "* inv", Editor::Line,
-                       "to_tsvector(bemerkung) @@ to_tsquery('inv')", "bemerkung like '%* inv%'");
+                       "to_tsvector(bemerkung) @@ to_tsquery(':* & inv')", "bemerkung like '%* inv%'");
         kelvatest::row("nothing but blanks", "bemerkung", "  ", Editor::Line,
                        "bemerkung = null or bemerkung = ''", "bemerkung like '%  %'");
         kelvatest::row("a value that looks like a marker", "bemerkung", "\"%1 %2\"", Editor::Line,
@@ -104,6 +104,14 @@ private slots:
                               "(status = 1)", "docid = 5", "cdate >= 'a'", "OPT:MINE", "OPT:TRASH",
                               "OPT:DEFDATE;2", "OPT:LIMIT;100"}));
         QCOMPARE(selectionFragments("-1", "-1"), QStringList());
+        QCOMPARE(emptyListText(query, QString()),
+                 QString("No documents were found in the trash.\nA search or a filter is active.\n"
+                         "Only one folder is shown.\nOnly one status is shown.\n"
+                         "Only a span of dates is shown.\nThe personal view is on."));
+        QCOMPARE(emptyListText(query, "Why."), QString("The documents could not be listed.\nWhy."));
+        query.clearSearch();
+        QVERIFY(!emptyListText(query, QString()).contains("search"));
+        QCOMPARE(emptyListText(DocumentQuery(), QString()), QString("There are no documents yet."));
     }
 };
 

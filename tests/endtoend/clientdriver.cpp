@@ -58,6 +58,7 @@ private:
     {
         table()->QTableView::setCurrentIndex(cell());
         table()->model()->setData(cell(), shown() + text, Qt::DisplayRole);
+        QCoreApplication::processEvents(); // saved once the table is done with it
     }
 
     void closeBox()
