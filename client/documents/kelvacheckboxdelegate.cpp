@@ -58,12 +58,7 @@ void KelvaCheckBoxDelegate::paint(QPainter *painter, const QStyleOptionViewItem 
         box.state |= QStyle::State_Enabled;
     style->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, painter, cell.widget);
 
-    if (option.state & QStyle::State_HasFocus) {
-        QStyleOptionFocusRect focus;
-        focus.QStyleOption::operator=(cell);
-        focus.backgroundColor = cell.palette.color(QPalette::Base);
-        style->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter, cell.widget);
-    }
+    paintFocus(painter, option);
 }
 
 bool KelvaCheckBoxDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,

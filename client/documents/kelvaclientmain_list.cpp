@@ -174,8 +174,11 @@ void KelvaClientMain::refreshTable(const QStringList &docIds, bool resetPlugins,
         restoreSelection(ids, currentId, currentColumn);
         m_infoView->getModel()->updateLayout();
     }
-    if (afterEdit)
+    if (afterEdit) {
         m_infoView->setFocus(Qt::OtherFocusReason);
+        // In the sorted column the edit has moved its row.
+        m_infoView->scrollTo(m_infoView->QTableView::currentIndex());
+    }
     docSelChanged(m_infoView->getSelection());
     m_infoView->doResizeColumnsToContents();
 }

@@ -79,6 +79,7 @@ QWidget *KelvaComboDelegate::createEditor(QWidget *parent, const QStyleOptionVie
         box->addItem(getIcon(key), fields.value(fields.size() > 1 ? 1 : 0), key);
     }
     box->setCurrentIndex(-1);
+    connect(box, SIGNAL(givenUp()), this, SLOT(doGiveUp()));
     if (m_commitOnActivate)
         connect(box, SIGNAL(activated(int)), this, SLOT(emitCommitData()));
     if (m_closeOnChange)

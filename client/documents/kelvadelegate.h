@@ -20,8 +20,13 @@ public:
     /// not end the editing, and it stays where it opened.
     static bool isWindow(QObject *editor);
 
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
     void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
                               const QModelIndex &index) const override;
+    /// The whole text of a cell that is too narrow for it, unless the cell has a tip of its own.
+    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override;
 
 signals:
     void requestKeyboard();
@@ -31,8 +36,13 @@ protected slots:
     void emitCommitData();
     /// The same, and ends the editing.
     void doCloseEditor();
+    /// Ends the editing; what the sending editor holds is dropped.
+    void doGiveUp();
 
 protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
+    /// A thin frame in place of the style's, which is a veil over the text.
+    static void paintFocus(QPainter *painter, const QStyleOptionViewItem &option);
     bool eventFilter(QObject *editor, QEvent *event) override;
 
     bool serves(const QModelIndex &index) const

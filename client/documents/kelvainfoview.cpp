@@ -4,6 +4,7 @@
 #include "documents/itemroles.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/mysortfilterproxymodel.h"
+#include "documents/plaincelldelegate.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/rowicons.h"
 
@@ -51,6 +52,7 @@ KelvaInfoView::KelvaInfoView(QWidget *parent)
     m_proxy->setDynamicSortFilter(true);
     m_proxy->setSourceModel(m_model);
     setModel(m_proxy);
+    setItemDelegate(new PlainCellDelegate(this));
 
     setAcceptDrops(true);
     setDropIndicatorShown(true);

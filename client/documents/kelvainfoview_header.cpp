@@ -90,7 +90,7 @@ void KelvaInfoView::hideColumn()
     while (const auto *chosen = menu.exec(QCursor::pos())) {
         auto *action = const_cast<QAction *>(chosen);
         const int column = action->data().toInt();
-        if (!action->isChecked() && visibleColumns() <= 1) {
+        if (!action->isChecked() && column != documentcolumn::resubmission && visibleColumns() <= 1) {
             plainbox::information(this, tr("Warning"), tr("All columns can not be hidden."));
             action->setChecked(true);
             continue;

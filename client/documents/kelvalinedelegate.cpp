@@ -4,12 +4,15 @@
 
 #include <QApplication>
 #include <QCompleter>
+#include <QDateTime>
 #include <QDesktopServices>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStandardItemModel>
+#include <QToolTip>
 #include <QUrl>
 #include <QValidator>
 
@@ -126,6 +129,29 @@ void KelvaLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
     painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
                       cell.fontMetrics.elidedText(text, cell.textElideMode, place.width()));
     painter->restore();
+    paintFocus(painter, option);
+}
+
+QString KelvaLineDelegate::displayText(const QVariant &value, const QLocale &locale) const
+{
+    const QDateTime moment =
+        m_showsLocalTime ? QDateTime::fromString(value.toString(), Qt::ISODate) : QDateTime();
+    return moment.isValid() ? locale.toString(moment, QLocale::ShortFormat)
+                            : KelvaDelegate::displayText(value, locale);
+}
+
+bool KelvaLineDelegate::eventFilter(QObject *editor, QEvent *event)
+{
+    const auto *key = event->type() == QEvent::KeyPress ? static_cast<QKeyEvent *>(event) : nullptr;
+    auto *line = qobject_cast<QLineEdit *>(editor);
+    // The editor stays open on half a number; it must not do so in silence.
+    if (line && key && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) &&
+        !line->hasAcceptableInput())
+        QToolTip::showText(line->mapToGlobal(line->rect().bottomLeft()),
+                           tr("This is not a whole number or a "
+                              "decimal number with up to 4 decimals."),
+                           line);
+    return KelvaDelegate::eventFilter(editor, event);
 }
 
 bool KelvaLineDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,

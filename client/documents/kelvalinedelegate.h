@@ -28,6 +28,10 @@ public:
     bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
                      const QModelIndex &index) override;
 
+    /// Moments such as "2024-03-05T10:00:00" are shown as the locale writes them.
+    void setShowsLocalTime(bool shows) { m_showsLocalTime = shows; }
+    QString displayText(const QVariant &value, const QLocale &locale) const override;
+
     bool getIsNumeric() const { return m_numeric; }
     int getMaxLength() const { return m_maxLength; }
     /// Replaces the completions.
@@ -35,8 +39,12 @@ public:
     /// Whether a text is drawn, and with Control opened, as a link.
     static bool isURL(const QString &text);
 
+protected:
+    bool eventFilter(QObject *editor, QEvent *event) override;
+
 private:
     QStandardItemModel *m_completions;
     const int m_maxLength;
     const bool m_numeric;
+    bool m_showsLocalTime = false;
 };

@@ -38,6 +38,7 @@ QWidget *KelvaSimpleComboDelegate::createEditor(QWidget *parent, const QStyleOpt
     box->setModel(sorter);
     box->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
     box->setCurrentIndex(-1);
+    connect(box, SIGNAL(givenUp()), this, SLOT(doGiveUp()));
     if (m_commitOnActivate)
         connect(box, SIGNAL(activated(int)), this, SLOT(emitCommitData()));
     if (m_closeOnChange)

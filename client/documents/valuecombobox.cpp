@@ -1,14 +1,30 @@
 #include "documents/valuecombobox.h"
 
+#include <QKeyEvent>
 #include <QListView>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStylePainter>
 #include <QTimer>
 
-ValueComboBox::ValueComboBox(QWidget *parent, bool openList) : QComboBox(parent), m_openList(openList)
+ValueComboBox::ValueComboBox(QWidget *parent, bool openList)
+    : QComboBox(parent),
+      m_openList(openList),
+      m_listIsTheEditor(openList)
 {
     setView(new QListView(this));
+    view()->installEventFilter(this); // asked before the list's own
+}
+
+bool ValueComboBox::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool escape =
+        event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape;
+    if (!m_listIsTheEditor || watched != view() || !escape)
+        return QComboBox::eventFilter(watched, event);
+    hidePopup();
+    emit givenUp();
+    return true;
 }
 
 void ValueComboBox::startWith(int index, const QString &text)

@@ -18,7 +18,13 @@ public:
     /// Whether another value than the cell's is selected.
     bool isChosen() const { return currentIndex() >= 0 && currentIndex() != m_start; }
 
+signals:
+    /// Escape was pressed in the list that had opened by itself: the list was all there was to see of the
+    /// edit.
+    void givenUp();
+
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
@@ -32,6 +38,7 @@ private:
     void openListOnce();
 
     bool m_openList;
+    const bool m_listIsTheEditor;
     int m_start = -1;
     QString m_startText;
 };

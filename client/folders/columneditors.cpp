@@ -95,7 +95,9 @@ void ColumnEditors::makeFixed(const WorkbenchData &workbench, const QStringList 
     choices(documentcolumn::type, workbench.types, workbench.typePictures, QIcon());
     install(documentcolumn::date, new KelvaCalendarDelegate(m_table, false, false, false));
     install(documentcolumn::resubmission, new KelvaCalendarDelegate(m_table, true, false, false));
-    install(documentcolumn::changeTime, new KelvaLineDelegate({}, m_table, longestText, false));
+    auto *changeTime = new KelvaLineDelegate({}, m_table, longestText, false);
+    changeTime->setShowsLocalTime(true);
+    install(documentcolumn::changeTime, changeTime);
     install(documentcolumn::description, new KelvaLineDelegate(completions, m_table, longestText, false));
 }
 

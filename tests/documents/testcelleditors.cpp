@@ -13,11 +13,13 @@
 #include <QAbstractItemView>
 #include <QAction>
 #include <QDesktopServices>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QTableWidget>
+#include <QToolTip>
 
 namespace {
 
@@ -107,15 +109,33 @@ private slots:
         QTest::keyClick(box->view(), Qt::Key_Return);
         QVERIFY(!table.isEditing());
         QCOMPARE(table.outcome(), QString("resubmission|2|1"));
-        // Escape closes the list, a second one the editor.
+        // One Escape ends what one key has opened.
         box = qobject_cast<ValueComboBox *>(table.edit());
         QTRY_VERIFY(box->view()->isVisible());
         QTest::keyClick(box->view(), Qt::Key_Down);
+        QCOMPARE(box->geometry(), table.view().visualRect(table.index())); // over the picture, too
         QTest::keyClick(box->view(), Qt::Key_Escape);
-        QTRY_VERIFY(!box->view()->isVisible());
-        QTest::keyClick(box, Qt::Key_Escape);
         QVERIFY(!table.isEditing());
         QCOMPARE(table.outcome(), QString("resubmission|2|0"));
+    }
+
+    void theWholeTextOfANarrowCellIsItsTip()
+    {
+        OneCellTable table(new KelvaLineDelegate({}, nullptr, 254, false));
+        table.view().setWordWrap(false);
+        const auto tip = [&table] {
+            QToolTip::hideText();
+            const QPoint place = table.view().visualRect(table.index()).center();
+            QHelpEvent event(QEvent::ToolTip, place, table.view().viewport()->mapToGlobal(place));
+            QCoreApplication::sendEvent(table.view().viewport(), &event);
+            return QToolTip::text();
+        };
+        table.setCell("short");
+        QCOMPARE(tip(), QString());
+        table.setCell("<b>long</b> enough to be cut off in its column");
+        QCOMPARE(tip(), QString("<p>&lt;b&gt;long&lt;/b&gt; enough to be cut off in its column</p>"));
+        table.cell()->setToolTip("of its own");
+        QCOMPARE(tip(), QString("of its own"));
     }
 
     void lines_data()
@@ -161,6 +181,9 @@ private slots:
         QTest::keyClick(line, Qt::Key_Return);
         QTRY_VERIFY(!table.isEditing() || !line->hasAcceptableInput());
         QTEST(table.outcome(), "outcome");
+        if (!table.isEditing())
+            return;
+        QVERIFY(QToolTip::text().contains("number")); // it says why it stays open
     }
 
     void aRefreshWritesNumbersAsTheyAreMeant()
