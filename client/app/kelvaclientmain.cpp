@@ -26,6 +26,7 @@
 #include <QEventLoopLocker>
 #include <QHeaderView>
 #include <QHostInfo>
+#include <QLabel>
 #include <QMenu>
 #include <QNetworkProxyFactory>
 #include <QPluginLoader>
@@ -108,6 +109,10 @@ void KelvaClientMain::setupPanels()
     centralWidget()->hide();
     // Set by the form as well, but this is the one way to give the bar its place.
     statusBar()->insertPermanentWidget(0, statusBarExt, 0);
+    m_selectedCount = new QLabel(statusBar());
+    statusBar()->insertPermanentWidget(0, m_selectedCount, 0);
+    m_selectedCount->hide();
+    connect(action_SelectAll, SIGNAL(triggered()), m_infoView, SLOT(selectAll()));
 }
 
 void KelvaClientMain::connectPanels()

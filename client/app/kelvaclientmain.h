@@ -22,6 +22,7 @@ class KelvaDocLogin;
 class KelvaDocTree;
 class KelvaExtSearch;
 class KelvaTrashButton;
+class QLabel;
 class QProgressDialog;
 class QStandardItem;
 class QTimer;
@@ -159,6 +160,7 @@ private:
     void fillContextMenus();
     void connectActions();
     void setShortcuts();
+    void showShortcuts();
     void registerToolBars();
     void loadScreenSettings();
     void saveScreenSettings();
@@ -175,6 +177,7 @@ private:
     void updateFolderColumn();
     void restoreSelection(const QStringList &ids, const QString &currentId, int currentColumn);
     void disableDocumentActions();
+    void showSelectedCount();
     QStringList getCurrentDocIds(bool onlyWritable, bool notDeleted) const;
     QStringList getCurrentRealDocIds(bool onlyWritable) const;
     void showDocView();
@@ -271,6 +274,8 @@ private:
     bool useHttpLinks = false;
     QString emailCommand;
     int DockFolderWidth = 0;
+    bool m_searchDockShown = true; ///< as it was before an offline session hid it
+    QLabel *m_selectedCount = nullptr;
     DockWidthKeeper *m_folderWidth = nullptr;
 
     // Query

@@ -110,7 +110,8 @@ bool KelvaClientMain::chooseProfile()
     kelvaLoginData login;
     QString message;
     const QString id = parseStartOptions(QCoreApplication::arguments()).profileId;
-    if (!id.isEmpty() && login.getProfileById(profile, message, id.toInt()))
+    // An id below 0 is that of a profile that was never read.
+    if (!id.isEmpty() && id.toInt() >= 0 && login.getProfileById(profile, message, id.toInt()))
         return takeProfile();
     if (!login.getProfile(profile, message, this, false)) {
         if (!login.getIsUserCanceled())

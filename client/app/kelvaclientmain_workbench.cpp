@@ -23,6 +23,9 @@
 
 namespace {
 
+/// Property of an action: its tip without the shortcut.
+const char plainTip[] = "plainTip";
+
 const char globalSection[] = "kelvaGlobalSettings";
 
 const char plainTable[] = "QTableView { selection-color: "
@@ -118,10 +121,26 @@ void KelvaClientMain::applyOfflineMode()
                             action_Loeschen, action_Link, action_InsertClipboard})
         for (QMenu *menu : {m_menuFile, m_menuDocument, m_menuView})
             menu->removeAction(action);
+    m_menuFile->removeAction(action_PasswortAendern);
+    m_menuView->removeAction(m_dockSearch->toggleViewAction());
+    m_trashButton->hide();
     actionErweitererte_Volltextsuche->setVisible(false);
     action_History->setVisible(false);
     m_dockSearch->hide();
     m_dockSearch->setEnabled(false);
+}
+
+void KelvaClientMain::showShortcuts()
+{
+    for (QAction *action : m_toolBar->actions()) {
+        const QString tip =
+            action->property(plainTip).isValid() ? action->property(plainTip).toString() : action->toolTip();
+        action->setProperty(plainTip, tip);
+        const QString keys = action->shortcut().toString(QKeySequence::NativeText);
+        // The text of the view action is its tip, and nothing else.
+        if (!keys.isEmpty() && action != action_docView)
+            action->setToolTip(QStringLiteral("%1 (%2)").arg(tip, keys));
+    }
 }
 
 void KelvaClientMain::fillContextMenus()
@@ -219,6 +238,7 @@ void KelvaClientMain::setShortcuts()
     m_bSuchen->setShortcut(QKeySequence(tr("Ctrl+F")));
     action_OrdnerSuchen->setShortcut(QKeySequence(tr("Ctrl+Alt+f")));
     action_Weitersuchen->setShortcut(QKeySequence(tr("F3")));
+    showShortcuts();
 }
 
 void KelvaClientMain::registerToolBars()
@@ -253,8 +273,10 @@ void KelvaClientMain::loadScreenSettings()
     } else {
         restoreState(QByteArray::fromBase64(defaultlayout::state));
     }
-    if (offlineMode)
+    if (offlineMode) {
+        m_searchDockShown = !m_dockSearch->isHidden();
         m_dockSearch->hide(); // whatever the restored state says
+    }
     setUpdatesEnabled(false);
     if (settings.contains("InfoViewAutoResize"))
         m_infoView->setAutoResize(settings.value("InfoViewAutoResize").toBool());
@@ -292,7 +314,7 @@ void KelvaClientMain::saveScreenSettings()
     QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
     // Offline the filter dock is hidden by force; that is not how the user left it.
     if (offlineMode)
-        m_dockSearch->show();
+        m_dockSearch->setVisible(m_searchDockShown);
     settings.setValue("DockSettings", saveState());
     settings.setValue("isMaximized", isMaximized());
     settings.setValue("DockGeometry", saveGeometry());
@@ -326,7 +348,8 @@ void KelvaClientMain::saveWorkbench()
                                QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
             return;
     }
-    QSaveFile file(name); // the old file stays whole until the new one is
+    QSaveFile file(name);              // the old file stays whole until the new one is
+    file.setDirectWriteFallback(true); // where nothing but the file itself may be written
     const QByteArray state = saveState(0);
     if (!file.open(QIODevice::WriteOnly) || file.write(state) != state.size() || !file.commit())
         plainbox::critical(this, tr("Error"), tr("Cannot write to file: ") + name);

@@ -20,6 +20,7 @@
 
 #include <QCheckBox>
 #include <QDebug>
+#include <QLabel>
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QSignalBlocker>
@@ -319,6 +320,14 @@ void KelvaClientMain::docSelChanged(const QItemSelection &)
     action_History->setEnabled(state.history);
     if (!state.eraseUnchanged)
         action_Loeschen->setEnabled(state.erase);
+    showSelectedCount();
+}
+
+void KelvaClientMain::showSelectedCount()
+{
+    const int selected = m_infoView->selectionModel()->selectedRows().size();
+    m_selectedCount->setText(tr("%n selected", nullptr, selected));
+    m_selectedCount->setVisible(selected > 1); // of a single one everybody sees it
 }
 
 QStringList KelvaClientMain::getCurrentDocIds(bool onlyWritable, bool notDeleted) const

@@ -228,7 +228,7 @@ void KelvaInfoView::paintEvent(QPaintEvent *event)
     if (m_model->rowCount() > 0 || m_emptyText.isEmpty())
         return;
     QPainter painter(viewport());
-    painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
+    painter.setPen(palette().color(QPalette::Text));
     const int margin = fontMetrics().height();
     painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
                      Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);

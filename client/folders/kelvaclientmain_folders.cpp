@@ -121,9 +121,8 @@ void KelvaClientMain::subArchiveChanged(int, bool reload)
         enterSubArchive(archive);
         QStringList names;
         archiveWorker->getArchiveNames(names);
-        if (names.isEmpty()) {
-            statusBar()->showMessage(archiveWorker->getLastError());
-        } else {
+        const QString fault = names.isEmpty() ? archiveWorker->getLastError() : QString();
+        if (!names.isEmpty()) {
             const QSignalBlocker blocker(m_currentSubArchiv);
             fillSubArchives(names);
             int entry = m_currentSubArchiv->findData(archive, Qt::UserRole,
@@ -139,6 +138,8 @@ void KelvaClientMain::subArchiveChanged(int, bool reload)
             classifyClient->setCurrentArchive(getArchiveString());
         if (reload)
             updateDocuments({}, false);
+        if (!fault.isEmpty())
+            statusBar()->showMessage(fault); // in place of the refresh's count
         fillMoveMenu();
     }
     if (m_currentSubArchiv->count() == 0)

@@ -127,6 +127,7 @@ private:
     void updateFilterModel(const QList<SearchTemplate> &searches);
     void showNone();
     QString askName();
+    QString newestOfName(const QString &name) const;
     void loadRow(const TemplateRow &row);
     QList<TemplateRow> templateRows() const;
     bool checkCriteria();

@@ -70,6 +70,7 @@ void KelvaExtSearch::loadSearchDefs()
                          box->itemData(entry, itemrole::roles).toStringList()});
     connect(box, SIGNAL(currentTextChanged(QString)), this, SLOT(reloadSearch(QString)));
     updateFilterModel(searches);
+    updateButtons();
 }
 
 void KelvaExtSearch::updateFilterModel(const QList<SearchTemplate> &searches)
@@ -207,26 +208,31 @@ void KelvaExtSearch::saveSearch()
     }
     loadSearchDefs();
     // The criteria stay where they are if the service should know the search by another name.
-    if (m_ui->m_SavedSearch->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive) > 0)
-        reloadSearch(name);
+    const QString id = newestOfName(name);
+    if (id.isEmpty())
+        return;
+    selectEntry(id);
+    reloadSearch(name);
 }
 
-/// A name that no stored search in the list has, as the service stores it; empty when the user gives up.
+/// Of several stored searches of one name the one that came last; empty when there is none.
+QString KelvaExtSearch::newestOfName(const QString &name) const
+{
+    qint64 newest = -1;
+    for (int entry = 1; entry < m_ui->m_SavedSearch->count(); ++entry)
+        if (m_ui->m_SavedSearch->itemText(entry) == name)
+            newest = qMax(newest, m_ui->m_SavedSearch->itemData(entry, itemrole::storedId).toLongLong());
+    return newest < 0 ? QString() : QString::number(newest);
+}
+
+/// A name as the service stores it; empty when the user gives up. Searches are told apart by their id.
 QString KelvaExtSearch::askName()
 {
     constexpr int longest = 254;
-    QString name = tr("New search");
-    for (;;) {
-        bool accepted = false;
-        const QString typed =
-            QInputDialog::getText(this, tr("Save search"), tr("Name"), QLineEdit::Normal, name, &accepted);
-        name = typed.simplified().left(longest).trimmed();
-        if (!accepted || name.isEmpty())
-            return QString();
-        if (m_ui->m_SavedSearch->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive) < 0)
-            return name;
-        plainbox::information(this, tr("Save search"), tr("There is a search of this name already."));
-    }
+    bool accepted = false;
+    const QString typed = QInputDialog::getText(this, tr("Save search"), tr("Name"), QLineEdit::Normal,
+                                                tr("New search"), &accepted);
+    return accepted ? typed.simplified().left(longest).trimmed() : QString();
 }
 
 void KelvaExtSearch::updateSearch()
@@ -259,8 +265,7 @@ void KelvaExtSearch::deleteSearch()
                            tr("The search template could not be deleted: %1").arg(m_client->lastError()));
         return;
     }
-    loadSearchDefs();
-    reloadSearch(QString());
+    loadSearchDefs(); // the criteria stay in the table
 }
 
 void KelvaExtSearch::showAssignedRoles(const QStringList &roles)

@@ -26,8 +26,8 @@ QString exportFileName(qint64 id, const QString &proposal, const QString &tempor
     QString name = cleanName(wanted.isEmpty() ? temporary.baseName() : wanted);
     const QString prefix = counter == 0 ? QString("%1_").arg(id) : QString("%1_%2_").arg(id).arg(counter);
     const QString suffix = temporary.completeSuffix();
-    const QString ending = '.' + suffix; // a document without suffix gets the dot all the same
-    if (name.endsWith(ending))
+    const QString ending = suffix.isEmpty() ? QString() : '.' + suffix;
+    if (!ending.isEmpty() && name.endsWith(ending))
         name.chop(ending.size());
     while (!name.isEmpty() && (prefix + name + ending).toUtf8().size() > longestFileNameBytes)
         name.chop(1);

@@ -114,7 +114,12 @@ bool KelvaArchiveWorker::download(KelvaFileCopy &progress, int index, qint64 id,
         lastError = tr("The document number %1 is too large.").arg(id);
         return false;
     }
-    return client->downloadDocument(static_cast<int>(id), path, mode) || fail();
+    if (!client->downloadDocument(static_cast<int>(id), path, mode))
+        return fail();
+    if (!path.isEmpty() && QFileInfo(path).isFile())
+        return true;
+    lastError = tr("The file of document %1 did not arrive.").arg(id);
+    return false;
 }
 
 QString KelvaArchiveWorker::getNewFileName(const QString &path, const QMap<QString, QString> &names,

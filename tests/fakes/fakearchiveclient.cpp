@@ -20,6 +20,13 @@ bool knowsArchive(const QString &key)
 
 } // namespace
 
+bool FakeArchiveClient::getSubArchives(QStringList &archives)
+{
+    const bool done = m_archive.begin("getSubArchives");
+    archives = done ? m_archive.subArchives : QStringList();
+    return done;
+}
+
 bool FakeArchiveClient::unsupported()
 {
     return refuse("This is not available yet.");

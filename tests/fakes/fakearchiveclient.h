@@ -16,7 +16,7 @@ public:
     bool disconnectFromArchive() override { return m_archive.begin("disconnectFromArchive"); }
     QString lastError() override { return m_archive.lastError; }
     bool countSubArchiveDocuments(int &count) override;
-    bool getSubArchives(QStringList &) override { return unsupported(); }
+    bool getSubArchives(QStringList &archives) override;
     bool selectArchive(QString archiveKey) override;
     bool downloadDocument(int docId, QString &path, int mode) override;
     qint64 getLastDocId() override { return m_lastDocument; }

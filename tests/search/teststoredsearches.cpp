@@ -3,6 +3,7 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
+#include "documents/itemroles.h"
 #include "search/filtermodel.h"
 #include "search/quserlistview.h"
 #include "search/searchtemplate.h"
@@ -141,7 +142,7 @@ private slots:
         search.click("m_bDeleteSearch");
         QVERIFY(!archive.searches.contains(2));
         QCOMPARE(search.savedSearches()->currentIndex(), 0);
-        QCOMPARE(search.rows(), QString());
+        QCOMPARE(search.rows(), QString("Id/is/6")); // what was searched for may be stored anew
     }
 
     void aNewSearchIsItsMakers_data()
@@ -189,6 +190,12 @@ private slots:
         QCOMPARE(archive.searches.value(1),
                  QStringList({"Five", FakeArchive::searchContent("Amount/=/5/")}) + roles);
         QCOMPARE(search.savedSearches()->currentText(), QString("Five"));
+        // Another one of the same name is another one.
+        search.fill("Amount", "is", "6");
+        script.expectDialog("Save search", true, typeName("Five"));
+        search.click("m_bSaveSearch");
+        QCOMPARE(archive.searches.size(), 2);
+        QCOMPARE(search.savedSearches()->currentData(itemrole::storedId).toString(), QString("2"));
     }
 
     void changedRolesAreAskedFor()

@@ -28,7 +28,7 @@ private slots:
         kelvatest::row("no name: that of the file", "  ", pdf, 0, "1234_scana1.pdf");
         kelvatest::row("a turned direction", QString("gnp") + QChar(0x202E) + "fdp.exe", pdf, 0,
                        "1234_gnpfdp.exe.pdf");
-        kelvatest::row("without a suffix", "Invoice", "/tmp/x/scan", 0, "1234_Invoice.");
+        kelvatest::row("without a suffix", "Invoice", "/tmp/x/scan", 0, "1234_Invoice");
         kelvatest::row("a hundred characters", QString(300, 'x'), pdf, 0,
                        "1234_" + QString(100, 'x') + ".pdf");
         kelvatest::row("255 bytes", QString(100, QChar(0xE4)), "/tmp/x." + QString(60, 's'), 0,
