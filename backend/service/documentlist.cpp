@@ -126,7 +126,7 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
     const Access &access = session.access();
     const QString visible =
         source.checkVisible ? access.visibleCondition(QStringLiteral("c.folder")) : QStringLiteral("1");
-    QString sql = QStringLiteral("SELECT %1, c.notes > 0, %2").arg(columns.rowExpression(), visible);
+    QString sql = QStringLiteral("SELECT %1, c.notes > 0, %2, c.id").arg(columns.rowExpression(), visible);
     if (source.withRetention)
         sql += QStringLiteral(", c.docart, c.cdate");
     sql += QStringLiteral(" FROM classification c WHERE %1 ORDER BY c.id DESC").arg(source.condition.sql);
@@ -134,6 +134,7 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
     const QDate today = session.today();
     const bool mayClassify = access.has(QStringLiteral("kelvaCLASSIFY"));
     QStringList rows;
+    QVector<qint64> ids;
     for (Query row = database.query(sql, QVariantList{columns.rowFormat()} + source.condition.values);
          row.next();) {
         QString text = row.text(0);
@@ -142,10 +143,13 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
             text += QLatin1Char('W');
         if (row.flag(1))
             text += QLatin1Char('N');
-        if (source.withRetention && retention.isInForce(row.number(3), row.text(4), today))
+        if (source.withRetention && retention.isInForce(row.number(4), row.text(5), today))
             text += QLatin1Char('F');
         rows << text;
+        ids << row.number(3);
     }
+    if (!database.failed())
+        session.recordLayouts().noteList(ids, columns.attributeIds());
     return rows;
 }
 

@@ -200,20 +200,16 @@ Result<void> collectFixed(Session &session, const DocumentRecord &record, const 
     if (const Result<void> allowed = checkStatus(session, record, status); !allowed)
         return allowed;
     changes->set(QStringLiteral("status"), status);
-    if (fields.size() > Folder && fields.at(Folder) != record.folder) {
+    if (fields.at(Folder) != record.folder) {
         if (const Result<void> allowed = checkFolder(session, fields.at(Folder)); !allowed)
             return allowed;
         changes->set(QStringLiteral("folder"), fields.at(Folder));
     }
-    if (fields.size() > Type) {
-        const qint64 type = fields.at(Type).toLongLong(&isNumber);
-        if (!isNumber || (type != record.type && !exists(database, QStringLiteral("document_type"), type)))
-            return Error{ErrorCode::BadInput, QStringLiteral("The document type does not exist.")};
-        changes->set(QStringLiteral("docart"), type);
-    }
+    const qint64 type = fields.at(Type).toLongLong(&isNumber);
+    if (!isNumber || (type != record.type && !exists(database, QStringLiteral("document_type"), type)))
+        return Error{ErrorCode::BadInput, QStringLiteral("The document type does not exist.")};
+    changes->set(QStringLiteral("docart"), type);
     for (const auto &[place, column] : {std::pair(Date, "cdate"), std::pair(Resubmission, "defdate")}) {
-        if (fields.size() <= place)
-            continue;
         const Result<QVariant> date = storedDate(fields.at(place));
         if (!date)
             return date.error();
@@ -222,29 +218,31 @@ Result<void> collectFixed(Session &session, const DocumentRecord &record, const 
     return {};
 }
 
-QVector<qint64> attributeIds(const DocumentColumns &columns)
+/// The columns behind the attribute fields of a record that comes back. BadInput when the session has not
+/// handed it out, or not with so many fields: its values would land in other columns.
+Result<DocumentColumns> columnsOf(Session &session, const DocumentRecord &record, const QStringList &fields)
 {
-    QVector<qint64> ids;
-    for (const AttributeColumn &attribute : columns.attributes())
-        ids.append(attribute.id);
-    return ids;
+    const std::optional<RecordLayouts::Layout> layout = session.recordLayouts().ofRecord(record.id);
+    if (!layout)
+        return Error{ErrorCode::BadInput,
+                     QStringLiteral("The entry was not read before it was saved. Please refresh the list.")};
+    constexpr int rightsLetters = 1;
+    if (fields.size() != FirstAttribute + layout->size() + rightsLetters)
+        return Error{ErrorCode::BadInput,
+                     QStringLiteral("The entry does not have the fields that it was read with. Please "
+                                    "refresh the list.")};
+    return DocumentColumns::withAttributes(session.database(), *layout);
 }
 
-Result<void> collectAttributes(Session &session, const QStringList &fields, Changes *changes)
+Result<void> collectAttributes(const DocumentColumns &columns, const QStringList &fields, Changes *changes)
 {
-    const QVector<AttributeColumn> all = DocumentColumns::allAttributes(session.database());
-    QVector<qint64> layout = session.recordLayout();
-    if (!session.hasRecordLayout())
-        layout = attributeIds(DocumentColumns::load(session.database()));
-    for (int i = 0; i < layout.size() && FirstAttribute + i < fields.size(); ++i)
-        for (const AttributeColumn &attribute : all) {
-            if (attribute.id != layout.at(i))
-                continue;
-            const Result<QVariant> value = storedAttribute(attribute, fields.at(FirstAttribute + i));
-            if (!value)
-                return value.error();
-            changes->set(attribute.column, value.value());
-        }
+    for (int i = 0; i < columns.attributes().size(); ++i) {
+        const AttributeColumn &attribute = columns.attributes().at(i);
+        const Result<QVariant> value = storedAttribute(attribute, fields.at(FirstAttribute + i));
+        if (!value)
+            return value.error();
+        changes->set(attribute.column, value.value());
+    }
     return {};
 }
 
@@ -257,7 +255,10 @@ Result<QStringList> Documents::get(const QString &classificationId)
     const Result<DocumentRecord> record = findRecord(m_session, classificationId);
     if (!record)
         return record.error();
-    const DocumentColumns columns = DocumentColumns::load(database);
+    // As in the list that the caller goes by, attributes that were switched off since included.
+    const std::optional<RecordLayouts::Layout> &list = m_session.recordLayouts().ofList();
+    const DocumentColumns columns =
+        list ? DocumentColumns::withAttributes(database, *list) : DocumentColumns::load(database);
     Query row = database.query(
         QStringLiteral("SELECT %1 FROM classification c WHERE c.id = ?").arg(columns.rowExpression()),
         {columns.rowFormat(), record.value().id});
@@ -271,27 +272,28 @@ Result<QStringList> Documents::get(const QString &classificationId)
     if (record.value().trashed &&
         Retention::load(database).isInForce(record.value().type, record.value().date, m_session.today()))
         letters += QLatin1Char('F');
-    m_session.setRecordLayout(attributeIds(columns));
+    m_session.recordLayouts().noteRecord(record.value().id, columns.attributeIds());
     return splitFields(row.text(0)) << letters;
 }
 
 Result<void> Documents::save(const QString &classificationId, const QStringList &fields)
 {
-    if (fields.size() <= Token)
-        return Error{ErrorCode::BadInput, QStringLiteral("The entry is incomplete: its version is missing.")};
     Database &database = m_session.database();
     Transaction writing(database, Transaction::Kind::Write);
     const Result<DocumentRecord> found = findWritable(m_session, classificationId);
     if (!found)
         return found.error();
     const DocumentRecord &record = found.value();
+    const Result<DocumentColumns> columns = columnsOf(m_session, record, fields);
+    if (!columns)
+        return columns.error();
     if (fields.at(Token) != record.token())
         return Error{ErrorCode::Conflict,
                      QStringLiteral("The entry has been changed by another user in the meantime.")};
     Changes changes;
     if (const Result<void> collected = collectFixed(m_session, record, fields, &changes); !collected)
         return collected;
-    if (const Result<void> collected = collectAttributes(m_session, fields, &changes); !collected)
+    if (const Result<void> collected = collectAttributes(columns.value(), fields, &changes); !collected)
         return collected;
     changes.set(QStringLiteral("revision"), record.revision + 1);
     changes.set(QStringLiteral("changeid"), m_session.login());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/access.h"
+#include "service/recordlayouts.h"
 #include "store/database.h"
 
 #include <QDate>
@@ -55,15 +56,7 @@ public:
     /// rights).
     void noteVocabularyChange();
 
-    /// The attributes behind the fields of the last record handed out. A record that comes back is read by
-    /// it, whatever columns were added or taken away in between.
-    const QVector<qint64> &recordLayout() const { return m_recordLayout; }
-    void setRecordLayout(const QVector<qint64> &attributeIds)
-    {
-        m_recordLayout = attributeIds;
-        m_hasRecordLayout = true;
-    }
-    bool hasRecordLayout() const { return m_hasRecordLayout; }
+    RecordLayouts &recordLayouts() { return m_recordLayouts; }
 
     QDate today() const { return m_now().date(); }
     /// "yyyy-MM-ddTHH:mm:ss"
@@ -83,8 +76,7 @@ private:
     Access m_access;
     qint64 m_accessAsOf = -1;
     int m_accessRollbacks = 0;
-    QVector<qint64> m_recordLayout;
-    bool m_hasRecordLayout = false;
+    RecordLayouts m_recordLayouts;
     std::function<QDateTime()> m_now = [] { return QDateTime::currentDateTime(); };
 };
 

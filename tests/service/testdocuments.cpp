@@ -131,7 +131,32 @@ private slots:
         const auto other = m_archive->login();
         QVERIFY(Attributes(*other).save({joinFields({"1", "A", "String", "false", "true"})}).ok());
         QCOMPARE(textOf(Documents(*m_session).save(m_id, record)), QString());
-        QCOMPARE(fields(*m_session).mid(10), (QStringList{"for B", "W"}));
+        QCOMPARE(fields(*other).mid(10), (QStringList{"for B", "W"}));
+    }
+
+    void aListedRecordKeepsItsColumns()
+    {
+        QVERIFY(Attributes(*m_session)
+                    .save({joinFields({"-1", "A", "String", "false", "false"}),
+                           joinFields({"-1", "B", "String", "false", "false"})})
+                    .ok());
+        QStringList row = splitFields(listDocuments(*m_session, {"1=1"}).value().at(1)).mid(1);
+        const auto other = m_archive->login();
+        QVERIFY(Attributes(*other).save({joinFields({"1", "A", "String", "false", "true"})}).ok());
+        // The column of A is still there for who goes by the list; a new list has it no more.
+        QStringList record = fields(*m_session);
+        QCOMPARE(record.mid(10), (QStringList{"", "", "W"}));
+        record.replace(11, "for B");
+        QCOMPARE(textOf(Documents(*m_session).save(m_id, record)), QString());
+        row = splitFields(listDocuments(*m_session, {"1=1", "OPT:LIMIT;5"}).value().at(1)).mid(1);
+        QCOMPARE(row.mid(10), (QStringList{"for B", "W"}));
+        row.replace(10, "again");
+        QCOMPARE(textOf(Documents(*m_session).save(m_id, row)), QString());
+        QCOMPARE(fields(*other).mid(10), (QStringList{"again", "W"}));
+        row.replace(3, "1_3");
+        row.insert(10, "shifted");
+        QCOMPARE(Documents(*m_session).save(m_id, row).error().code, ErrorCode::BadInput);
+        QCOMPARE(fields(*other).mid(10), (QStringList{"again", "W"}));
     }
 
     void aDocumentGoesThroughTheTrashToItsEnd()
