@@ -16,6 +16,8 @@
 
 #include <algorithm>
 
+#include <sys/stat.h>
+
 namespace kelva {
 namespace {
 
@@ -86,10 +88,24 @@ QString storedFileName(const QString &name)
         .toString();
 }
 
-/// Closing a file takes all of the process's locks on it away, those of the archive's connections too.
+/// Closing a file takes all of the process's locks on it away, those of the archive's connections too. So the
+/// archive and the files beside it are never opened, under whatever name.
 bool isArchiveItself(const Database &database, const QString &file)
 {
-    return QFileInfo(file).canonicalFilePath() == QFileInfo(database.path()).canonicalFilePath();
+    struct stat wanted
+    {
+    };
+    if (::stat(QFile::encodeName(file).constData(), &wanted) != 0)
+        return false;
+    for (const char *suffix : {"", "-wal", "-shm"}) {
+        struct stat own
+        {
+        };
+        if (::stat(QFile::encodeName(database.path() + QLatin1String(suffix)).constData(), &own) == 0 &&
+            own.st_dev == wanted.st_dev && own.st_ino == wanted.st_ino)
+            return true;
+    }
+    return false;
 }
 
 qint64 blobOf(Database &database, qint64 archiveId)

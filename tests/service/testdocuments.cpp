@@ -18,6 +18,8 @@
 #include <QProcess>
 #include <QSysInfo>
 
+#include <unistd.h>
+
 using namespace kelva;
 
 class TestDocuments : public QObject
@@ -215,6 +217,20 @@ private slots:
         QVERIFY(!(QFile::permissions(copy.value()) & others));
         QVERIFY(!(QFile::permissions(QFileInfo(copy.value()).path()) & others));
         QCOMPARE(archive::check(m_archive->path()).value(), QStringList());
+    }
+
+    void theArchiveIsNotFiledUnderAnyName()
+    {
+        for (const char *suffix : {"", "-wal", "-shm"}) {
+            const QString own = m_archive->path() + QLatin1String(suffix);
+            const QString other = m_archive->path() + QLatin1String(".link") + QLatin1String(suffix);
+            QCOMPARE(::link(QFile::encodeName(own).constData(), QFile::encodeName(other).constData()), 0);
+            for (const QString &path : {own, other}) {
+                const Result<qint64> stored = Content(*m_session).store(path, true, {});
+                QVERIFY(!stored.ok());
+                QCOMPARE(stored.error().text, QString("The archive cannot be filed in itself."));
+            }
+        }
     }
 
     void aCancelledUploadLeavesNothing()
