@@ -108,6 +108,19 @@ bool isArchiveItself(const Database &database, const QString &file)
     return false;
 }
 
+Result<void> copyToNewFile(Database &database, qint64 blob, const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::NewOnly))
+        return Error{ErrorCode::Storage,
+                     QStringLiteral("The file %1 cannot be made: %2").arg(path, file.errorString())};
+    file.close();
+    const Result<void> copied = copyBlob(database, blob, path, {});
+    if (!copied)
+        file.remove();
+    return copied;
+}
+
 qint64 blobOf(Database &database, qint64 archiveId)
 {
     return database
@@ -216,6 +229,42 @@ Result<QString> Content::fetch(qint64 archiveId, Action action, const Progress &
         return recorded.error();
     }
     return path;
+}
+
+Result<QStringList> Content::exportVersions(qint64 archiveId, const QString &directory)
+{
+    Database &database = m_session.database();
+    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+        return allowed.error();
+    Transaction reading(database, Transaction::Kind::Read);
+    if (!maySeeDocument(m_session, archiveId))
+        return database.failed() ? database.result(0).error() : noDocument();
+    QStringList written;
+    for (Query row = database.query(
+             QStringLiteral("SELECT v.blob, v.version, d.file_name FROM file_version v JOIN document d"
+                            " ON d.id = v.document WHERE d.id = ? ORDER BY v.version"),
+             {archiveId});
+         row.next();) {
+        const QString name = row.text(2).replace(QLatin1Char('/'), QLatin1Char('_'));
+        const QString path = QStringLiteral("%1/%2-%3").arg(directory, row.text(1), name);
+        const Result<void> copied = copyToNewFile(database, row.number(0), path);
+        if (copied)
+            written << path;
+        if (!copied || database.failed()) {
+            for (const QString &file : qAsConst(written))
+                QFile::remove(file);
+            return copied ? database.result(0).error() : copied.error();
+        }
+    }
+    if (database.failed())
+        return database.result(0).error();
+    if (written.isEmpty())
+        return Error{ErrorCode::NotFound,
+                     QStringLiteral("The document has no file, or it has been deleted.")};
+    if (const Result<void> done = reading.commit(); !done)
+        return done.error();
+    const Result<void> recorded = record(archiveId, Action::Exported);
+    return recorded ? Result<QStringList>(written) : recorded.error();
 }
 
 Result<qint64> Content::size(qint64 archiveId)

@@ -184,6 +184,28 @@ Result<void> checkFolder(Session &session, const QString &folder)
     return session.access().mayWrite(folder) ? Result<void>() : unknown;
 }
 
+/// The end of a retention that runs is never brought nearer, and none is counted from the far future.
+Result<void> checkRetention(Session &session, const DocumentRecord &record, qint64 type, const QString &date)
+{
+    if (type == record.type && date == record.date)
+        return {};
+    const Retention retention = Retention::load(session.database());
+    const QDate before = retention.end(record.type, record.date);
+    const QDate now = retention.end(type, date);
+    if (before.isValid() && before > session.today() && (!now.isValid() || now < before))
+        return Error{ErrorCode::Refused,
+                     QStringLiteral("The document must be kept until %1. Its type and its date cannot be "
+                                    "changed so that this ends earlier.")
+                         .arg(before.toString(Qt::ISODate))};
+    const QDate latest = latestRetentionStart(session.today());
+    if (retention.hasSpan(type) && QDate::fromString(date, Qt::ISODate) > latest)
+        return Error{ErrorCode::Refused,
+                     QStringLiteral("A document of this type cannot be dated after %1, because of its "
+                                    "retention period.")
+                         .arg(latest.toString(Qt::ISODate))};
+    return {};
+}
+
 Result<void> collectFixed(Session &session, const DocumentRecord &record, const QStringList &fields,
                           Changes *changes)
 {
@@ -215,7 +237,7 @@ Result<void> collectFixed(Session &session, const DocumentRecord &record, const 
             return date.error();
         changes->set(QString::fromLatin1(column), date.value());
     }
-    return {};
+    return checkRetention(session, record, type, fields.at(Date));
 }
 
 /// The columns behind the attribute fields of a record that comes back. BadInput when the session has not
