@@ -36,6 +36,12 @@ QString parentOf(const QString &oid)
     return oid.left(std::max(0, oid.lastIndexOf(QLatin1Char('.'))));
 }
 
+bool isStorableOid(const QString &oid)
+{
+    // A first number 0 means a status, or no folder at all.
+    return isFolderOid(oid) && oid.section(QLatin1Char('.'), 0, 0) != QLatin1String("0");
+}
+
 QVector<FolderRow> readFolders(Session &session)
 {
     Database &database = session.database();
@@ -45,9 +51,13 @@ QVector<FolderRow> readFolders(Session &session)
         QStringLiteral("SELECT f.oid, f.name, f.flag, f.key, f.keywords, f.picture,"
                        " EXISTS(SELECT 1 FROM classification c WHERE c.folder = f.oid AND c.trashed = 0)"
                        " FROM folder f"));
-    while (row.next())
+    while (row.next()) {
+        // Of a damaged archive. An empty one would be its own parent.
+        if (!isStorableOid(row.text(0)))
+            continue;
         rows.append({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.bytes(5),
                      access.maySee(row.text(0)), row.flag(6), false});
+    }
     return rows;
 }
 
@@ -115,12 +125,6 @@ Error unknownFolder()
     return {ErrorCode::NotFound, QStringLiteral("The folder does not exist.")};
 }
 
-bool isStorableOid(const QString &oid)
-{
-    // A first number 0 means a status, or no folder at all.
-    return isFolderOid(oid) && oid.section(QLatin1Char('.'), 0, 0) != QLatin1String("0");
-}
-
 Result<void> removeFolder(Database &database, const QString &oid)
 {
     if (database.value(QStringLiteral("SELECT 1 FROM classification WHERE folder = ? LIMIT 1"), {oid})
@@ -171,6 +175,20 @@ QString mainFolderOf(const QString &oid)
     const int first = oid.indexOf(QLatin1Char('.'));
     const int second = first < 0 ? -1 : oid.indexOf(QLatin1Char('.'), first + 1);
     return second < 0 ? oid : oid.mid(first - 1, second - first + 1);
+}
+
+QStringList folderFaults(Database &database)
+{
+    QStringList faults;
+    {
+        Transaction reading(database, Transaction::Kind::Read);
+        for (Query row = database.query(QStringLiteral("SELECT oid, name FROM folder")); row.next();)
+            if (!isStorableOid(row.text(0)))
+                faults << QStringLiteral("The folder \"%1\" has no valid number.").arg(row.text(1).left(80));
+    }
+    if (database.failed())
+        faults << database.result(0).error().text;
+    return faults;
 }
 
 bool isFolderOid(const QString &oid)

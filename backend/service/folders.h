@@ -8,6 +8,7 @@
 
 namespace kelva {
 
+class Database;
 class Session;
 
 /// The folder tree, its rights and the standard structures. A folder is named by its oid, a dotted path of
@@ -43,6 +44,8 @@ private:
 /// The folder that column 1 of a record shows for a folder: its first two levels, of which the first has one
 /// digit.
 QString mainFolderOf(const QString &oid);
+/// Rows of the archive that no list of folders shows, one sentence each.
+QStringList folderFaults(Database &database);
 /// "0", or decimal numbers joined by dots.
 bool isFolderOid(const QString &oid);
 

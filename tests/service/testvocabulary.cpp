@@ -72,6 +72,17 @@ private slots:
             QVERIFY(!row.startsWith("1.2"));
     }
 
+    void aRowThatIsNoFolderIsPassedOver()
+    {
+        const int folders = Folders(*m_session).list(true).value().rows.size();
+        for (const char *oid : {"''", "NULL", "'0.2'", "'1.x'"})
+            QVERIFY(m_session->database().run(
+                QString("INSERT INTO folder(oid, name) VALUES(%1, 'Bad')").arg(QLatin1String(oid))));
+        QCOMPARE(Folders(*m_session).list(true).value().rows.size(), folders);
+        QCOMPARE(archive::check(m_archive->path()).value(),
+                 QStringList(QVector<QString>(4, "The folder \"Bad\" has no valid number.").toList()));
+    }
+
     void theStatusListIsSavedAsAWhole()
     {
         const QString id = QString::number(m_archive->addDocument("x", "0"));
