@@ -81,7 +81,7 @@ Result<DocumentRecord> findRecord(Session &session, const QString &classificatio
     record.closed = row.flag(8);
     record.hasNote = row.number(9) > 0;
     if (!session.access().maySee(record.folder))
-        return noDocument;
+        return session.database().failed() ? session.database().result(0).error() : noDocument;
     return record;
 }
 

@@ -7,6 +7,7 @@
 #include "service/documentlist.h"
 #include "service/documents.h"
 #include "service/folders.h"
+#include "service/loginthrottle.h"
 #include "service/records.h"
 #include "service/settings.h"
 #include "service/users.h"
@@ -125,6 +126,69 @@ private slots:
         QVERIFY(!Documents(*member).get(QString::number(m_secret)).ok());
         QVERIFY(Users(*boss).setRolesOf("member", {"kelvaCLASSIFY", "board"}).ok());
         QVERIFY(Documents(*member).get(QString::number(m_secret)).ok());
+    }
+
+    void aSessionEndsWithItsAccount()
+    {
+        m_archive.addUser("guest", {"kelvaCLASSIFY", "kelvaALLDOCS"});
+        const auto guest = m_archive.login("guest");
+        const auto refusals = [&] {
+            QStringList texts;
+            const auto note = [&texts](const auto &result) {
+                texts << (result ? QString() : result.error().text);
+            };
+            note(Documents(*guest).get(QString::number(m_open)));
+            note(listDocuments(*guest, {"1=1"}));
+            note(Content(*guest).fetch(1, Action::Shown, {}));
+            note(Content(*guest).search("open"));
+            note(Folders(*guest).list(false));
+            note(Vocabulary(*guest).descriptions());
+            note(guest->requireAccount());
+            texts.removeDuplicates();
+            return texts;
+        };
+        QCOMPARE(refusals(), QStringList(QString()));
+        const QStringList gone{"Your user account has expired or was deleted. Please log in again."};
+        const auto boss = m_archive.login("boss");
+        QVERIFY(Users(*boss).setPasswordExpired("guest", true).ok());
+        QCOMPARE(refusals(), gone);
+        QCOMPARE(textOf(Users(*guest).changeOwnPassword("secret", "other")), QString());
+        QCOMPARE(refusals(), QStringList(QString()));
+        QVERIFY(Users(*boss).remove({QString::number(guest->userId())}).ok());
+        QCOMPARE(refusals(), gone);
+    }
+
+    void guessingPasswordsIsSlow()
+    {
+        qint64 now = 5'000'000;
+        LoginThrottle throttle([&now] { return now; });
+        for (int i = 0; i < 5; ++i)
+            QCOMPARE(throttle.begin("clerk"), 0);
+        QCOMPARE(throttle.begin("clerk"), 1);
+        QCOMPARE(throttle.begin("member"), 0); // nobody else waits
+        now += 1000;
+        QCOMPARE(throttle.begin("clerk"), 0);
+        QCOMPARE(throttle.begin("clerk"), 2);
+        for (int i = 0; i < 60; ++i) {
+            now += 60 * 1000;
+            QCOMPARE(throttle.begin("clerk"), 0); // never locked out for longer
+        }
+        QCOMPARE(throttle.begin("clerk"), 60);
+        now += 60 * 1000;
+        QCOMPARE(throttle.begin("clerk"), 0);
+        throttle.succeeded("clerk");
+        QCOMPARE(throttle.begin("clerk"), 0);
+        QCOMPARE(throttle.begin("clerk"), 0);
+
+        m_archive.addUser("guessed", {});
+        ErrorCode last = ErrorCode::NotFound;
+        for (int i = 0; i < 6; ++i)
+            last = Session::login(m_archive.path(), "guessed", "wrong").error().code;
+        QCOMPARE(last, ErrorCode::Refused);
+        QCOMPARE(Session::login(m_archive.path(), "guessed", "secret").error().code, ErrorCode::Refused);
+        QCOMPARE(Users::changeExpiredPassword(m_archive.path(), "guessed", "secret", "x").error().code,
+                 ErrorCode::Refused);
+        QVERIFY(Session::login(m_archive.path(), "clerk", "secret").ok());
     }
 
     void aRefusedChangeDoesNotOpenFolders()
