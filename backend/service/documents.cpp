@@ -8,6 +8,7 @@
 #include "service/retention.h"
 #include "service/rights.h"
 #include "service/session.h"
+#include "service/visibledocuments.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -332,22 +333,14 @@ Result<void> Documents::classify(qint64 archiveId, const QString &fileName, cons
     if (const Result<void> allowed = m_session.access().require(rights::classify); !allowed)
         return allowed;
     Query stored = database.query(
-        QStringLiteral("SELECT subarchive, creator FROM document WHERE id = ? AND deleted = 0"), {archiveId});
+        QStringLiteral("SELECT subarchive FROM document WHERE id = ? AND deleted = 0"), {archiveId});
     if (!stored.next())
         return database.failed() ? database.result(0).error() : noDocument;
     const qint64 subArchive = stored.number(0);
-    const QString creator = stored.text(1);
-    QSet<QString> folders;
-    bool seesRecord = false;
-    for (Query row = database.query(
-             QStringLiteral("SELECT folder FROM classification WHERE document = ? AND trashed = 0"),
-             {archiveId});
-         row.next();) {
-        folders.insert(row.text(0));
-        seesRecord = seesRecord || m_session.access().maySee(row.text(0));
-    }
-    if (creator != m_session.login() && !seesRecord && !m_session.access().isAdmin())
+    if (!maySeeDocument(m_session, archiveId))
         return noDocument;
+    const QStringList folders = database.texts(
+        QStringLiteral("SELECT folder FROM classification WHERE document = ? AND trashed = 0"), {archiveId});
     const QString target = folder.isEmpty() ? QStringLiteral("0") : folder;
     if (const Result<void> allowed = checkFolder(m_session, target); !allowed)
         return allowed;

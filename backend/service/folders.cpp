@@ -42,7 +42,8 @@ bool isStorableOid(const QString &oid)
     return isFolderOid(oid) && oid.section(QLatin1Char('.'), 0, 0) != QLatin1String("0");
 }
 
-QVector<FolderRow> readFolders(Session &session)
+/// Unless all is set, what lies in folders that are not seen shows in no mark.
+QVector<FolderRow> readFolders(Session &session, bool all)
 {
     Database &database = session.database();
     const Access &access = session.access();
@@ -55,8 +56,9 @@ QVector<FolderRow> readFolders(Session &session)
         // Of a damaged archive. An empty one would be its own parent.
         if (!isStorableOid(row.text(0)))
             continue;
-        rows.append({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.bytes(5),
-                     access.maySee(row.text(0)), row.flag(6), false});
+        const bool visible = access.maySee(row.text(0));
+        rows.append({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.bytes(5), visible,
+                     row.flag(6) && (all || visible), false});
     }
     return rows;
 }
@@ -207,7 +209,10 @@ Result<Records> Folders::list(bool all)
 {
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
-    FolderTree tree(readFolders(m_session));
+    if (all)
+        if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+            return allowed.error();
+    FolderTree tree(readFolders(m_session, all));
     if (database.failed())
         return database.result(Records()).error();
     Records records;

@@ -19,8 +19,8 @@ public:
     explicit Folders(Session &session) : m_session(session) {}
 
     /// Records of nine fields: oid, name, flag, key, parent oid, "0", "L" or "", "E" or "", keywords; parents
-    /// first, siblings by name. Without all, what the session sees and the way to it ("L"), inactive ones
-    /// left out.
+    /// first, siblings by name. all is for administrators; without, what the session sees and the way to it
+    /// ("L"), inactive ones left out.
     Result<Records> list(bool all);
     /// Records of oid, name, flag, key, parent oid, "1" or "0", and "D" or "I" or "U" with keywords.
     Result<void> save(const Records &records);

@@ -174,11 +174,13 @@ Result<QStringList> Vocabulary::dateBounds()
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
     const QString today = m_session.today().toString(Qt::ISODate);
+    const QString visible = m_session.access().visibleCondition(QStringLiteral("c.folder"));
     QStringList bounds;
     for (const QString &order : {QStringLiteral("ASC"), QStringLiteral("DESC")}) {
-        const QVariant bound = database.value(
-            QStringLiteral("SELECT cdate FROM classification WHERE cdate > '' ORDER BY cdate %1 LIMIT 1")
-                .arg(order));
+        const QVariant bound =
+            database.value(QStringLiteral("SELECT c.cdate FROM classification c WHERE c.cdate > '' AND %1"
+                                          " ORDER BY c.cdate %2 LIMIT 1")
+                               .arg(visible, order));
         bounds << (bound.isValid() ? bound.toString() : today);
     }
     return database.result(bounds);
