@@ -4,6 +4,7 @@
 #include "indexer/indexer.h"
 #include "service/archive.h"
 #include "service/consolepassword.h"
+#include "service/content.h"
 #include "service/rights.h"
 #include "service/session.h"
 #include "service/users.h"
@@ -35,6 +36,8 @@ ARCHIVE is the number of an archive of this machine or the path of its file.
   index ARCHIVE               take the texts of all files that the full-text search does not know yet
   backup ARCHIVE FILE         copy an archive, which may be in use
   restore FILE ARCHIVE        put a backup in place; the present archive is kept beside it
+  export-versions ARCHIVE DOCUMENT DIRECTORY
+                              write every version of a document's file, as "<version>-<name>"
 
 A password is read as one line from standard input.
 
@@ -201,6 +204,16 @@ int restore(const Call &call)
                    QStringLiteral("Restored %1.").arg(target.value()));
 }
 
+int exportVersions(const Call &call)
+{
+    auto session = Session::openAsOwner(call.path, QStringLiteral("kelvaadmin"));
+    if (!session)
+        return complain(session.error().text);
+    const Result<QStringList> files =
+        Content(*session.value()).exportVersions(call.rest.at(0).toLongLong(), call.rest.at(1));
+    return outcome(files, files ? files.value().join(QLatin1Char('\n')) : QString());
+}
+
 struct Command
 {
     const char *name;
@@ -208,9 +221,15 @@ struct Command
     int (*run)(const Call &);
 };
 
-const Command commands[] = {
-    {"create", 1, create}, {"sample", 0, sample}, {"add-user", 1, addUser}, {"set-password", 1, setPassword},
-    {"check", 0, check},   {"index", 0, index},   {"backup", 1, backup},    {"restore", 1, restore}};
+const Command commands[] = {{"create", 1, create},
+                            {"sample", 0, sample},
+                            {"add-user", 1, addUser},
+                            {"set-password", 1, setPassword},
+                            {"check", 0, check},
+                            {"index", 0, index},
+                            {"backup", 1, backup},
+                            {"restore", 1, restore},
+                            {"export-versions", 2, exportVersions}};
 
 } // namespace
 

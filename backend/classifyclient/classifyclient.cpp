@@ -205,8 +205,10 @@ void ClassifyClient::refreshSession()
 
 bool ClassifyClient::changeOwnPassword(QString oldPassword, QString newPassword)
 {
+    // Open to users whose password has expired meanwhile, too.
     return m_connection.perform(
-        [&](Session &session) { return kelva::Users(session).changeOwnPassword(oldPassword, newPassword); });
+        [&](Session &session) { return kelva::Users(session).changeOwnPassword(oldPassword, newPassword); },
+        kelva::Connection::ExpiredAccounts::Allowed);
 }
 
 bool ClassifyClient::changeExpiredPassword(QString host, QString oldPassword, QString newPassword,

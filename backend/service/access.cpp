@@ -30,6 +30,11 @@ QHash<QString, QSet<QString>> folderRoles(Database &database)
     return roles;
 }
 
+QString openedCondition(const QString &column)
+{
+    return QStringLiteral("%1 IN (SELECT oid FROM temp.opened_folder)").arg(column);
+}
+
 bool opens(const QSet<QString> &folderRoles, const QSet<QString> &userRoles)
 {
     return folderRoles.contains(rights::publicFolder) || folderRoles.contains(rights::everyUser) ||
@@ -42,14 +47,12 @@ Access::Access(Database &database, Scope scope, const QStringList &userRoles)
     : m_scope(scope),
       m_roles(userRoles.cbegin(), userRoles.cend())
 {
-    m_seesEverything = scope != Scope::Roles || m_roles.contains(rights::allDocuments);
-    if (m_seesEverything)
+    const QHash<QString, QSet<QString>> own =
+        scope == Scope::Roles ? folderRoles(database) : QHash<QString, QSet<QString>>();
+    m_opensEverything = own.isEmpty();
+    m_seesEverything = m_opensEverything || m_roles.contains(rights::allDocuments);
+    if (m_opensEverything)
         return;
-    const QHash<QString, QSet<QString>> own = folderRoles(database);
-    if (own.isEmpty()) {
-        m_seesEverything = true;
-        return;
-    }
     QHash<QString, bool> decided;
     for (Query row = database.query(QStringLiteral("SELECT oid FROM folder ORDER BY length(oid)"));
          row.next();) {
@@ -70,15 +73,15 @@ Access::Access(Database &database, Scope scope, const QStringList &userRoles)
         }
         decided.insert(oid, open);
         if (open)
-            m_visible.insert(oid);
+            m_opened.insert(oid);
     }
-    m_visible.insert(unassigned);
+    m_opened.insert(unassigned);
 
     database.run(
-        QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS visible_folder(oid TEXT PRIMARY KEY) WITHOUT ROWID"));
-    database.run(QStringLiteral("DELETE FROM visible_folder"));
-    Statement insert(database, QStringLiteral("INSERT INTO visible_folder VALUES(?)"));
-    for (const QString &oid : qAsConst(m_visible))
+        QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS opened_folder(oid TEXT PRIMARY KEY) WITHOUT ROWID"));
+    database.run(QStringLiteral("DELETE FROM opened_folder"));
+    Statement insert(database, QStringLiteral("INSERT INTO opened_folder VALUES(?)"));
+    for (const QString &oid : qAsConst(m_opened))
         insert.run({oid});
 }
 
@@ -87,14 +90,19 @@ bool Access::has(const QString &right) const
     return m_scope == Scope::Owner || (m_scope == Scope::Roles && m_roles.contains(right));
 }
 
+bool Access::seesEveryDocument() const
+{
+    return m_scope != Scope::Roles || m_roles.contains(rights::allDocuments);
+}
+
 bool Access::maySee(const QString &folder) const
 {
-    return m_seesEverything || m_visible.contains(folder);
+    return m_seesEverything || m_opened.contains(folder);
 }
 
 bool Access::mayWrite(const QString &folder) const
 {
-    return has(rights::classify) && maySee(folder);
+    return has(rights::classify) && (m_opensEverything || m_opened.contains(folder));
 }
 
 Result<void> Access::require(const QString &right) const
@@ -108,8 +116,14 @@ Result<void> Access::require(const QString &right) const
 
 QString Access::visibleCondition(const QString &column) const
 {
-    return m_seesEverything ? QStringLiteral("1")
-                            : QStringLiteral("%1 IN (SELECT oid FROM temp.visible_folder)").arg(column);
+    return m_seesEverything ? QStringLiteral("1") : openedCondition(column);
+}
+
+QString Access::writableCondition(const QString &column) const
+{
+    if (!has(rights::classify))
+        return QStringLiteral("0");
+    return m_opensEverything ? QStringLiteral("1") : openedCondition(column);
 }
 
 } // namespace kelva

@@ -25,25 +25,30 @@ public:
     };
 
     Access() = default;
-    /// Reads folders and their roles, and prepares the connection for visibleCondition().
+    /// Reads folders and their roles, and prepares the connection for the conditions.
     Access(Database &database, Scope scope, const QStringList &userRoles);
 
     bool has(const QString &right) const;
     bool isAdmin() const { return has(QStringLiteral("kelvaADMIN")); }
+    /// Every record.
     bool seesEverything() const { return m_seesEverything; }
+    /// And every file that has no record yet.
+    bool seesEveryDocument() const;
     bool maySee(const QString &folder) const;
-    /// A record in this folder may be changed.
+    /// A record in this folder may be changed: kelvaALLDOCS opens folders for reading alone.
     bool mayWrite(const QString &folder) const;
     /// Ok, or Refused with a sentence that names what the right is for.
     Result<void> require(const QString &right) const;
 
-    /// Condition on the column of a folder oid; "1" when everything is seen.
+    /// Conditions on the column of a folder oid; "1" when all of them may be seen or written.
     QString visibleCondition(const QString &column) const;
+    QString writableCondition(const QString &column) const;
 
 private:
     Scope m_scope = Scope::Roles;
     QSet<QString> m_roles;
-    QSet<QString> m_visible;
+    QSet<QString> m_opened; ///< folders, by their roles
+    bool m_opensEverything = false;
     bool m_seesEverything = false;
 };
 

@@ -1,6 +1,7 @@
 #include "service/archive.h"
 
 #include "service/blobs.h"
+#include "service/folders.h"
 #include "service/records.h"
 #include "service/rights.h"
 #include "store/database.h"
@@ -132,7 +133,8 @@ Result<QStringList> archive::check(const QString &path)
     auto database = Database::open(path, Database::Mode::ReadWrite);
     if (!database)
         return database.error();
-    return database.value()->integrityFaults() + blobFaults(*database.value());
+    return database.value()->integrityFaults() + blobFaults(*database.value()) +
+           folderFaults(*database.value());
 }
 
 Result<void> archive::backup(const QString &path, const QString &target)

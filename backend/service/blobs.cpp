@@ -190,7 +190,11 @@ Result<void> copyBlob(Database &database, qint64 blob, const QString &path, cons
 QStringList blobFaults(Database &database)
 {
     QStringList faults;
-    for (const qint64 blob : database.numbers(QStringLiteral("SELECT id FROM blob WHERE touched IS NULL"))) {
+    const QVector<qint64> blobs =
+        database.numbers(QStringLiteral("SELECT id FROM blob WHERE touched IS NULL"));
+    if (database.failed())
+        faults << QStringLiteral("Not every content can be found.");
+    for (const qint64 blob : blobs) {
         Checksum hash;
         for (Query row = database.query(
                  QStringLiteral("SELECT data FROM blob_piece WHERE blob = ? ORDER BY number"), {blob});

@@ -36,12 +36,19 @@ Result<void> Connection::openOffline()
     return {};
 }
 
-bool Connection::requireSession()
+bool Connection::requireSession(ExpiredAccounts expired)
 {
-    if (m_session)
+    if (!m_session) {
+        m_lastError = QStringLiteral("There is no connection to the archive.");
+        return false;
+    }
+    // Not every operation asks what the user may do, but none is for somebody who is no user any more.
+    if (expired == ExpiredAccounts::Allowed)
         return true;
-    m_lastError = QStringLiteral("There is no connection to the archive.");
-    return false;
+    const Result<void> known = m_session->requireAccount();
+    if (!known)
+        setError(known.error());
+    return known.ok();
 }
 
 bool Connection::refuseUnavailable()

@@ -14,6 +14,8 @@ namespace kelva {
 class Connection
 {
 public:
+    enum class ExpiredAccounts { Refused, Allowed };
+
     /// Path of the archive beside the program; empty when there is none.
     static QString offlineArchive();
 
@@ -29,10 +31,10 @@ public:
 
     /// Runs an operation on the session. False and a text when there is none or the operation fails.
     template<typename Operation>
-    bool perform(Operation operation)
+    bool perform(Operation operation, ExpiredAccounts expired = ExpiredAccounts::Refused)
     {
         m_lastError.clear();
-        if (!requireSession())
+        if (!requireSession(expired))
             return false;
         const auto result = operation(*m_session);
         if (!result)
@@ -57,7 +59,7 @@ public:
     bool refuseUnavailable();
 
 private:
-    bool requireSession();
+    bool requireSession(ExpiredAccounts expired = ExpiredAccounts::Refused);
 
     std::unique_ptr<Session> m_session;
     QString m_lastError;

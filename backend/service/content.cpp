@@ -10,11 +10,14 @@
 #include "service/rights.h"
 #include "service/session.h"
 #include "service/temporaryfiles.h"
+#include "service/visibledocuments.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+
+#include <sys/stat.h>
 
 namespace kelva {
 namespace {
@@ -24,25 +27,6 @@ constexpr int maximumFileName = 254;
 Error noDocument()
 {
     return {ErrorCode::NotFound, QStringLiteral("The document does not exist.")};
-}
-
-/// Whether the session may have the file: it sees a record of it, or it stored a file that has no record yet.
-bool maySeeDocument(Session &session, qint64 archiveId)
-{
-    const Access &access = session.access();
-    Database &database = session.database();
-    bool hasRecord = false;
-    for (const QString &folder : database.texts(
-             QStringLiteral("SELECT folder FROM classification WHERE document = ?"), {archiveId})) {
-        hasRecord = true;
-        if (access.maySee(folder))
-            return true;
-    }
-    if (hasRecord)
-        return false;
-    const QVariant creator =
-        database.value(QStringLiteral("SELECT creator FROM document WHERE id = ?"), {archiveId});
-    return creator.isValid() && (access.seesEverything() || creator.toString() == session.login());
 }
 
 QVector<qint64> parseIds(const QStringList &texts)
@@ -55,16 +39,6 @@ QVector<qint64> parseIds(const QStringList &texts)
             ids.append(id);
     }
     return ids;
-}
-
-/// Condition on a document id that only lets through what the session sees; for many documents in one
-/// statement.
-QString visibleDocuments(const Access &access, const QString &column)
-{
-    if (access.seesEverything())
-        return QStringLiteral("1");
-    return QStringLiteral("EXISTS(SELECT 1 FROM classification c WHERE c.document = %1 AND %2)")
-        .arg(column, access.visibleCondition(QStringLiteral("c.folder")));
 }
 
 void recordEvent(Session &session, qint64 archiveId, Action action,
@@ -86,10 +60,37 @@ QString storedFileName(const QString &name)
         .toString();
 }
 
-/// Closing a file takes all of the process's locks on it away, those of the archive's connections too.
+/// Closing a file takes all of the process's locks on it away, those of the archive's connections too. So the
+/// archive and the files beside it are never opened, under whatever name.
 bool isArchiveItself(const Database &database, const QString &file)
 {
-    return QFileInfo(file).canonicalFilePath() == QFileInfo(database.path()).canonicalFilePath();
+    struct stat wanted
+    {
+    };
+    if (::stat(QFile::encodeName(file).constData(), &wanted) != 0)
+        return false;
+    for (const char *suffix : {"", "-wal", "-shm"}) {
+        struct stat own
+        {
+        };
+        if (::stat(QFile::encodeName(database.path() + QLatin1String(suffix)).constData(), &own) == 0 &&
+            own.st_dev == wanted.st_dev && own.st_ino == wanted.st_ino)
+            return true;
+    }
+    return false;
+}
+
+Result<void> copyToNewFile(Database &database, qint64 blob, const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::NewOnly))
+        return Error{ErrorCode::Storage,
+                     QStringLiteral("The file %1 cannot be made: %2").arg(path, file.errorString())};
+    file.close();
+    const Result<void> copied = copyBlob(database, blob, path, {});
+    if (!copied)
+        file.remove();
+    return copied;
 }
 
 qint64 blobOf(Database &database, qint64 archiveId)
@@ -101,16 +102,36 @@ qint64 blobOf(Database &database, qint64 archiveId)
         .toLongLong();
 }
 
-/// The newest document of a name in a sub-archive that the session sees; 0 when there is none.
-qint64 documentNamed(Session &session, qint64 subArchive, const QString &fileName)
+bool mayWriteDocument(Session &session, qint64 archiveId)
 {
+    bool filed = false;
+    for (const QString &folder : session.database().texts(
+             QStringLiteral("SELECT folder FROM classification WHERE document = ?"), {archiveId})) {
+        filed = true;
+        if (session.access().mayWrite(folder))
+            return true;
+    }
+    return !filed;
+}
+
+/// The newest document of a name in a sub-archive that the session may change; 0 when there is none. Refused
+/// when it sees one but may not change it.
+Result<qint64> documentNamed(Session &session, qint64 subArchive, const QString &fileName)
+{
+    bool sees = false;
     for (const qint64 id : session.database().numbers(
              QStringLiteral("SELECT id FROM document WHERE subarchive = ? AND file_name = ? AND deleted = 0"
                             " ORDER BY id DESC"),
-             {subArchive, fileName}))
-        if (maySeeDocument(session, id))
+             {subArchive, fileName})) {
+        if (!maySeeDocument(session, id))
+            continue;
+        if (mayWriteDocument(session, id))
             return id;
-    return 0;
+        sees = true;
+    }
+    if (sees)
+        return Error{ErrorCode::Refused, QStringLiteral("You don't have the rights to change the document.")};
+    return qint64(0);
 }
 
 /// Makes a finished blob the content of a new document or of a new version of an old one.
@@ -120,7 +141,11 @@ Result<qint64> attachBlob(Session &session, qint64 blob, const QString &fileName
     qint64 subArchive = session.subArchive();
     if (subArchive == 0)
         subArchive = database.value(QStringLiteral("SELECT min(id) FROM subarchive")).toLongLong();
-    qint64 document = newDocument ? 0 : documentNamed(session, subArchive, fileName);
+    const Result<qint64> named =
+        newDocument ? Result<qint64>(0) : documentNamed(session, subArchive, fileName);
+    if (!named)
+        return named;
+    qint64 document = named.value();
     const bool isVersion = document != 0;
     if (isVersion) {
         if (const Result<void> allowed = session.access().require(rights::versioning); !allowed)
@@ -202,6 +227,42 @@ Result<QString> Content::fetch(qint64 archiveId, Action action, const Progress &
     return path;
 }
 
+Result<QStringList> Content::exportVersions(qint64 archiveId, const QString &directory)
+{
+    Database &database = m_session.database();
+    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+        return allowed.error();
+    Transaction reading(database, Transaction::Kind::Read);
+    if (!maySeeDocument(m_session, archiveId))
+        return database.failed() ? database.result(0).error() : noDocument();
+    QStringList written;
+    for (Query row = database.query(
+             QStringLiteral("SELECT v.blob, v.version, d.file_name FROM file_version v JOIN document d"
+                            " ON d.id = v.document WHERE d.id = ? ORDER BY v.version"),
+             {archiveId});
+         row.next();) {
+        const QString name = row.text(2).replace(QLatin1Char('/'), QLatin1Char('_'));
+        const QString path = QStringLiteral("%1/%2-%3").arg(directory, row.text(1), name);
+        const Result<void> copied = copyToNewFile(database, row.number(0), path);
+        if (copied)
+            written << path;
+        if (!copied || database.failed()) {
+            for (const QString &file : qAsConst(written))
+                QFile::remove(file);
+            return copied ? database.result(0).error() : copied.error();
+        }
+    }
+    if (database.failed())
+        return database.result(0).error();
+    if (written.isEmpty())
+        return Error{ErrorCode::NotFound,
+                     QStringLiteral("The document has no file, or it has been deleted.")};
+    if (const Result<void> done = reading.commit(); !done)
+        return done.error();
+    const Result<void> recorded = record(archiveId, Action::Exported);
+    return recorded ? Result<QStringList>(written) : recorded.error();
+}
+
 Result<qint64> Content::size(qint64 archiveId)
 {
     Database &database = m_session.database();
@@ -218,10 +279,11 @@ Result<QStringList> Content::info(const QStringList &archiveIds)
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
     QStringList records;
+    const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("d.id"));
     Query row = database.query(QStringLiteral("SELECT d.id, d.file_name FROM document d"
                                               " WHERE d.id IN (SELECT value FROM json_each(?)) AND %1")
-                                   .arg(visibleDocuments(m_session.access(), QStringLiteral("d.id"))),
-                               {jsonList(parseIds(archiveIds))});
+                                   .arg(visible.sql),
+                               QVariantList{jsonList(parseIds(archiveIds))} + visible.values);
     while (row.next()) {
         const QString name = row.text(1);
         records << QStringList{row.text(0), name, QString(), QFileInfo(name).suffix()}.join(
@@ -234,10 +296,11 @@ Result<QStringList> Content::actions(const QStringList &archiveIds, int action, 
 {
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
+    const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("e.document"));
     QString sql = QStringLiteral("SELECT e.document, e.id, e.action, e.time, e.login FROM event e"
                                  " WHERE e.document IN (SELECT value FROM json_each(?)) AND %1")
-                      .arg(visibleDocuments(m_session.access(), QStringLiteral("e.document")));
-    QVariantList values{jsonList(parseIds(archiveIds))};
+                      .arg(visible.sql);
+    QVariantList values = QVariantList{jsonList(parseIds(archiveIds))} + visible.values;
     if (action >= 0) {
         sql += QStringLiteral(" AND e.action = ?");
         values << action;
@@ -306,13 +369,14 @@ Result<QStringList> Content::search(const QString &text)
         return Error{ErrorCode::BadInput, QStringLiteral("There is nothing to look for.")};
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
+    // The words of a file are those of every entry, a description is seen with its own entry alone.
+    const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("t.rowid"));
     const QVector<qint64> ids = database.numbers(
-        QStringLiteral(
-            "SELECT d.document FROM (SELECT rowid AS document FROM words_text WHERE words_text MATCH ?"
-            " UNION SELECT document FROM classification WHERE id IN"
-            " (SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?)) d WHERE %1 ORDER BY 1")
-            .arg(visibleDocuments(m_session.access(), QStringLiteral("d.document"))),
-        {expression, expression});
+        QStringLiteral("SELECT t.rowid FROM words_text t WHERE words_text MATCH ? AND %1"
+                       " UNION SELECT c.document FROM classification c WHERE c.id IN"
+                       " (SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?) AND %2 ORDER BY 1")
+            .arg(visible.sql, m_session.access().visibleCondition(QStringLiteral("c.folder"))),
+        QVariantList{expression} + visible.values + QVariantList{expression});
     QStringList records;
     for (const qint64 id : ids)
         records << joinFields({QString::number(id), QString::number(id)});

@@ -41,6 +41,10 @@ public:
     /// Writes the file to a fresh temporary file of the caller's and returns its path; records action.
     Result<QString> fetch(qint64 archiveId, Action action, const Progress &progress);
     Result<qint64> size(qint64 archiveId);
+    /// Writes every version of the file into a directory, as "<version>-<file name>", and records that; for
+    /// administrators. Returns the paths, oldest version first. What is there already is never overwritten:
+    /// nothing is written then.
+    Result<QStringList> exportVersions(qint64 archiveId, const QString &directory);
 
     /// Per id: archive id, file name, "", extension without dot, joined by the list separator.
     Result<QStringList> info(const QStringList &archiveIds);

@@ -70,6 +70,25 @@ DocumentColumns DocumentColumns::load(Database &database)
     return columns;
 }
 
+DocumentColumns DocumentColumns::withAttributes(Database &database, const QVector<qint64> &ids)
+{
+    DocumentColumns columns;
+    const QVector<AttributeColumn> all = allAttributes(database);
+    for (const qint64 id : ids)
+        for (const AttributeColumn &attribute : all)
+            if (attribute.id == id)
+                columns.m_attributes.append(attribute);
+    return columns;
+}
+
+QVector<qint64> DocumentColumns::attributeIds() const
+{
+    QVector<qint64> ids;
+    for (const AttributeColumn &attribute : m_attributes)
+        ids.append(attribute.id);
+    return ids;
+}
+
 QStringList DocumentColumns::titles() const
 {
     QStringList titles{

@@ -36,11 +36,14 @@ public:
     /// Every attribute, active or not.
     static QVector<AttributeColumn> allAttributes(Database &database);
     static DocumentColumns load(Database &database);
+    /// With these attributes, active or not, in this order.
+    static DocumentColumns withAttributes(Database &database, const QVector<qint64> &ids);
 
     /// One title and one key per column; the rights letters have neither.
     QStringList titles() const;
     QStringList keys() const;
     const QVector<AttributeColumn> &attributes() const { return m_attributes; }
+    QVector<qint64> attributeIds() const;
 
     /// SQL text of one row's columns as a record; takes rowFormat() as its one bound value.
     QString rowExpression() const;

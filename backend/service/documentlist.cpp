@@ -4,6 +4,7 @@
 #include "service/documentcolumns.h"
 #include "service/documentfilter.h"
 #include "service/retention.h"
+#include "service/rights.h"
 #include "service/session.h"
 
 #include <algorithm>
@@ -116,7 +117,7 @@ qint64 longestList(Database &database)
 struct RowSource
 {
     SqlCondition condition;
-    bool checkVisible = false; ///< rows may lie in folders that the session does not see
+    bool allOpened = false; ///< every row lies in a folder that is open to the user's roles
     bool withRetention = false;
 };
 
@@ -124,28 +125,32 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
 {
     Database &database = session.database();
     const Access &access = session.access();
-    const QString visible =
-        source.checkVisible ? access.visibleCondition(QStringLiteral("c.folder")) : QStringLiteral("1");
-    QString sql = QStringLiteral("SELECT %1, c.notes > 0, %2").arg(columns.rowExpression(), visible);
+    const QString writable = source.allOpened && access.has(rights::classify)
+                                 ? QStringLiteral("1")
+                                 : access.writableCondition(QStringLiteral("c.folder"));
+    QString sql = QStringLiteral("SELECT %1, c.notes > 0, %2, c.id").arg(columns.rowExpression(), writable);
     if (source.withRetention)
         sql += QStringLiteral(", c.docart, c.cdate");
     sql += QStringLiteral(" FROM classification c WHERE %1 ORDER BY c.id DESC").arg(source.condition.sql);
     const Retention retention = source.withRetention ? Retention::load(database) : Retention();
     const QDate today = session.today();
-    const bool mayClassify = access.has(QStringLiteral("kelvaCLASSIFY"));
     QStringList rows;
+    QVector<qint64> ids;
     for (Query row = database.query(sql, QVariantList{columns.rowFormat()} + source.condition.values);
          row.next();) {
         QString text = row.text(0);
         text += recordformat::fieldSeparator;
-        if (mayClassify && row.flag(2))
+        if (row.flag(2))
             text += QLatin1Char('W');
         if (row.flag(1))
             text += QLatin1Char('N');
-        if (source.withRetention && retention.isInForce(row.number(3), row.text(4), today))
+        if (source.withRetention && retention.isInForce(row.number(4), row.text(5), today))
             text += QLatin1Char('F');
         rows << text;
+        ids << row.number(3);
     }
+    if (!database.failed())
+        session.recordLayouts().noteList(ids, columns.attributeIds());
     return rows;
 }
 
@@ -166,7 +171,7 @@ Result<QStringList> listDocuments(Session &session, const QStringList &filters)
     const TimeLimit patience(database, longestList(database));
     RowSource source;
     source.withRetention = filter.value().trash || filter.value().ignoreRights;
-    source.checkVisible = !condition.value().needsRights && !session.access().seesEverything();
+    source.allOpened = condition.value().needsRights;
     if (filter.value().limit >= 0) {
         const QVector<qint64> ids = NewestFinder(session, condition.value(), filter.value().limit).find();
         source.condition = {QStringLiteral("c.id IN (SELECT value FROM json_each(?))"), {jsonList(ids)}};

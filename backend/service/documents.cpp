@@ -8,6 +8,7 @@
 #include "service/retention.h"
 #include "service/rights.h"
 #include "service/session.h"
+#include "service/visibledocuments.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -81,7 +82,7 @@ Result<DocumentRecord> findRecord(Session &session, const QString &classificatio
     record.closed = row.flag(8);
     record.hasNote = row.number(9) > 0;
     if (!session.access().maySee(record.folder))
-        return noDocument;
+        return session.database().failed() ? session.database().result(0).error() : noDocument;
     return record;
 }
 
@@ -184,6 +185,28 @@ Result<void> checkFolder(Session &session, const QString &folder)
     return session.access().mayWrite(folder) ? Result<void>() : unknown;
 }
 
+/// The end of a retention that runs is never brought nearer, and none is counted from the far future.
+Result<void> checkRetention(Session &session, const DocumentRecord &record, qint64 type, const QString &date)
+{
+    if (type == record.type && date == record.date)
+        return {};
+    const Retention retention = Retention::load(session.database());
+    const QDate before = retention.end(record.type, record.date);
+    const QDate now = retention.end(type, date);
+    if (before.isValid() && before > session.today() && (!now.isValid() || now < before))
+        return Error{ErrorCode::Refused,
+                     QStringLiteral("The document must be kept until %1. Its type and its date cannot be "
+                                    "changed so that this ends earlier.")
+                         .arg(before.toString(Qt::ISODate))};
+    const QDate latest = latestRetentionStart(session.today());
+    if (retention.hasSpan(type) && QDate::fromString(date, Qt::ISODate) > latest)
+        return Error{ErrorCode::Refused,
+                     QStringLiteral("A document of this type cannot be dated after %1, because of its "
+                                    "retention period.")
+                         .arg(latest.toString(Qt::ISODate))};
+    return {};
+}
+
 Result<void> collectFixed(Session &session, const DocumentRecord &record, const QStringList &fields,
                           Changes *changes)
 {
@@ -200,51 +223,49 @@ Result<void> collectFixed(Session &session, const DocumentRecord &record, const 
     if (const Result<void> allowed = checkStatus(session, record, status); !allowed)
         return allowed;
     changes->set(QStringLiteral("status"), status);
-    if (fields.size() > Folder && fields.at(Folder) != record.folder) {
+    if (fields.at(Folder) != record.folder) {
         if (const Result<void> allowed = checkFolder(session, fields.at(Folder)); !allowed)
             return allowed;
         changes->set(QStringLiteral("folder"), fields.at(Folder));
     }
-    if (fields.size() > Type) {
-        const qint64 type = fields.at(Type).toLongLong(&isNumber);
-        if (!isNumber || (type != record.type && !exists(database, QStringLiteral("document_type"), type)))
-            return Error{ErrorCode::BadInput, QStringLiteral("The document type does not exist.")};
-        changes->set(QStringLiteral("docart"), type);
-    }
+    const qint64 type = fields.at(Type).toLongLong(&isNumber);
+    if (!isNumber || (type != record.type && !exists(database, QStringLiteral("document_type"), type)))
+        return Error{ErrorCode::BadInput, QStringLiteral("The document type does not exist.")};
+    changes->set(QStringLiteral("docart"), type);
     for (const auto &[place, column] : {std::pair(Date, "cdate"), std::pair(Resubmission, "defdate")}) {
-        if (fields.size() <= place)
-            continue;
         const Result<QVariant> date = storedDate(fields.at(place));
         if (!date)
             return date.error();
         changes->set(QString::fromLatin1(column), date.value());
     }
-    return {};
+    return checkRetention(session, record, type, fields.at(Date));
 }
 
-QVector<qint64> attributeIds(const DocumentColumns &columns)
+/// The columns behind the attribute fields of a record that comes back. BadInput when the session has not
+/// handed it out, or not with so many fields: its values would land in other columns.
+Result<DocumentColumns> columnsOf(Session &session, const DocumentRecord &record, const QStringList &fields)
 {
-    QVector<qint64> ids;
-    for (const AttributeColumn &attribute : columns.attributes())
-        ids.append(attribute.id);
-    return ids;
+    const std::optional<RecordLayouts::Layout> layout = session.recordLayouts().ofRecord(record.id);
+    if (!layout)
+        return Error{ErrorCode::BadInput,
+                     QStringLiteral("The entry was not read before it was saved. Please refresh the list.")};
+    constexpr int rightsLetters = 1;
+    if (fields.size() != FirstAttribute + layout->size() + rightsLetters)
+        return Error{ErrorCode::BadInput,
+                     QStringLiteral("The entry does not have the fields that it was read with. Please "
+                                    "refresh the list.")};
+    return DocumentColumns::withAttributes(session.database(), *layout);
 }
 
-Result<void> collectAttributes(Session &session, const QStringList &fields, Changes *changes)
+Result<void> collectAttributes(const DocumentColumns &columns, const QStringList &fields, Changes *changes)
 {
-    const QVector<AttributeColumn> all = DocumentColumns::allAttributes(session.database());
-    QVector<qint64> layout = session.recordLayout();
-    if (!session.hasRecordLayout())
-        layout = attributeIds(DocumentColumns::load(session.database()));
-    for (int i = 0; i < layout.size() && FirstAttribute + i < fields.size(); ++i)
-        for (const AttributeColumn &attribute : all) {
-            if (attribute.id != layout.at(i))
-                continue;
-            const Result<QVariant> value = storedAttribute(attribute, fields.at(FirstAttribute + i));
-            if (!value)
-                return value.error();
-            changes->set(attribute.column, value.value());
-        }
+    for (int i = 0; i < columns.attributes().size(); ++i) {
+        const AttributeColumn &attribute = columns.attributes().at(i);
+        const Result<QVariant> value = storedAttribute(attribute, fields.at(FirstAttribute + i));
+        if (!value)
+            return value.error();
+        changes->set(attribute.column, value.value());
+    }
     return {};
 }
 
@@ -257,7 +278,10 @@ Result<QStringList> Documents::get(const QString &classificationId)
     const Result<DocumentRecord> record = findRecord(m_session, classificationId);
     if (!record)
         return record.error();
-    const DocumentColumns columns = DocumentColumns::load(database);
+    // As in the list that the caller goes by, attributes that were switched off since included.
+    const std::optional<RecordLayouts::Layout> &list = m_session.recordLayouts().ofList();
+    const DocumentColumns columns =
+        list ? DocumentColumns::withAttributes(database, *list) : DocumentColumns::load(database);
     Query row = database.query(
         QStringLiteral("SELECT %1 FROM classification c WHERE c.id = ?").arg(columns.rowExpression()),
         {columns.rowFormat(), record.value().id});
@@ -271,27 +295,28 @@ Result<QStringList> Documents::get(const QString &classificationId)
     if (record.value().trashed &&
         Retention::load(database).isInForce(record.value().type, record.value().date, m_session.today()))
         letters += QLatin1Char('F');
-    m_session.setRecordLayout(attributeIds(columns));
+    m_session.recordLayouts().noteRecord(record.value().id, columns.attributeIds());
     return splitFields(row.text(0)) << letters;
 }
 
 Result<void> Documents::save(const QString &classificationId, const QStringList &fields)
 {
-    if (fields.size() <= Token)
-        return Error{ErrorCode::BadInput, QStringLiteral("The entry is incomplete: its version is missing.")};
     Database &database = m_session.database();
     Transaction writing(database, Transaction::Kind::Write);
     const Result<DocumentRecord> found = findWritable(m_session, classificationId);
     if (!found)
         return found.error();
     const DocumentRecord &record = found.value();
+    const Result<DocumentColumns> columns = columnsOf(m_session, record, fields);
+    if (!columns)
+        return columns.error();
     if (fields.at(Token) != record.token())
         return Error{ErrorCode::Conflict,
                      QStringLiteral("The entry has been changed by another user in the meantime.")};
     Changes changes;
     if (const Result<void> collected = collectFixed(m_session, record, fields, &changes); !collected)
         return collected;
-    if (const Result<void> collected = collectAttributes(m_session, fields, &changes); !collected)
+    if (const Result<void> collected = collectAttributes(columns.value(), fields, &changes); !collected)
         return collected;
     changes.set(QStringLiteral("revision"), record.revision + 1);
     changes.set(QStringLiteral("changeid"), m_session.login());
@@ -308,22 +333,14 @@ Result<void> Documents::classify(qint64 archiveId, const QString &fileName, cons
     if (const Result<void> allowed = m_session.access().require(rights::classify); !allowed)
         return allowed;
     Query stored = database.query(
-        QStringLiteral("SELECT subarchive, creator FROM document WHERE id = ? AND deleted = 0"), {archiveId});
+        QStringLiteral("SELECT subarchive FROM document WHERE id = ? AND deleted = 0"), {archiveId});
     if (!stored.next())
         return database.failed() ? database.result(0).error() : noDocument;
     const qint64 subArchive = stored.number(0);
-    const QString creator = stored.text(1);
-    QSet<QString> folders;
-    bool seesRecord = false;
-    for (Query row = database.query(
-             QStringLiteral("SELECT folder FROM classification WHERE document = ? AND trashed = 0"),
-             {archiveId});
-         row.next();) {
-        folders.insert(row.text(0));
-        seesRecord = seesRecord || m_session.access().maySee(row.text(0));
-    }
-    if (creator != m_session.login() && !seesRecord && !m_session.access().isAdmin())
+    if (!maySeeDocument(m_session, archiveId))
         return noDocument;
+    const QStringList folders = database.texts(
+        QStringLiteral("SELECT folder FROM classification WHERE document = ? AND trashed = 0"), {archiveId});
     const QString target = folder.isEmpty() ? QStringLiteral("0") : folder;
     if (const Result<void> allowed = checkFolder(m_session, target); !allowed)
         return allowed;

@@ -18,8 +18,9 @@ public:
 
     /// Fields of a list row, rights letters last. NotFound also for what the session may not see.
     Result<QStringList> get(const QString &classificationId);
-    /// fields: those of get() without element 0; short lists leave the rest alone, surplus is ignored. User,
-    /// time and token are set here. Conflict when fields[3] is not the record's current token.
+    /// fields: those of get(), or of a list's row, without element 0. BadInput when this session has not read
+    /// the record, or with another number of fields. User, time and token are set here. Conflict when
+    /// fields[3] is not the record's current token. Refused when a running retention would end earlier.
     Result<void> save(const QString &classificationId, const QStringList &fields);
     /// First classification of a stored file: today, status 1, type 0, named after the file.
     Result<void> classify(qint64 archiveId, const QString &fileName, const QString &folder);

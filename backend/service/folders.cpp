@@ -36,7 +36,14 @@ QString parentOf(const QString &oid)
     return oid.left(std::max(0, oid.lastIndexOf(QLatin1Char('.'))));
 }
 
-QVector<FolderRow> readFolders(Session &session)
+bool isStorableOid(const QString &oid)
+{
+    // A first number 0 means a status, or no folder at all.
+    return isFolderOid(oid) && oid.section(QLatin1Char('.'), 0, 0) != QLatin1String("0");
+}
+
+/// Unless all is set, what lies in folders that are not seen shows in no mark.
+QVector<FolderRow> readFolders(Session &session, bool all)
 {
     Database &database = session.database();
     const Access &access = session.access();
@@ -45,9 +52,14 @@ QVector<FolderRow> readFolders(Session &session)
         QStringLiteral("SELECT f.oid, f.name, f.flag, f.key, f.keywords, f.picture,"
                        " EXISTS(SELECT 1 FROM classification c WHERE c.folder = f.oid AND c.trashed = 0)"
                        " FROM folder f"));
-    while (row.next())
-        rows.append({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.bytes(5),
-                     access.maySee(row.text(0)), row.flag(6), false});
+    while (row.next()) {
+        // Of a damaged archive. An empty one would be its own parent.
+        if (!isStorableOid(row.text(0)))
+            continue;
+        const bool visible = access.maySee(row.text(0));
+        rows.append({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.bytes(5), visible,
+                     row.flag(6) && (all || visible), false});
+    }
     return rows;
 }
 
@@ -115,12 +127,6 @@ Error unknownFolder()
     return {ErrorCode::NotFound, QStringLiteral("The folder does not exist.")};
 }
 
-bool isStorableOid(const QString &oid)
-{
-    // A first number 0 means a status, or no folder at all.
-    return isFolderOid(oid) && oid.section(QLatin1Char('.'), 0, 0) != QLatin1String("0");
-}
-
 Result<void> removeFolder(Database &database, const QString &oid)
 {
     if (database.value(QStringLiteral("SELECT 1 FROM classification WHERE folder = ? LIMIT 1"), {oid})
@@ -173,6 +179,20 @@ QString mainFolderOf(const QString &oid)
     return second < 0 ? oid : oid.mid(first - 1, second - first + 1);
 }
 
+QStringList folderFaults(Database &database)
+{
+    QStringList faults;
+    {
+        Transaction reading(database, Transaction::Kind::Read);
+        for (Query row = database.query(QStringLiteral("SELECT oid, name FROM folder")); row.next();)
+            if (!isStorableOid(row.text(0)))
+                faults << QStringLiteral("The folder \"%1\" has no valid number.").arg(row.text(1).left(80));
+    }
+    if (database.failed())
+        faults << database.result(0).error().text;
+    return faults;
+}
+
 bool isFolderOid(const QString &oid)
 {
     if (oid.size() > maximumLength)
@@ -189,7 +209,10 @@ Result<Records> Folders::list(bool all)
 {
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
-    FolderTree tree(readFolders(m_session));
+    if (all)
+        if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
+            return allowed.error();
+    FolderTree tree(readFolders(m_session, all));
     if (database.failed())
         return database.result(Records()).error();
     Records records;

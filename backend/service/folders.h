@@ -8,6 +8,7 @@
 
 namespace kelva {
 
+class Database;
 class Session;
 
 /// The folder tree, its rights and the standard structures. A folder is named by its oid, a dotted path of
@@ -18,8 +19,8 @@ public:
     explicit Folders(Session &session) : m_session(session) {}
 
     /// Records of nine fields: oid, name, flag, key, parent oid, "0", "L" or "", "E" or "", keywords; parents
-    /// first, siblings by name. Without all, what the session sees and the way to it ("L"), inactive ones
-    /// left out.
+    /// first, siblings by name. all is for administrators; without, what the session sees and the way to it
+    /// ("L"), inactive ones left out.
     Result<Records> list(bool all);
     /// Records of oid, name, flag, key, parent oid, "1" or "0", and "D" or "I" or "U" with keywords.
     Result<void> save(const Records &records);
@@ -43,6 +44,8 @@ private:
 /// The folder that column 1 of a record shows for a folder: its first two levels, of which the first has one
 /// digit.
 QString mainFolderOf(const QString &oid);
+/// Rows of the archive that no list of folders shows, one sentence each.
+QStringList folderFaults(Database &database);
 /// "0", or decimal numbers joined by dots.
 bool isFolderOid(const QString &oid);
 

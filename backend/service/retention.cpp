@@ -4,6 +4,35 @@
 
 namespace kelva {
 
+bool RetentionSpan::isEverShorterThan(const RetentionSpan &other) const
+{
+    // The calendar repeats itself after 400 years.
+    const QDate first(2000, 1, 1);
+    for (QDate from = first; from < first.addYears(400); from = from.addDays(1))
+        if (end(from) < other.end(from))
+            return true;
+    return false;
+}
+
+Result<RetentionSpan> RetentionSpan::parse(const QString &text)
+{
+    constexpr int most = 10000;
+    RetentionSpan span;
+    const QStringList parts = text.split(QLatin1Char(';'));
+    int *const targets[] = {&span.years, &span.months, &span.days};
+    for (int i = 0; i < parts.size(); ++i) {
+        if (parts.at(i).trimmed().isEmpty())
+            continue;
+        bool isNumber = false;
+        const int number = parts.at(i).toInt(&isNumber);
+        if (!isNumber || number < 0 || number > most || i > 2)
+            return Error{ErrorCode::BadInput,
+                         QStringLiteral("\"%1\" is not a retention period.").arg(text.left(40))};
+        *targets[i] = number;
+    }
+    return span;
+}
+
 Retention Retention::load(Database &database)
 {
     Retention retention;
@@ -16,13 +45,17 @@ Retention Retention::load(Database &database)
     return retention;
 }
 
-bool Retention::isInForce(qint64 type, const QString &documentDate, const QDate &today) const
+QDate Retention::end(qint64 type, const QString &documentDate) const
 {
     const auto span = m_byType.constFind(type);
-    if (span == m_byType.cend())
-        return false;
     const QDate date = QDate::fromString(documentDate, Qt::ISODate);
-    return date.isValid() && date.addYears(span->years).addMonths(span->months).addDays(span->days) > today;
+    return span == m_byType.cend() || !date.isValid() ? QDate() : span->end(date);
+}
+
+bool Retention::isInForce(qint64 type, const QString &documentDate, const QDate &today) const
+{
+    const QDate lastDay = end(type, documentDate);
+    return lastDay.isValid() && lastDay > today;
 }
 
 } // namespace kelva

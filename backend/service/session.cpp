@@ -1,7 +1,7 @@
 #include "service/session.h"
 
 #include "service/rights.h"
-#include "store/password.h"
+#include "service/users.h"
 
 namespace kelva {
 namespace {
@@ -9,6 +9,12 @@ namespace {
 qint64 vocabularyCounter(Database &database)
 {
     return database.value(QStringLiteral("SELECT value FROM counter WHERE name = 'vocabulary'")).toLongLong();
+}
+
+Error accountGone()
+{
+    return {ErrorCode::Refused,
+            QStringLiteral("Your user account has expired or was deleted. Please log in again.")};
 }
 
 } // namespace
@@ -37,8 +43,8 @@ Result<std::unique_ptr<Session>> Session::login(const QString &path, const QStri
         if (session->database().failed())
             return session->database().result(std::unique_ptr<Session>()).error();
     }
-    if (!isPassword(password, hash))
-        return Error{ErrorCode::WrongPassword, QStringLiteral("Wrong username or password!")};
+    if (const Result<void> checked = checkPassword(session->database(), user, password, hash); !checked)
+        return checked.error();
     if (expired)
         return Error{ErrorCode::PasswordExpired,
                      QStringLiteral("Password expired. Please choose a new one.")};
@@ -105,9 +111,35 @@ Result<void> Session::refresh()
     return reading.commit();
 }
 
+/// One statement for both, since every operation begins with it.
+bool Session::hasAccount(qint64 *vocabulary)
+{
+    Query row = m_database->query(
+        QStringLiteral("SELECT value, (SELECT 1 FROM account WHERE id = ? AND expired = 0) FROM counter"
+                       " WHERE name = 'vocabulary'"),
+        {m_userId});
+    if (!row.next())
+        return m_scope != Access::Scope::Roles || m_database->failed();
+    *vocabulary = row.number(0);
+    return m_scope != Access::Scope::Roles || row.flag(1);
+}
+
+Result<void> Session::requireAccount()
+{
+    (void)access();
+    return m_accountGone ? Result<void>(accountGone()) : Result<void>();
+}
+
 const Access &Session::access()
 {
-    const qint64 counter = vocabularyCounter(*m_database);
+    qint64 counter = 0;
+    m_accountGone = !hasAccount(&counter);
+    if (m_accountGone) {
+        m_database->fail(accountGone());
+        m_access = Access();
+        m_accessAsOf = -1;
+        return m_access;
+    }
     // Taking back a transaction takes back the folders prepared in it as well.
     if (counter != m_accessAsOf || m_database->rollbacks() != m_accessRollbacks) {
         // The user's own roles may be what changed; rights that were taken away must not outlive the change.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/access.h"
+#include "service/recordlayouts.h"
 #include "store/database.h"
 
 #include <QDate>
@@ -19,7 +20,7 @@ class Session
 {
 public:
     /// WrongPassword for an unknown user and a wrong password alike; PasswordExpired only with the right
-    /// password.
+    /// password; Refused when the account was tried too often.
     static Result<std::unique_ptr<Session>> login(const QString &path, const QString &user,
                                                   const QString &password);
     /// Reads an archive on a medium: no login, every document, no writing.
@@ -36,8 +37,11 @@ public:
     qint64 userId() const { return m_userId; }
     bool isOffline() const { return m_scope == Access::Scope::ReadOnly; }
 
-    /// What this session may do; brought up to date when somebody changed rights or folders.
+    /// What this session may do; brought up to date when somebody changed rights or folders. Nothing once the
+    /// account was deleted or has expired: the transaction at work fails then.
     const Access &access();
+    /// Refused when the account is gone.
+    Result<void> requireAccount();
     /// Role names of the user as of login or the last refresh(): rights, free roles, "r_" + login.
     const QStringList &roles() const { return m_roles; }
     /// Reads the user's roles anew.
@@ -55,15 +59,7 @@ public:
     /// rights).
     void noteVocabularyChange();
 
-    /// The attributes behind the fields of the last record handed out. A record that comes back is read by
-    /// it, whatever columns were added or taken away in between.
-    const QVector<qint64> &recordLayout() const { return m_recordLayout; }
-    void setRecordLayout(const QVector<qint64> &attributeIds)
-    {
-        m_recordLayout = attributeIds;
-        m_hasRecordLayout = true;
-    }
-    bool hasRecordLayout() const { return m_hasRecordLayout; }
+    RecordLayouts &recordLayouts() { return m_recordLayouts; }
 
     QDate today() const { return m_now().date(); }
     /// "yyyy-MM-ddTHH:mm:ss"
@@ -72,6 +68,7 @@ public:
 
 private:
     explicit Session(std::unique_ptr<Database> database);
+    bool hasAccount(qint64 *vocabulary);
 
     std::unique_ptr<Database> m_database;
     QString m_login;
@@ -83,8 +80,8 @@ private:
     Access m_access;
     qint64 m_accessAsOf = -1;
     int m_accessRollbacks = 0;
-    QVector<qint64> m_recordLayout;
-    bool m_hasRecordLayout = false;
+    bool m_accountGone = false;
+    RecordLayouts m_recordLayouts;
     std::function<QDateTime()> m_now = [] { return QDateTime::currentDateTime(); };
 };
 

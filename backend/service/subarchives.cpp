@@ -4,6 +4,7 @@
 #include "service/recordvalues.h"
 #include "service/rights.h"
 #include "service/session.h"
+#include "service/visibledocuments.h"
 
 namespace kelva {
 namespace {
@@ -110,8 +111,16 @@ Result<int> SubArchives::countDocuments(qint64 id)
 {
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
+    // Administrators count what stands in the way of a deletion, others what they see.
+    const SqlCondition visible = m_session.access().isAdmin()
+                                     ? SqlCondition{QStringLiteral("1"), {}}
+                                     : visibleDocuments(m_session, QStringLiteral("d.id"));
     return database.result(
-        database.value(QStringLiteral("SELECT count(*) FROM document WHERE subarchive = ?"), {id}).toInt());
+        database
+            .value(QStringLiteral("SELECT count(*) FROM document d WHERE d.subarchive = ? AND %1")
+                       .arg(visible.sql),
+                   QVariantList{id} + visible.values)
+            .toInt());
 }
 
 } // namespace kelva

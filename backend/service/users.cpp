@@ -1,5 +1,6 @@
 #include "service/users.h"
 
+#include "service/loginthrottle.h"
 #include "service/records.h"
 #include "service/recordvalues.h"
 #include "service/rights.h"
@@ -98,8 +99,10 @@ Result<void> replacePassword(Database &database, const QString &login, const QSt
         QStringLiteral("SELECT id, password FROM account WHERE login = ? AND directory = 0"), {login});
     const bool found = row.next();
     const qint64 account = found ? row.number(0) : 0;
-    if (!isPassword(oldPassword, found ? row.text(1) : QString()))
-        return Error{ErrorCode::WrongPassword, QStringLiteral("Wrong username or password!")};
+    if (const Result<void> checked =
+            checkPassword(database, login, oldPassword, found ? row.text(1) : QString());
+        !checked)
+        return checked;
     if (const Result<void> stored = storePassword(database, account, newPassword); !stored)
         return stored;
     return writing.commit();
@@ -121,6 +124,21 @@ Result<void> giveRoles(Database &database, qint64 account, const QString &login,
 }
 
 } // namespace
+
+Result<void> checkPassword(const Database &database, const QString &login, const QString &password,
+                           const QString &hash)
+{
+    const QString account = database.path() + QLatin1Char('\n') + login;
+    if (const int seconds = LoginThrottle::instance().begin(account); seconds > 0)
+        return Error{ErrorCode::Refused,
+                     QStringLiteral("There were too many attempts with a wrong password. Please try again in "
+                                    "%1 seconds.")
+                         .arg(seconds)};
+    if (!isPassword(password, hash))
+        return Error{ErrorCode::WrongPassword, QStringLiteral("Wrong username or password!")};
+    LoginThrottle::instance().succeeded(account);
+    return {};
+}
 
 Result<QStringList> Users::list()
 {

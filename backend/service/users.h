@@ -7,6 +7,7 @@
 
 namespace kelva {
 
+class Database;
 class Session;
 
 struct NewUser
@@ -16,6 +17,11 @@ struct NewUser
     QString name;
     QString shortName;
 };
+
+/// Ok when the password fits the stored hash; an empty hash fits none and takes as long. WrongPassword, or
+/// Refused without a look at it when the account was tried too often of late.
+Result<void> checkPassword(const Database &database, const QString &login, const QString &password,
+                           const QString &hash);
 
 /// Users, roles and passwords. Everything but one's own password and the lists of names is the
 /// administrators'.

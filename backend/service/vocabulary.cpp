@@ -2,6 +2,7 @@
 
 #include "service/documentcolumns.h"
 #include "service/recordvalues.h"
+#include "service/retention.h"
 #include "service/rights.h"
 #include "service/session.h"
 
@@ -14,38 +15,27 @@ constexpr int maximumName = 254;
 /// Records that completions are gathered from: enough for what is in use, and never more to read.
 constexpr int completionWindow = 2000;
 
-struct TypeSpan
+/// A period is never made shorter, for no document date; and one that is new must not lock documents that are
+/// dated in the far future.
+Result<void> checkNewSpan(Session &session, qint64 type, const QString &name, const RetentionSpan &before,
+                          const RetentionSpan &now)
 {
-    int years = 0;
-    int months = 0;
-    int days = 0;
-
-    bool isShorterThan(const TypeSpan &other) const
-    {
-        const QDate day(2000, 1, 1);
-        return end(day) < other.end(day);
-    }
-    QDate end(const QDate &from) const { return from.addYears(years).addMonths(months).addDays(days); }
-    QString text() const { return QStringLiteral("%1;%2;%3").arg(years).arg(months).arg(days); }
-};
-
-Result<TypeSpan> parseSpan(const QString &text)
-{
-    constexpr int most = 10000;
-    TypeSpan span;
-    const QStringList parts = text.split(QLatin1Char(';'));
-    int *const targets[] = {&span.years, &span.months, &span.days};
-    for (int i = 0; i < parts.size(); ++i) {
-        if (parts.at(i).trimmed().isEmpty())
-            continue;
-        bool isNumber = false;
-        const int number = parts.at(i).toInt(&isNumber);
-        if (!isNumber || number < 0 || number > most || i > 2)
-            return Error{ErrorCode::BadInput,
-                         QStringLiteral("\"%1\" is not a retention period.").arg(text.left(40))};
-        *targets[i] = number;
-    }
-    return span;
+    if (now.text() == before.text())
+        return {};
+    if (now.isEverShorterThan(before))
+        return Error{ErrorCode::Refused,
+                     QStringLiteral("The retention period of \"%1\" cannot be shortened.").arg(name)};
+    const QString latest = latestRetentionStart(session.today()).toString(Qt::ISODate);
+    if (before.isNone() &&
+        session.database()
+            .value(QStringLiteral("SELECT 1 FROM classification WHERE docart = ? AND cdate > ? LIMIT 1"),
+                   {type, latest})
+            .isValid())
+        return Error{ErrorCode::Refused,
+                     QStringLiteral("\"%1\" cannot get a retention period: some of its documents are dated "
+                                    "after %2.")
+                         .arg(name, latest)};
+    return {};
 }
 
 /// Deletes the ids that a saved list no longer holds, unless records have them.
@@ -143,7 +133,7 @@ Result<void> Vocabulary::saveTypes(const Records &records)
     for (int i = 0; i < records.rows.size(); ++i) {
         const QStringList fields = records.fields(i, 3);
         const QVariant name = storedText(fields.at(1), maximumName);
-        Result<TypeSpan> span = parseSpan(fields.at(2));
+        const Result<RetentionSpan> span = RetentionSpan::parse(fields.at(2));
         if (!span)
             return span.error();
         bool isNumber = false;
@@ -157,12 +147,11 @@ Result<void> Vocabulary::saveTypes(const Records &records)
             if (!old.next())
                 return Error{ErrorCode::NotFound,
                              QStringLiteral("The document type %1 does not exist.").arg(id)};
-            const TypeSpan before{static_cast<int>(old.number(0)), static_cast<int>(old.number(1)),
-                                  static_cast<int>(old.number(2))};
-            if (span.value().isShorterThan(before))
-                return Error{
-                    ErrorCode::Refused,
-                    QStringLiteral("The retention period of \"%1\" cannot be shortened.").arg(fields.at(1))};
+            const RetentionSpan before{static_cast<int>(old.number(0)), static_cast<int>(old.number(1)),
+                                       static_cast<int>(old.number(2))};
+            if (const Result<void> allowed = checkNewSpan(m_session, id, fields.at(1), before, span.value());
+                !allowed)
+                return allowed;
         }
         database.run(
             QStringLiteral("UPDATE document_type SET name = ?, position = ?, years = ?, months = ?, days = ?,"
@@ -185,11 +174,13 @@ Result<QStringList> Vocabulary::dateBounds()
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
     const QString today = m_session.today().toString(Qt::ISODate);
+    const QString visible = m_session.access().visibleCondition(QStringLiteral("c.folder"));
     QStringList bounds;
     for (const QString &order : {QStringLiteral("ASC"), QStringLiteral("DESC")}) {
-        const QVariant bound = database.value(
-            QStringLiteral("SELECT cdate FROM classification WHERE cdate > '' ORDER BY cdate %1 LIMIT 1")
-                .arg(order));
+        const QVariant bound =
+            database.value(QStringLiteral("SELECT c.cdate FROM classification c WHERE c.cdate > '' AND %1"
+                                          " ORDER BY c.cdate %2 LIMIT 1")
+                               .arg(visible, order));
         bounds << (bound.isValid() ? bound.toString() : today);
     }
     return database.result(bounds);

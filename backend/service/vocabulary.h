@@ -21,7 +21,7 @@ public:
     Result<Records> types();
     Result<void> saveTypes(const Records &records);
 
-    /// Oldest and newest document date; today twice in an empty archive.
+    /// Oldest and newest document date that the session sees; today twice when it sees none.
     Result<QStringList> dateBounds();
     /// Distinct descriptions among the newest records that the session sees, sorted.
     Result<QStringList> descriptions();

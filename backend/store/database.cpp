@@ -25,7 +25,8 @@
 namespace kelva {
 namespace {
 
-Error sqliteError(int code, const QString &details)
+/// The codes of the database say more than its words would to a user.
+Error sqliteError(int code)
 {
     switch (code & 0xff) {
     case SQLITE_BUSY:
@@ -46,15 +47,15 @@ Error sqliteError(int code, const QString &details)
         return {ErrorCode::Storage, QStringLiteral("The archive file cannot be opened.")};
     case SQLITE_IOERR:
         return {ErrorCode::Storage,
-                QStringLiteral("The archive could not be read or written: %1").arg(details)};
+                QStringLiteral("The archive could not be read or written (%1).").arg(code)};
     case SQLITE_CONSTRAINT:
-        return {ErrorCode::BadInput, QStringLiteral("The archive refused the change: %1").arg(details)};
+        return {ErrorCode::BadInput, QStringLiteral("The archive refused the change (%1).").arg(code)};
     case SQLITE_TOOBIG:
         return {ErrorCode::BadInput, QStringLiteral("A value is too long to be stored.")};
     case SQLITE_INTERRUPT:
         return {ErrorCode::TooSlow, QStringLiteral("The search takes too long. Please narrow it down.")};
     default:
-        return {ErrorCode::Storage, QStringLiteral("The archive reported an error: %1").arg(details)};
+        return {ErrorCode::Storage, QStringLiteral("The archive reported an error (%1).").arg(code)};
     }
 }
 
@@ -82,8 +83,7 @@ Result<void> checkHeader(const QString &path)
                                      SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
     const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection(opened, &sqlite3_close);
     if (code != SQLITE_OK)
-        return Error{ErrorCode::Storage, QStringLiteral("The archive %1 cannot be opened: %2")
-                                             .arg(path, QString::fromUtf8(sqlite3_errmsg(opened)))};
+        return Error{ErrorCode::Storage, QStringLiteral("The archive %1 cannot be opened.").arg(path)};
     // The bytes themselves: SQLite would compare the first page with the length of the file, and while
     // another program writes the log back, or after it was killed at that, the two do not fit.
     sqlite3_file *file = nullptr;
@@ -247,7 +247,7 @@ Result<void> Database::connect(Mode mode, int busyTimeoutMs, int version)
         own.setConnectOptions(options);
         own.setDatabaseName(QString::fromLatin1(uri(m_path, m_readOnly)));
         if (!own.open())
-            return sqliteError(own.lastError().nativeErrorCode().toInt(), own.lastError().databaseText());
+            return sqliteError(own.lastError().nativeErrorCode().toInt());
     }
     sqlite3_extended_result_codes(handle(), 1);
     registerSqlFunctions(handle());
@@ -264,7 +264,7 @@ Result<void> Database::connect(Mode mode, int busyTimeoutMs, int version)
     }
     if (!m_readOnly) {
         if (value(QStringLiteral("PRAGMA journal_mode = WAL")).toString() != QLatin1String("wal"))
-            return m_error ? *m_error : sqliteError(SQLITE_READONLY, QString());
+            return m_error ? *m_error : sqliteError(SQLITE_READONLY);
         run(QStringLiteral("PRAGMA synchronous = FULL"));
     }
     return bringUpToDate(mode, mode == Mode::Create && version > 0 ? version : schema::currentVersion());
@@ -280,7 +280,7 @@ Result<void> Database::bringUpToDate(Mode mode, int target)
                      QStringLiteral("The archive %1 was written by a newer version of Kelva.").arg(m_path)};
     if (version == target)
         return {};
-    if (version == 0 && mode != Mode::Create)
+    if (version < 0 || (version == 0 && mode != Mode::Create))
         return Error{ErrorCode::NotAnArchive,
                      QStringLiteral("The archive %1 was never completed.").arg(m_path)};
     if (m_readOnly)
@@ -429,7 +429,7 @@ TimeLimit::~TimeLimit()
 
 void Database::noteFailure()
 {
-    fail(sqliteError(sqlite3_errcode(handle()), QString::fromUtf8(sqlite3_errmsg(handle()))));
+    fail(sqliteError(sqlite3_extended_errcode(handle())));
 }
 
 void Database::fail(Error error)
@@ -440,8 +440,7 @@ void Database::fail(Error error)
 
 void Database::noteFailure(const QSqlQuery &query)
 {
-    const QSqlError error = query.lastError();
-    fail(sqliteError(error.nativeErrorCode().toInt(), error.databaseText()));
+    fail(sqliteError(query.lastError().nativeErrorCode().toInt()));
 }
 
 Result<void> Database::backupTo(const QString &target)
@@ -466,40 +465,6 @@ Result<void> Database::backupTo(const QString &target)
         return Error{ErrorCode::Storage, QStringLiteral("The backup %1 could not be written.").arg(target)};
     }
     return {};
-}
-
-bool Database::isUsedByOthers()
-{
-    if (m_readOnly)
-        return false;
-    // Only the last one connected can leave the write-ahead log.
-    const bool alone =
-        value(QStringLiteral("PRAGMA journal_mode = DELETE")).toString() == QLatin1String("delete");
-    value(QStringLiteral("PRAGMA journal_mode = WAL"));
-    return !alone;
-}
-
-QStringList Database::integrityFaults()
-{
-    QStringList faults = texts(QStringLiteral("PRAGMA integrity_check(50)"));
-    faults.removeAll(QStringLiteral("ok"));
-    for (Query row = query(QStringLiteral("PRAGMA foreign_key_check")); row.next();)
-        faults << QStringLiteral("A row of %1 refers to a row of %2 that does not exist.")
-                      .arg(row.text(0), row.text(2));
-    if (m_readOnly)
-        return faults;
-    const QStringList indexes = texts(QStringLiteral(
-        "SELECT name FROM sqlite_schema WHERE type = 'table' AND sql LIKE 'CREATE VIRTUAL TABLE%fts5%'"));
-    for (const QString &index : indexes)
-        if (!run(QStringLiteral("INSERT INTO %1(%1, rank) VALUES('integrity-check', 1)").arg(index)))
-            faults << QStringLiteral("The full-text index %1 does not match the texts.").arg(index);
-    return faults;
-}
-
-void Database::analyze()
-{
-    run(QStringLiteral("PRAGMA analysis_limit = 1000"));
-    run(QStringLiteral("ANALYZE"));
 }
 
 Transaction::Transaction(Database &database, Kind kind) : m_database(database), m_kind(kind)

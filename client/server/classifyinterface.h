@@ -66,13 +66,15 @@ public:
     /// Starts with "Offline" when an archive is browsed without a login.
     virtual QString getConnectionMode() = 0;
 
-    /// fields: a record of getDocument() without its element 0. Element 3 is the version token as it was
-    /// read; when it is no longer the current one nothing is written and the call fails.
+    /// fields: a record of getDocument(), or a row of getDocuments(), without its element 0, the rights
+    /// letters still last; of another length, or never read in this session, it is refused. Element 3 is the
+    /// version token as it was read; when it is no longer the current one nothing is written and the call
+    /// fails.
     virtual bool saveDocument(QString docId, QStringList fields) = 0;
     /// Entries of display name and archive key.
     virtual void getArchiveList(QStringList &archives) = 0;
-    /// docId is a classification id. The fields of a table row as a list, rights letters last; empty on
-    /// failure.
+    /// docId is a classification id. The fields of a table row as a list, with the columns of the session's
+    /// last getDocuments(), rights letters last; empty on failure.
     virtual QStringList getDocument(QString docId, QString extra) = 0;
     /// Documents in a folder, trashed ones included. A pattern that ends in ".%" means what is below it.
     virtual qint64 countFolderDocuments(QString oidPattern, int reserved, bool all) = 0;

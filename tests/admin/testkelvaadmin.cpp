@@ -2,9 +2,11 @@
 #include "support/outside.h"
 
 #include "service/archive.h"
+#include "service/content.h"
 #include "service/session.h"
 
 #include <QDir>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -74,6 +76,31 @@ private slots:
         QCOMPARE(first.code, 0);
         QCOMPARE(run({"index", "15"}).output, QString("0 done, 0 failed.\n"));
         QCOMPARE(run({"index", "16"}).code, 1);
+    }
+
+    void earlierVersionsStayReadable()
+    {
+        QCOMPARE(run({"create", "17", "chief"}, "first\n").code, 0);
+        QTemporaryDir files;
+        {
+            const auto session = kelva::Session::login(home("17.kelva"), "chief", "first");
+            QVERIFY(session.ok());
+            for (const char *text : {"one", "two"})
+                QVERIFY(kelva::Content(*session.value())
+                            .store(outside::write(files.filePath("a.txt"), text), false, {})
+                            .ok());
+        }
+        const QStringList paths{files.filePath("1-a.txt"), files.filePath("2-a.txt")};
+        const outside::Outcome outcome = run({"export-versions", "17", "1", files.path()});
+        QCOMPARE(outcome.output.split('\n', Qt::SkipEmptyParts), paths);
+        QCOMPARE(outside::read(paths.at(0)) + outside::read(paths.at(1)), QByteArray("onetwo"));
+        // What stands there is kept, and nothing is left beside it.
+        QVERIFY(QFile::remove(paths.at(0)));
+        outside::write(paths.at(1), "mine");
+        QCOMPARE(run({"export-versions", "17", "1", files.path()}).code, 1);
+        QCOMPARE(outside::read(paths.at(1)), QByteArray("mine"));
+        QVERIFY(!QFile::exists(paths.at(0)));
+        QCOMPARE(run({"export-versions", "17", "2", files.path()}).code, 1);
     }
 
     void wrongCommandLines()

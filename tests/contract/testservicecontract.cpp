@@ -163,6 +163,25 @@ private slots:
         QCOMPARE(m_client->getDocument(id, QString()).value(2), QString("Changed"));
     }
 
+    void aRecordComesBackAsItWasRead()
+    {
+        login();
+        const QString id = classificationOf("First");
+        const QStringList row =
+            m_client->getDocuments({"docs_id in (" + id + ")"}).value(1).split(recordformat::fieldSeparator);
+        QStringList fields = row.mid(1);
+        fields[1] = "Changed";
+        for (const QStringList &other : QList<QStringList>{fields.mid(0, 4), fields.mid(0, fields.size() - 1),
+                                                           fields + QStringList("")}) {
+            QVERIFY(!m_client->saveDocument(id, other));
+            QVERIFY(m_client->lastMessage().startsWith("The entry does not have the fields"));
+        }
+        login();
+        QVERIFY(!m_client->saveDocument(id, fields)); // this session has not read it
+        QCOMPARE(m_client->getDocument(id, QString()), row);
+        QVERIFY2(m_client->saveDocument(id, fields), qPrintable(m_client->lastMessage()));
+    }
+
     void searchesAreKeptWithTheirRoles()
     {
         login();

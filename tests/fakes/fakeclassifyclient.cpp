@@ -50,6 +50,7 @@ bool FakeClassifyClient::connectClient(QString host, int port, QString user, QSt
         m_archive.lastError = "Wrong user name or password.";
         return false;
     }
+    m_readRecords.clear();
     m_host = host;
     m_port = port;
     m_login = user;
@@ -97,7 +98,8 @@ QStringList FakeClassifyClient::getDocuments(QStringList filters)
     }
     const QChar f = recordformat::fieldSeparator;
     QStringList rows{m_archive.headerTitles.join(f) + f + "Rights"};
-    for (const FakeDocument &document : qAsConst(m_archive.documents)) {
+    for (auto entry = m_archive.documents.cbegin(); entry != m_archive.documents.cend(); ++entry) {
+        const FakeDocument &document = entry.value();
         bool wanted = document.trashed == trash;
         for (const QString &clause : qAsConst(clauses)) {
             bool known = false;
@@ -107,8 +109,10 @@ QStringList FakeClassifyClient::getDocuments(QStringList filters)
                 return {};
             }
         }
-        if (wanted && (limit < 0 || rows.size() - 1 < limit))
+        if (wanted && (limit < 0 || rows.size() - 1 < limit)) {
             rows << document.fields.join(f) + f + document.rights;
+            m_readRecords.insert(entry.key());
+        }
     }
     return rows;
 }
@@ -118,6 +122,7 @@ QStringList FakeClassifyClient::getDocument(QString docId, QString)
     if (!m_archive.begin("getDocument", docId) || !m_archive.documents.contains(docId.toInt()))
         return {};
     const FakeDocument document = m_archive.documents.value(docId.toInt());
+    m_readRecords.insert(docId.toInt());
     return document.fields + QStringList(document.rights);
 }
 
@@ -126,11 +131,15 @@ bool FakeClassifyClient::saveDocument(QString docId, QStringList fields)
     if (!m_archive.begin("saveDocument", docId) || !m_archive.documents.contains(docId.toInt()))
         return false;
     FakeDocument &document = m_archive.documents[docId.toInt()];
+    if (!m_readRecords.contains(docId.toInt()) || fields.size() != document.fields.size()) {
+        m_archive.lastError = "The entry does not have the fields that it was read with.";
+        return false;
+    }
     if (fields.value(3) != document.fields.at(4)) {
         m_archive.lastError = "The entry has been changed by another user in the meantime.";
         return false;
     }
-    for (int i = 0; i < fields.size() && i + 1 < document.fields.size(); ++i)
+    for (int i = 0; i + 1 < document.fields.size(); ++i)
         document.fields[i + 1] = fields.at(i);
     document.fields[4] = QString("1_%1").arg(m_archive.nextToken++);
     return true;

@@ -3,6 +3,8 @@
 #include "fakes/fakearchive.h"
 #include "server/classifyinterface.h"
 
+#include <QSet>
+
 /// The metadata side of the fake m_archive. Operations that no test needs yet fail and say so.
 class FakeClassifyClient : public ClassifyInterface
 {
@@ -102,6 +104,7 @@ private:
 
     FakeArchive &m_archive = FakeArchive::instance();
 
+    QSet<int> m_readRecords; ///< handed out to this client since it logged in
     QString m_login;
     QString m_host;
     int m_port = 0;

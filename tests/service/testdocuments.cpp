@@ -18,6 +18,8 @@
 #include <QProcess>
 #include <QSysInfo>
 
+#include <unistd.h>
+
 using namespace kelva;
 
 class TestDocuments : public QObject
@@ -131,7 +133,32 @@ private slots:
         const auto other = m_archive->login();
         QVERIFY(Attributes(*other).save({joinFields({"1", "A", "String", "false", "true"})}).ok());
         QCOMPARE(textOf(Documents(*m_session).save(m_id, record)), QString());
-        QCOMPARE(fields(*m_session).mid(10), (QStringList{"for B", "W"}));
+        QCOMPARE(fields(*other).mid(10), (QStringList{"for B", "W"}));
+    }
+
+    void aListedRecordKeepsItsColumns()
+    {
+        QVERIFY(Attributes(*m_session)
+                    .save({joinFields({"-1", "A", "String", "false", "false"}),
+                           joinFields({"-1", "B", "String", "false", "false"})})
+                    .ok());
+        QStringList row = splitFields(listDocuments(*m_session, {"1=1"}).value().at(1)).mid(1);
+        const auto other = m_archive->login();
+        QVERIFY(Attributes(*other).save({joinFields({"1", "A", "String", "false", "true"})}).ok());
+        // The column of A is still there for who goes by the list; a new list has it no more.
+        QStringList record = fields(*m_session);
+        QCOMPARE(record.mid(10), (QStringList{"", "", "W"}));
+        record.replace(11, "for B");
+        QCOMPARE(textOf(Documents(*m_session).save(m_id, record)), QString());
+        row = splitFields(listDocuments(*m_session, {"1=1", "OPT:LIMIT;5"}).value().at(1)).mid(1);
+        QCOMPARE(row.mid(10), (QStringList{"for B", "W"}));
+        row.replace(10, "again");
+        QCOMPARE(textOf(Documents(*m_session).save(m_id, row)), QString());
+        QCOMPARE(fields(*other).mid(10), (QStringList{"again", "W"}));
+        row.replace(3, "1_3");
+        row.insert(10, "shifted");
+        QCOMPARE(Documents(*m_session).save(m_id, row).error().code, ErrorCode::BadInput);
+        QCOMPARE(fields(*other).mid(10), (QStringList{"again", "W"}));
     }
 
     void aDocumentGoesThroughTheTrashToItsEnd()
@@ -169,12 +196,68 @@ private slots:
         QVERIFY(!Documents(*m_session).save(m_id, record).ok());
         QVERIFY(!Content(*m_session).remove("1", QString()).ok());
         types = Vocabulary(*m_session).types().value();
-        types.rows.replace(1, joinFields({"1", "Contract", "9;11;0"}));
-        QVERIFY(!Vocabulary(*m_session).saveTypes(types).ok());
+        for (const char *span : {"9;11;0", ""}) {
+            types.rows.replace(1, joinFields({"1", "Contract", QString::fromLatin1(span)}));
+            QCOMPARE(Vocabulary(*m_session).saveTypes(types).error().code, ErrorCode::Refused);
+        }
         m_session->setClock([] { return QDateTime(QDate(2030, 3, 4), QTime()); });
         QVERIFY(fields(*m_session).last().contains(QLatin1Char('F')));
         m_session->setClock([] { return QDateTime(QDate(2030, 3, 5), QTime()); });
         QVERIFY(!fields(*m_session).last().contains(QLatin1Char('F')));
+    }
+
+    void aRunningRetentionNeverEndsEarlier_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("date");
+        QTest::addColumn<QString>("refusal");
+        const QString kept = "The document must be kept until 2030-02-03.";
+        const QString ahead = "A document of this type cannot be dated after 2024-05-07";
+        QTest::newRow("by another type") << "0"
+                                         << "2020-02-03" << kept;
+        QTest::newRow("by a type of a shorter period") << "2"
+                                                       << "2020-02-03" << kept;
+        QTest::newRow("by no date") << "1"
+                                    << "" << kept;
+        QTest::newRow("by an earlier date") << "1"
+                                            << "2020-02-02" << kept;
+        QTest::newRow("but later by a later date") << "1"
+                                                   << "2024-05-07" << QString();
+        QTest::newRow("but later by a later date and another type") << "2"
+                                                                    << "2024-05-06" << QString();
+        QTest::newRow("nor for ever") << "1"
+                                      << "2024-05-08" << ahead;
+    }
+
+    void aRunningRetentionNeverEndsEarlier()
+    {
+        QFETCH(QString, type);
+        QFETCH(QString, date);
+        QFETCH(QString, refusal);
+        Records types = Vocabulary(*m_session).types().value();
+        types.add({QString(), "Contract", "10;0;0"});
+        types.add({QString(), "Offer", "6;0;0"});
+        QCOMPARE(textOf(Vocabulary(*m_session).saveTypes(types)), QString());
+        m_session->setClock([] { return QDateTime(QDate(2024, 5, 6), QTime(12, 0)); });
+        const auto save = [this](const QString &newType, const QString &newDate) {
+            QStringList record = fields(*m_session);
+            record.replace(5, newType);
+            record.replace(7, newDate);
+            return textOf(Documents(*m_session).save(m_id, record));
+        };
+        QCOMPARE(save("1", "2020-02-03"), QString());
+        const QString text = save(type, date);
+        QVERIFY2(refusal.isEmpty() ? text.isEmpty() : text.startsWith(refusal), qPrintable(text));
+        if (!refusal.isEmpty())
+            QCOMPARE(fields(*m_session).at(7), QString("2020-02-03"));
+        // Once it is over the record is free.
+        m_session->setClock([] { return QDateTime(QDate(2040, 5, 6), QTime(12, 0)); });
+        QCOMPARE(save("0", ""), QString());
+        // A date of the far future takes part in no new period either.
+        QCOMPARE(save("0", "3024-01-01"), QString());
+        types = Vocabulary(*m_session).types().value();
+        types.rows.replace(0, joinFields({"0", "not assigned", "1;0;0"}));
+        QCOMPARE(Vocabulary(*m_session).saveTypes(types).error().code, ErrorCode::Refused);
     }
 
     void aFileOfSeveralTransactionsComesBackAsItWas()
@@ -190,6 +273,20 @@ private slots:
         QVERIFY(!(QFile::permissions(copy.value()) & others));
         QVERIFY(!(QFile::permissions(QFileInfo(copy.value()).path()) & others));
         QCOMPARE(archive::check(m_archive->path()).value(), QStringList());
+    }
+
+    void theArchiveIsNotFiledUnderAnyName()
+    {
+        for (const char *suffix : {"", "-wal", "-shm"}) {
+            const QString own = m_archive->path() + QLatin1String(suffix);
+            const QString other = m_archive->path() + QLatin1String(".link") + QLatin1String(suffix);
+            QCOMPARE(::link(QFile::encodeName(own).constData(), QFile::encodeName(other).constData()), 0);
+            for (const QString &path : {own, other}) {
+                const Result<qint64> stored = Content(*m_session).store(path, true, {});
+                QVERIFY(!stored.ok());
+                QCOMPARE(stored.error().text, QString("The archive cannot be filed in itself."));
+            }
+        }
     }
 
     void aCancelledUploadLeavesNothing()

@@ -1,4 +1,5 @@
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "testarchive.h"
 
@@ -7,10 +8,14 @@
 #include "service/documentlist.h"
 #include "service/documents.h"
 #include "service/folders.h"
+#include "service/loginthrottle.h"
 #include "service/records.h"
 #include "service/settings.h"
+#include "service/subarchives.h"
 #include "service/users.h"
 #include "service/vocabulary.h"
+
+#include <QTemporaryDir>
 
 using namespace kelva;
 
@@ -104,6 +109,87 @@ private slots:
         QCOMPARE(setting.error().code, ErrorCode::Refused);
     }
 
+    void kelvaAlldocsOpensForReadingAlone()
+    {
+        m_archive.addUser("auditor", {"kelvaALLDOCS", "kelvaCLASSIFY", "kelvaVERSIONING"});
+        const auto auditor = m_archive.login("auditor");
+        const QString id = QString::number(m_secret);
+        const QStringList rows =
+            listDocuments(*auditor, {QString("docs_id in (%1,%2)").arg(m_open).arg(m_secret)}).value();
+        QCOMPARE(splitFields(rows.at(1)).mid(2, 1) + splitFields(rows.at(1)).mid(11),
+                 (QStringList{"Secret minutes", ""}));
+        QCOMPARE(splitFields(rows.at(2)).last(), QString("W"));
+        const QStringList record = Documents(*auditor).get(id).value();
+        QCOMPARE(record.last(), QString());
+        QCOMPARE(Documents(*auditor).save(id, record.mid(1)).error().code, ErrorCode::Refused);
+        QCOMPARE(Documents(*auditor).setTrashed({id}, true).error().code, ErrorCode::Refused);
+        QTemporaryDir files;
+        QCOMPARE(Content(*auditor)
+                     .store(outside::write(files.filePath("Secret minutes.txt"), "new"), false, {})
+                     .error()
+                     .code,
+                 ErrorCode::Refused);
+        QCOMPARE(Content(*auditor)
+                     .store(outside::write(files.filePath("Open letter.txt"), "new"), false, {})
+                     .value(),
+                 1);
+    }
+
+    void whoStoredAFileLosesItWithTheEntry()
+    {
+        TestArchive own;
+        own.addUser("clerk", {"kelvaCLASSIFY"});
+        own.addUser("boss", {"kelvaADMIN", "kelvaCLASSIFY"});
+        const auto clerk = own.login("clerk");
+        const auto boss = own.login("boss");
+        QTemporaryDir files;
+        const qint64 id =
+            Content(*clerk).store(outside::write(files.filePath("a.txt"), "x"), true, {}).value();
+        QCOMPARE(Content(*clerk).info({QString::number(id)}).value().size(), 1);
+        QCOMPARE(Documents(*boss).classify(id, "a", "1.1").error().code, ErrorCode::NotFound);
+        QCOMPARE(textOf(Documents(*clerk).classify(id, "a", "1.1")), QString());
+        QVERIFY(Content(*clerk).fetch(id, Action::Shown, {}).ok());
+        QVERIFY(own.owner()->database().run("UPDATE classification SET folder = '2.1'"));
+        for (Session *session : {clerk.get(), boss.get()}) {
+            QCOMPARE(Documents(*session).classify(id, "a", "1.1").error().code, ErrorCode::NotFound);
+            QCOMPARE(Content(*session).fetch(id, Action::Shown, {}).error().code, ErrorCode::NotFound);
+            QCOMPARE(Content(*session).info({QString::number(id)}).value(), QStringList());
+        }
+    }
+
+    void whatIsNotSeenIsNotCounted()
+    {
+        TestArchive own;
+        own.addUser("clerk", {"kelvaCLASSIFY"});
+        own.addUser("reader", {"kelvaALLDOCS"});
+        own.addDocument("Harmless", "1.2", "2020-02-03");
+        own.addDocument("Payroll", "2.1", "1999-01-01");
+        QCOMPARE(textOf(Documents(*own.owner()).classify(2, "Cover sheet", "1.2")), QString());
+        QTemporaryDir files;
+        QVERIFY(Content(*own.owner()).store(outside::write(files.filePath("a.txt"), "x"), true, {}).ok());
+        const auto clerk = own.login("clerk");
+        const auto facts = [](Session &session) {
+            QStringList occupied;
+            const Records folders = Folders(session).list(false).value();
+            for (int i = 0; i < folders.rows.size(); ++i)
+                if (folders.fields(i, 9).at(7).isEmpty())
+                    occupied << folders.fields(i, 9).at(0);
+            return QStringList{Vocabulary(session).dateBounds().value().at(0),
+                               QString::number(SubArchives(session).countDocuments(1).value()),
+                               QString::number(Content(session).search("payroll").value().size()),
+                               QString::number(Content(session).search("sheet").value().size()),
+                               QString::number(Content(session).info({"3"}).value().size()),
+                               occupied.join(' ')};
+        };
+        QCOMPARE(facts(*clerk), (QStringList{"2020-02-03", "2", "0", "1", "0", "1 1.2"}));
+        QCOMPARE(facts(*own.login("reader")), (QStringList{"1999-01-01", "3", "1", "1", "1", "2 2.1 1 1.2"}));
+        QCOMPARE(Folders(*clerk).list(true).error().code, ErrorCode::Refused);
+        // Where no folder has a role, entries are open to all, files without one are not.
+        QCOMPARE(textOf(Folders(*own.owner()).setRoles("2", {})), QString());
+        QCOMPARE(facts(*clerk), (QStringList{"1999-01-01", "2", "1", "1", "0", "2 2.1 1 1.2"}));
+        QCOMPARE(Content(*clerk).fetch(3, Action::Shown, {}).error().code, ErrorCode::NotFound);
+    }
+
     void administeringDoesNotMeanSeeing()
     {
         const auto boss = m_archive.login("boss");
@@ -125,6 +211,69 @@ private slots:
         QVERIFY(!Documents(*member).get(QString::number(m_secret)).ok());
         QVERIFY(Users(*boss).setRolesOf("member", {"kelvaCLASSIFY", "board"}).ok());
         QVERIFY(Documents(*member).get(QString::number(m_secret)).ok());
+    }
+
+    void aSessionEndsWithItsAccount()
+    {
+        m_archive.addUser("guest", {"kelvaCLASSIFY", "kelvaALLDOCS"});
+        const auto guest = m_archive.login("guest");
+        const auto refusals = [&] {
+            QStringList texts;
+            const auto note = [&texts](const auto &result) {
+                texts << (result ? QString() : result.error().text);
+            };
+            note(Documents(*guest).get(QString::number(m_open)));
+            note(listDocuments(*guest, {"1=1"}));
+            note(Content(*guest).fetch(1, Action::Shown, {}));
+            note(Content(*guest).search("open"));
+            note(Folders(*guest).list(false));
+            note(Vocabulary(*guest).descriptions());
+            note(guest->requireAccount());
+            texts.removeDuplicates();
+            return texts;
+        };
+        QCOMPARE(refusals(), QStringList(QString()));
+        const QStringList gone{"Your user account has expired or was deleted. Please log in again."};
+        const auto boss = m_archive.login("boss");
+        QVERIFY(Users(*boss).setPasswordExpired("guest", true).ok());
+        QCOMPARE(refusals(), gone);
+        QCOMPARE(textOf(Users(*guest).changeOwnPassword("secret", "other")), QString());
+        QCOMPARE(refusals(), QStringList(QString()));
+        QVERIFY(Users(*boss).remove({QString::number(guest->userId())}).ok());
+        QCOMPARE(refusals(), gone);
+    }
+
+    void guessingPasswordsIsSlow()
+    {
+        qint64 now = 5'000'000;
+        LoginThrottle throttle([&now] { return now; });
+        for (int i = 0; i < 5; ++i)
+            QCOMPARE(throttle.begin("clerk"), 0);
+        QCOMPARE(throttle.begin("clerk"), 1);
+        QCOMPARE(throttle.begin("member"), 0); // nobody else waits
+        now += 1000;
+        QCOMPARE(throttle.begin("clerk"), 0);
+        QCOMPARE(throttle.begin("clerk"), 2);
+        for (int i = 0; i < 60; ++i) {
+            now += 60 * 1000;
+            QCOMPARE(throttle.begin("clerk"), 0); // never locked out for longer
+        }
+        QCOMPARE(throttle.begin("clerk"), 60);
+        now += 60 * 1000;
+        QCOMPARE(throttle.begin("clerk"), 0);
+        throttle.succeeded("clerk");
+        QCOMPARE(throttle.begin("clerk"), 0);
+        QCOMPARE(throttle.begin("clerk"), 0);
+
+        m_archive.addUser("guessed", {});
+        ErrorCode last = ErrorCode::NotFound;
+        for (int i = 0; i < 6; ++i)
+            last = Session::login(m_archive.path(), "guessed", "wrong").error().code;
+        QCOMPARE(last, ErrorCode::Refused);
+        QCOMPARE(Session::login(m_archive.path(), "guessed", "secret").error().code, ErrorCode::Refused);
+        QCOMPARE(Users::changeExpiredPassword(m_archive.path(), "guessed", "secret", "x").error().code,
+                 ErrorCode::Refused);
+        QVERIFY(Session::login(m_archive.path(), "clerk", "secret").ok());
     }
 
     void aRefusedChangeDoesNotOpenFolders()

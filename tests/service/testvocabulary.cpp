@@ -72,6 +72,17 @@ private slots:
             QVERIFY(!row.startsWith("1.2"));
     }
 
+    void aRowThatIsNoFolderIsPassedOver()
+    {
+        const int folders = Folders(*m_session).list(true).value().rows.size();
+        for (const char *oid : {"''", "NULL", "'0.2'", "'1.x'"})
+            QVERIFY(m_session->database().run(
+                QString("INSERT INTO folder(oid, name) VALUES(%1, 'Bad')").arg(QLatin1String(oid))));
+        QCOMPARE(Folders(*m_session).list(true).value().rows.size(), folders);
+        QCOMPARE(archive::check(m_archive->path()).value(),
+                 QStringList(QVector<QString>(4, "The folder \"Bad\" has no valid number.").toList()));
+    }
+
     void theStatusListIsSavedAsAWhole()
     {
         const QString id = QString::number(m_archive->addDocument("x", "0"));
@@ -103,6 +114,12 @@ private slots:
         QCOMPARE(Vocabulary(*m_session).types().value().rows,
                  (QStringList{joinFields({"1", "Invoice", "0;6;0"}), joinFields({"2", "Contract", "10;0;0"}),
                               joinFields({"0", "not assigned", "0;0;0"})}));
+        // The first half of a leap year has 182 days, others have up to 184.
+        list = Vocabulary(*m_session).types().value();
+        list.rows.replace(0, joinFields({"1", "Invoice", "0;0;182"}));
+        QCOMPARE(Vocabulary(*m_session).saveTypes(list).error().code, ErrorCode::Refused);
+        list.rows.replace(0, joinFields({"1", "Invoice", "0;0;184"}));
+        QCOMPARE(textOf(Vocabulary(*m_session).saveTypes(list)), QString());
         for (const char *span : {"-1;0;0", "x", "1;2;3;4", "99999999999;0;0"}) {
             list.rows.replace(0, joinFields({"", "Bad", QString::fromLatin1(span)}));
             QVERIFY2(!Vocabulary(*m_session).saveTypes(list).ok(), span);

@@ -105,6 +105,10 @@ private slots:
             << QByteArray()
             << QByteArray("PRAGMA application_id=1265399393; PRAGMA user_version=9999; CREATE TABLE t(a)")
             << ErrorCode::WrongVersion;
+        QTest::newRow("an archive of a version below all")
+            << QByteArray()
+            << QByteArray("PRAGMA application_id=1265399393; PRAGMA user_version=-3; CREATE TABLE t(a)")
+            << ErrorCode::NotAnArchive;
         QTest::newRow("an archive that was never completed")
             << QByteArray() << QByteArray("PRAGMA application_id=1265399393; CREATE TABLE t(a)")
             << ErrorCode::NotAnArchive;
@@ -143,6 +147,31 @@ private slots:
         file.close();
         const auto opened = Database::open(m_path, Database::Mode::ReadWrite);
         QVERIFY(!opened || !opened.value()->integrityFaults().isEmpty());
+    }
+
+    void aCheckThatCannotBeFinishedIsAFault_data()
+    {
+        QTest::addColumn<QByteArray>("sql");
+        QTest::addColumn<QString>("fault");
+        QTest::newRow("the referenced table has lost its key")
+            << QByteArray("DROP TABLE blob; CREATE TABLE blob(id, size, sha256, touched);"
+                          "CREATE INDEX blob_unfinished ON blob(touched) WHERE touched IS NOT NULL")
+            << "The archive reported an error (1).";
+        QTest::newRow("an index is gone")
+            << QByteArray("DROP INDEX event_place") << "The archive lacks the index event_place.";
+        QTest::newRow("an attribute has no column")
+            << QByteArray("INSERT INTO attribute(id, name, kind) VALUES(7, 'a', 'String')")
+            << "The archive lacks the column of the attribute 7.";
+    }
+
+    void aCheckThatCannotBeFinishedIsAFault()
+    {
+        QFETCH(QByteArray, sql);
+        create().reset();
+        makeForeign(m_path, sql);
+        const auto opened = Database::open(m_path, Database::Mode::ReadWrite);
+        QVERIFY(opened.ok());
+        QTEST(opened.value()->integrityFaults().join('|'), "fault");
     }
 
     void aLockedArchiveSaysSo()
