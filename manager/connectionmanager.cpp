@@ -1,5 +1,7 @@
 #include "manager/connectionmanager.h"
 
+#include "server/sharedblock.h"
+
 #include <QMetaMethod>
 
 #include <cerrno>
@@ -32,6 +34,7 @@ Result<void> ConnectionManager::start()
 {
     if (const Result<void> listening = m_server.listen(); !listening)
         return listening;
+    SharedBlock::removeAbandoned();
     m_blocks.setProfiles(m_profiles.profiles());
     return {};
 }

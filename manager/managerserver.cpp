@@ -1,16 +1,18 @@
 #include "manager/managerserver.h"
 
+#include "server/localpeer.h"
+
 #include <QCoreApplication>
 #include <QDebug>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QLocalSocket>
-
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace kelva {
 namespace {
 
 constexpr int askTimeoutMs = 3000;
+constexpr int lookIntervalMs = 2000;
 
 Error runsAlready()
 {
@@ -26,6 +28,8 @@ ManagerServer::ManagerServer(RequestHandler handler, QObject *parent)
 {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, &ManagerServer::accept);
+    m_lookAfterSocket.setInterval(lookIntervalMs);
+    connect(&m_lookAfterSocket, &QTimer::timeout, this, &ManagerServer::listenAgain);
 }
 
 ManagerServer::~ManagerServer()
@@ -44,14 +48,17 @@ Result<void> ManagerServer::listen()
         return runsAlready();
     }
     QLocalServer::removeServer(socketName());
-    if (m_server.listen(socketName()))
+    if (m_server.listen(socketName())) {
+        m_lookAfterSocket.start();
         return {};
+    }
     m_lock.release();
     return Error{ErrorCode::Storage, tr("The local socket cannot be opened: %1").arg(m_server.errorString())};
 }
 
 void ManagerServer::close()
 {
+    m_lookAfterSocket.stop();
     m_server.close();
     for (const QPointer<ManagerConnection> &connection : qAsConst(m_connections))
         if (connection)
@@ -60,30 +67,50 @@ void ManagerServer::close()
     m_lock.release();
 }
 
+void ManagerServer::listenAgain()
+{
+    if (QFile::exists(m_server.fullServerName()))
+        return;
+    // Who sweeps a temporary directory takes the lock file as well, and another may have begun since.
+    const Result<bool> mine = m_lock.take(socketName());
+    if (!mine || !mine.value())
+        return;
+    m_server.close();
+    if (!m_server.listen(socketName()))
+        qWarning().noquote()
+            << QStringLiteral("kelvamanager: the local socket was removed: %1").arg(m_server.errorString());
+}
+
 bool ManagerServer::isAnswering()
 {
     QLocalSocket socket;
     socket.connectToServer(socketName());
-    return socket.waitForConnected(askTimeoutMs);
+    return socket.waitForConnected(askTimeoutMs) && isPeerOfUser(socket);
 }
 
 QByteArray ManagerServer::ask(const QByteArray &request)
 {
+    constexpr int longestAnswer = 4096;
+    QElapsedTimer since;
+    since.start();
     QLocalSocket socket;
+    socket.setReadBufferSize(longestAnswer);
     socket.connectToServer(socketName());
-    if (!socket.waitForConnected(askTimeoutMs))
+    if (!socket.waitForConnected(askTimeoutMs) || !isPeerOfUser(socket))
         return {};
     socket.write(request + "\r\n");
-    while (!socket.canReadLine())
-        if (!socket.waitForReadyRead(askTimeoutMs))
+    while (!socket.canReadLine()) {
+        const int left = askTimeoutMs - static_cast<int>(since.elapsed());
+        if (left <= 0 || socket.bytesAvailable() >= longestAnswer || !socket.waitForReadyRead(left))
             return {};
-    return socket.readLine().trimmed();
+    }
+    return socket.readLine(longestAnswer).trimmed();
 }
 
 void ManagerServer::accept()
 {
     while (QLocalSocket *socket = m_server.nextPendingConnection()) {
-        if (!isOwnUser(*socket)) {
+        if (!isPeerOfUser(*socket)) {
             socket->abort();
             socket->deleteLater();
             continue;
@@ -91,14 +118,6 @@ void ManagerServer::accept()
         makeRoom();
         m_connections << new ManagerConnection(socket, m_handler, this);
     }
-}
-
-bool ManagerServer::isOwnUser(const QLocalSocket &socket) const
-{
-    ucred peer = {};
-    socklen_t size = sizeof(peer);
-    const int descriptor = static_cast<int>(socket.socketDescriptor());
-    return ::getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == ::getuid();
 }
 
 void ManagerServer::makeRoom()

@@ -7,6 +7,7 @@
 #include <QLocalServer>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 namespace kelva {
 
@@ -28,17 +29,18 @@ public:
     /// A Connection Manager of this user takes connections.
     static bool isAnswering();
     /// Sends one request to the Connection Manager that runs and returns its line, without line end; empty
-    /// when none answers.
+    /// when none answers with one line in time.
     static QByteArray ask(const QByteArray &request);
 
 private:
     void accept();
-    bool isOwnUser(const QLocalSocket &socket) const;
+    void listenAgain();
     void makeRoom();
 
     RequestHandler m_handler;
     InstanceLock m_lock;
     QLocalServer m_server;
+    QTimer m_lookAfterSocket; ///< temporary directories are swept
     QList<QPointer<ManagerConnection>> m_connections;
 };
 

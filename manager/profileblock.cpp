@@ -1,12 +1,10 @@
 #include "manager/profileblock.h"
 
+#include "server/sharedblock.h"
 #include "service/session.h"
 #include "service/workbench.h"
 
 #include <QCoreApplication>
-#include <QSharedMemory>
-
-#include <cstring>
 
 namespace kelva {
 
@@ -53,26 +51,14 @@ Result<void> ProfileBlock::publish(const QString &key)
         return published;
     if (isReadable(key))
         return {};
-    // The key file was swept out of the temporary directory: readers no longer find this segment.
-    m_segment.reset();
-    m_segment = std::make_unique<WorkbenchSegment>(key);
-    if (const Result<void> published = m_segment->publish(m_block); !published)
-        return published;
-    if (isReadable(key))
-        return {};
     return Error{ErrorCode::Storage,
                  QCoreApplication::translate("ProfileBlock", "The vocabulary cannot be read back.")};
 }
 
 bool ProfileBlock::isReadable(const QString &key) const
 {
-    QSharedMemory reader(key);
-    if (!reader.attach(QSharedMemory::ReadOnly) || reader.size() < m_block.size() || !reader.lock())
-        return false;
-    const bool same =
-        std::memcmp(reader.constData(), m_block.constData(), static_cast<std::size_t>(m_block.size())) == 0;
-    reader.unlock();
-    return same;
+    QByteArray found;
+    return SharedBlock::read(key, found) == SharedBlock::Outcome::Done && found.startsWith(m_block);
 }
 
 } // namespace kelva

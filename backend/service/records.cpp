@@ -32,9 +32,16 @@ QString cleanText(const QString &text, int maximum)
 {
     QString clean;
     clean.reserve(text.size());
-    for (const QChar c : text) {
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+            clean += c;
+            clean += text.at(++i);
+            continue;
+        }
+        // Half a character and what is none would come back as something else.
         if (c == recordformat::fieldSeparator || c == recordformat::listSeparator ||
-            c == recordformat::rowSeparator)
+            c == recordformat::rowSeparator || c.isSurrogate() || c.unicode() >= 0xfffe)
             continue;
         if (c.unicode() < 0x20 || c.unicode() == 0x7f)
             clean += QLatin1Char(' ');

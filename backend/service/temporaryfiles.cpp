@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMutex>
 #include <QTemporaryDir>
 
 #include <cerrno>
@@ -29,27 +30,40 @@ bool isRunning(qint64 pid)
     return ::kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH;
 }
 
+void removeLeftovers(const QString &parent)
+{
+    const QStringList names = QDir(parent).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &name : names) {
+        bool isPid = false;
+        const qint64 pid = name.toLongLong(&isPid);
+        if (isPid && pid > 0 && !isRunning(pid))
+            QDir(parent + QLatin1Char('/') + name).removeRecursively();
+    }
+}
+
+/// Empty when none can be made.
+QString makeProcessDirectory()
+{
+    const QString parent = QStringLiteral("%1/kelva-files-%2").arg(QDir::tempPath()).arg(::getuid(), 0, 16);
+    ::mkdir(QFile::encodeName(parent).constData(), 0700);
+    if (isOurs(parent)) {
+        removeLeftovers(parent);
+        const QString path = QStringLiteral("%1/%2").arg(parent).arg(::getpid());
+        ::mkdir(QFile::encodeName(path).constData(), 0700);
+        if (isOurs(path))
+            return path;
+    }
+    QTemporaryDir fresh(QDir::tempPath() + QStringLiteral("/kelva-files-XXXXXX"));
+    fresh.setAutoRemove(false);
+    return fresh.isValid() ? fresh.path() : QString();
+}
+
 /// The copies of this process, in a directory named after it within the user's. They go when it ends; what a
 /// killed process has left goes when the next one begins.
 class ProcessDirectory
 {
 public:
-    ProcessDirectory()
-    {
-        const QString parent =
-            QStringLiteral("%1/kelva-files-%2").arg(QDir::tempPath()).arg(::getuid(), 0, 16);
-        ::mkdir(QFile::encodeName(parent).constData(), 0700);
-        if (isOurs(parent)) {
-            removeLeftovers(parent);
-            m_path = QStringLiteral("%1/%2").arg(parent).arg(::getpid());
-            ::mkdir(QFile::encodeName(m_path).constData(), 0700);
-        }
-        if (!m_path.isEmpty() && isOurs(m_path))
-            return;
-        QTemporaryDir fresh(QDir::tempPath() + QStringLiteral("/kelva-files-XXXXXX"));
-        fresh.setAutoRemove(false);
-        m_path = fresh.isValid() ? fresh.path() : QString();
-    }
+    ProcessDirectory() = default;
     ~ProcessDirectory()
     {
         if (!m_path.isEmpty())
@@ -57,26 +71,23 @@ public:
     }
     Q_DISABLE_COPY(ProcessDirectory)
 
-    const QString &path() const { return m_path; }
-
-private:
-    static void removeLeftovers(const QString &parent)
+    /// Made anew when it was swept out of the temporary directory.
+    QString path()
     {
-        const QStringList names = QDir(parent).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-        for (const QString &name : names) {
-            bool isPid = false;
-            const qint64 pid = name.toLongLong(&isPid);
-            if (isPid && pid > 0 && !isRunning(pid))
-                QDir(parent + QLatin1Char('/') + name).removeRecursively();
-        }
+        const QMutexLocker lock(&m_mutex);
+        if (m_path.isEmpty() || !isOurs(m_path))
+            m_path = makeProcessDirectory();
+        return m_path;
     }
 
+private:
+    QMutex m_mutex;
     QString m_path;
 };
 
 QString privateDirectory()
 {
-    static const ProcessDirectory directory;
+    static ProcessDirectory directory;
     return directory.path();
 }
 
@@ -106,9 +117,13 @@ Result<QString> makeTemporaryFile(const QString &documentName)
         return Error{ErrorCode::Storage, QStringLiteral("No temporary directory can be made.")};
     const QFileInfo name(documentName);
     const QString ending = name.suffix().isEmpty() ? QString() : QLatin1Char('.') + plainPart(name.suffix());
+    QString base = plainPart(name.completeBaseName());
+    // Programs take what begins with a dash for an option.
+    if (base.isEmpty() || base.startsWith(QLatin1Char('-')))
+        base.replace(0, 1, QLatin1Char('_'));
     // Not a QTemporaryFile: it makes a file without a name first, which takes the disk twice as long.
-    QByteArray path = QFile::encodeName(directory + QLatin1Char('/') + plainPart(name.completeBaseName()) +
-                                        QStringLiteral("-XXXXXX") + ending);
+    QByteArray path =
+        QFile::encodeName(directory + QLatin1Char('/') + base + QStringLiteral("-XXXXXX") + ending);
     const int file = ::mkostemps(path.data(), QFile::encodeName(ending).size(), O_CLOEXEC);
     if (file < 0)
         return Error{ErrorCode::Storage, QStringLiteral("No temporary file can be made: %1")

@@ -9,11 +9,6 @@
 
 #include <QDataStream>
 #include <QMap>
-#include <QThread>
-
-#include <algorithm>
-#include <cstring>
-#include <limits>
 
 namespace kelva {
 namespace {
@@ -126,55 +121,13 @@ QString workbenchKey(const QString &login, const QString &host, int port, qint64
         .arg(login, host, QString::number(port), QString::number(profileId));
 }
 
-WorkbenchSegment::WorkbenchSegment(const QString &key) : m_memory(std::make_unique<QSharedMemory>(key))
-{
-    // A segment that a killed process left behind goes with the last one to let go of it.
-    if (m_memory->attach())
-        m_memory->detach();
-}
-
-WorkbenchSegment::~WorkbenchSegment() = default;
-
 Result<void> WorkbenchSegment::publish(const QByteArray &block)
 {
-    if (const Result<void> room = makeRoom(block.size()); !room)
-        return room;
-    if (!m_memory->lock())
-        return Error{
-            ErrorCode::Busy,
-            QStringLiteral("The vocabulary could not be published: %1").arg(m_memory->errorString())};
-    std::memcpy(m_memory->data(), block.constData(), static_cast<std::size_t>(block.size()));
-    m_memory->unlock();
-    return {};
-}
-
-Result<void> WorkbenchSegment::makeRoom(int size)
-{
-    constexpr int smallest = 1 << 20;
-    constexpr int attempts = 20;
-    constexpr unsigned long retryMs = 25;
-    if (m_memory->isAttached() && m_memory->size() >= size)
+    const SharedBlock::Outcome outcome = m_block.publish(block);
+    if (outcome == SharedBlock::Outcome::Done)
         return {};
-    if (m_memory->isAttached())
-        m_memory->detach();
-    const qint64 wanted = std::max<qint64>(smallest, 2LL * size);
-    if (wanted > std::numeric_limits<int>::max())
-        return Error{ErrorCode::Storage, QStringLiteral("The vocabulary is too large to be published.")};
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        if (m_memory->create(static_cast<int>(wanted)))
-            return {};
-        if (m_memory->error() != QSharedMemory::AlreadyExists)
-            break;
-        // Somebody holds it still; if it is large enough, it will do.
-        if (m_memory->attach()) {
-            if (m_memory->size() >= size)
-                return {};
-            m_memory->detach();
-        }
-        QThread::msleep(retryMs);
-    }
-    return Error{ErrorCode::Busy,
-                 QStringLiteral("The vocabulary could not be published: %1").arg(m_memory->errorString())};
+    return Error{outcome == SharedBlock::Outcome::Locked ? ErrorCode::Busy : ErrorCode::Storage,
+                 SharedBlock::text(outcome, key())};
 }
 
 } // namespace kelva

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "server/sharedblock.h"
 #include "store/result.h"
 
 #include <QByteArray>
-#include <QSharedMemory>
 #include <QString>
-
-#include <memory>
 
 namespace kelva {
 
@@ -26,18 +24,14 @@ QString workbenchKey(const QString &login, const QString &host, int port, qint64
 class WorkbenchSegment
 {
 public:
-    explicit WorkbenchSegment(const QString &key);
-    ~WorkbenchSegment();
+    explicit WorkbenchSegment(const QString &key) : m_block(key) {}
 
-    /// Replaces what readers find. A block that has outgrown the segment needs a new one, which must wait for
-    /// readers to let go; Busy when they do not.
+    /// Replaces what readers find. Busy when a reader does not let go of the lock.
     Result<void> publish(const QByteArray &block);
-    QString key() const { return m_memory->key(); }
+    const QString &key() const { return m_block.key(); }
 
 private:
-    Result<void> makeRoom(int size);
-
-    std::unique_ptr<QSharedMemory> m_memory;
+    SharedBlock m_block;
 };
 
 } // namespace kelva

@@ -1,8 +1,10 @@
 #include "app/kelvaclientmain.h"
 #include "app/programversion.h"
 #include "app/qmyapplication.h"
+#include "server/privatefile.h"
 
 #include <QPalette>
+#include <QSettings>
 #include <QTextCodec>
 #include <QTimer>
 #include <QTranslator>
@@ -27,6 +29,8 @@ int main(int argc, char *argv[])
     QMyApplication application(argc, argv);
     QCoreApplication::setApplicationName(programversion::application);
     QCoreApplication::setOrganizationName(programversion::organisation);
+    // Before its first write: it may come to hold the password of a proxy.
+    makePrivateFile(QSettings(programversion::organisation, programversion::application).fileName());
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     QPalette palette = QGuiApplication::palette();
     palette.setColor(QPalette::All, QPalette::Window, QColor(243, 249, 255));

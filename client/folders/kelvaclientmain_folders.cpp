@@ -30,10 +30,11 @@ bool KelvaClientMain::initFolders()
     WorkbenchData workbench;
     const QString key = workbenchKey(classifyClient->getLoginName(), classifyClient->getServerHost(),
                                      classifyClient->getServerPort(), classifyClient->getProfileId());
-    if (!readWorkbenchData(key, workbench)) {
-        plainbox::critical(
-            this, tr("Error"),
-            tr("The connection to the Connection Manager could not be established, please restart Kelva!"));
+    QString fault;
+    if (!readWorkbenchData(key, workbench, &fault)) {
+        const QString text =
+            tr("The connection to the Connection Manager could not be established, please restart Kelva!");
+        plainbox::critical(this, tr("Error"), fault.isEmpty() ? text : text + "\n\n" + fault);
         return false;
     }
     m_searchColumns = workbench.searchColumns;

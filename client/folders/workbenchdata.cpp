@@ -3,9 +3,9 @@
 #include "documents/documentcolumns.h"
 #include "server/boundedread.h"
 #include "server/recordformat.h"
+#include "server/sharedblock.h"
 
 #include <QBuffer>
-#include <QSharedMemory>
 #include <QThread>
 
 namespace {
@@ -18,18 +18,6 @@ bool areAttributes(const QMap<int, QString> &columns)
 {
     return columns.isEmpty() ||
            (columns.firstKey() >= documentcolumn::firstAttribute && columns.lastKey() <= largestColumn);
-}
-
-/// Empty when there is no segment.
-QByteArray readSegment(const QString &key)
-{
-    QSharedMemory segment(key);
-    if (!segment.attach() || !segment.lock())
-        return {};
-    // Copied first, parsed after: a bad block must not keep the lock.
-    const QByteArray block(static_cast<const char *>(segment.constData()), segment.size());
-    segment.unlock();
-    return block;
 }
 
 bool isBlank(const QByteArray &block)
@@ -94,15 +82,22 @@ bool parseWorkbenchData(const QByteArray &block, WorkbenchData &data)
     return true;
 }
 
-bool readWorkbenchData(const QString &key, WorkbenchData &data)
+bool readWorkbenchData(const QString &key, WorkbenchData &data, QString *fault)
 {
     // A block that has outgrown its segment gets a new one: for a moment there is none, or an empty one.
+    using Outcome = SharedBlock::Outcome;
     constexpr int attempts = 20;
     constexpr unsigned long retryMs = 50;
-    QByteArray block = readSegment(key);
-    for (int i = 1; i < attempts && isBlank(block); ++i) {
+    QByteArray block;
+    Outcome outcome = SharedBlock::read(key, block);
+    const auto mayCome = [&] {
+        return outcome == Outcome::Missing || (outcome == Outcome::Done && isBlank(block));
+    };
+    for (int i = 1; i < attempts && mayCome(); ++i) {
         QThread::msleep(retryMs);
-        block = readSegment(key);
+        outcome = SharedBlock::read(key, block);
     }
-    return parseWorkbenchData(block, data);
+    if (fault && outcome != Outcome::Missing)
+        *fault = SharedBlock::text(outcome, key);
+    return outcome == Outcome::Done && parseWorkbenchData(block, data);
 }

@@ -38,5 +38,6 @@ QString workbenchKey(const QString &login, const QString &host, int port, qint64
 /// is short, of another layout, or names columns that cannot be attributes.
 bool parseWorkbenchData(const QByteArray &block, WorkbenchData &data);
 
-/// Copies the segment and parses it. False when it cannot be attached or locked, or holds no valid block.
-bool readWorkbenchData(const QString &key, WorkbenchData &data);
+/// Copies the segment and parses it. False when there is none, when it is not of this user, stays locked, or
+/// holds no valid block; fault then says what stands in the way, if anything more than that it is not there.
+bool readWorkbenchData(const QString &key, WorkbenchData &data, QString *fault = nullptr);

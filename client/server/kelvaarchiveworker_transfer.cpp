@@ -26,6 +26,13 @@ namespace {
 /// What a document is fetched for, as the service records it.
 enum TransferMode { toView = 0, toExport = 1, toMail = 2 };
 
+/// Can only be read by setting it, which must not happen while other threads make files.
+const mode_t fileMask = [] {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return mask;
+}();
+
 /// Never overwrites. On one file system the file only gets another name, which happens whole or not at all.
 /// Otherwise it is copied, and the first one stays.
 bool placeFile(const QString &from, const QString &to)
@@ -36,9 +43,7 @@ bool placeFile(const QString &from, const QString &to)
         !QFile::copy(from, to))
         return false;
     // The temporary file was this user's alone; an exported one is like any other that he saves.
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    ::chmod(target.constData(), 0666 & ~mask);
+    ::chmod(target.constData(), 0666 & ~fileMask);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "server/kelvalogindata.h"
 
 #include "server/kelvalogindialog.h"
+#include "server/localpeer.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -48,7 +49,8 @@ bool waitForBytes(QLocalSocket &socket, qint64 bytes, int attempts)
 bool connectToManager(QLocalSocket &socket)
 {
     socket.connectToServer(kelvaLoginData::socketName(), QIODevice::ReadWrite);
-    return socket.waitForConnected(connectTimeoutMs);
+    // Whoever else answers would be told where to log in, or would tell it.
+    return socket.waitForConnected(connectTimeoutMs) && isPeerOfUser(socket);
 }
 
 } // namespace

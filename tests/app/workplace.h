@@ -36,6 +36,8 @@ public:
         : block("kelva_anna_localhost_47117", WorkbenchFixture::block(WorkbenchFixture::vocabulary())),
           window(std::make_unique<KelvaClientMain>())
     {
+        if (!block.isReady())
+            qFatal("The data block could not be laid down.");
         const QString entry = QString("Main archive") + recordformat::fieldSeparator + "1";
         manager.listAnswer = FakeManager::profileList({FakeManager::profileRecord(7, "Office", entry)});
     }

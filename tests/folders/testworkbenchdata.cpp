@@ -3,7 +3,46 @@
 
 #include "folders/workbenchdata.h"
 
+#include <QFile>
 #include <QRandomGenerator>
+#include <QSharedMemory>
+
+#include <sys/sem.h>
+#include <sys/shm.h>
+#include <unistd.h>
+
+namespace {
+
+/// What the system knows of a block: as QSharedMemory finds it.
+struct Place
+{
+    explicit Place(const QString &key) : file(QSharedMemory(key).nativeKey())
+    {
+        QString semaphoreFile = file;
+        semaphoreFile.replace("qipc_sharedmemory_", "qipc_systemsem_");
+        segment = ::shmget(::ftok(qPrintable(file), 'Q'), 0, 0);
+        semaphore = ::semget(::ftok(qPrintable(semaphoreFile), 'Q'), 1, 0);
+        if (segment < 0 || semaphore < 0)
+            qFatal("There is no block.");
+    }
+    void give(bool isSegment, uid_t user, int mode) const
+    {
+        shmid_ds memory = {};
+        semid_ds lock = {};
+        ipc_perm &permissions = isSegment ? memory.shm_perm : lock.sem_perm;
+        permissions.uid = user;
+        permissions.gid = ::getegid();
+        permissions.mode = static_cast<decltype(permissions.mode)>(mode);
+        QCOMPARE(isSegment ? ::shmctl(segment, IPC_SET, &memory) : ::semctl(semaphore, 0, IPC_SET, &lock), 0);
+    }
+    void lockForEver() const { QCOMPARE(::semctl(semaphore, 0, SETVAL, 0), 0); }
+
+    const QString file;
+    int segment;
+    int semaphore;
+};
+
+} // namespace
 
 class TestWorkbenchData : public QObject
 {
@@ -19,6 +58,54 @@ private slots:
         QCOMPARE(data.folders.size(), 5);
         QCOMPARE(data.retentionByType(), (QMap<QString, QString>{{"1", "10;0;0"}}));
         QVERIFY(!readWorkbenchData("kelva_other", data));
+    }
+
+    void aPlaceThatOthersHoldIsLeftAlone_data()
+    {
+        QTest::addColumn<int>("who"); // added to this user's id
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("isSegment");
+        kelvatest::row("another user's segment", 1, 0600, true);
+        kelvatest::row("a segment open to all", 0, 0666, true);
+        kelvatest::row("another user's semaphore", 1, 0600, false);
+        kelvatest::row("a semaphore open to all", 0, 0666, false);
+    }
+
+    void aPlaceThatOthersHoldIsLeftAlone()
+    {
+        QFETCH(int, who);
+        QFETCH(int, mode);
+        QFETCH(bool, isSegment);
+        const QByteArray block = WorkbenchFixture::block(WorkbenchFixture::vocabulary());
+        const WorkbenchFixture segment("kelva_own", block);
+        const Place place("kelva_own");
+        place.give(isSegment, ::geteuid() + uid_t(who), mode);
+        WorkbenchData data;
+        QString fault;
+        QVERIFY(!readWorkbenchData("kelva_own", data, &fault));
+        QVERIFY2(fault.contains("another user"), qPrintable(fault));
+        // Whoever publishes takes another key.
+        const WorkbenchFixture next("kelva_own", block);
+        QVERIFY(next.isReady());
+        QVERIFY(readWorkbenchData("kelva_own", data));
+    }
+
+    void keyFilesOfOthersAndHeldLocksAreGivenUp()
+    {
+        const QByteArray block = WorkbenchFixture::block(WorkbenchFixture::vocabulary());
+        const WorkbenchFixture segment("kelva_own", block);
+        const Place place("kelva_own");
+        WorkbenchData data;
+        QString fault;
+        QVERIFY(QFile::rename(place.file, place.file + ".away"));
+        QVERIFY(QFile::link(place.file + ".away", place.file));
+        QVERIFY(!readWorkbenchData("kelva_own", data, &fault));
+        QVERIFY2(fault.contains("another user"), qPrintable(fault));
+        QVERIFY(!WorkbenchFixture("kelva_own", block).isReady());
+        QVERIFY(QFile::remove(place.file) && QFile::rename(place.file + ".away", place.file));
+        place.lockForEver();
+        QVERIFY(!readWorkbenchData("kelva_own", data, &fault));
+        QVERIFY2(fault.contains("does not let go"), qPrintable(fault));
     }
 
     void damagedBlocksAreRefused_data()

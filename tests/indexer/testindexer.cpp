@@ -68,6 +68,17 @@ private slots:
         QVERIFY(inUse.remove() && QFile::remove(mine));
     }
 
+    void temporaryFilesOutliveASweepAndAreNoOptions()
+    {
+        const QFileInfo first(makeTemporaryFile("-rf.txt").value());
+        QVERIFY2(first.fileName().startsWith("_rf"), qPrintable(first.fileName()));
+        QVERIFY2(QFileInfo(makeTemporaryFile("-.txt").value()).fileName().at(0) != '-', "a lone dash");
+        QVERIFY2(QFileInfo(makeTemporaryFile(".txt").value()).fileName().at(0) != '-', "no base name");
+        QVERIFY(first.absoluteDir().removeRecursively());
+        const Result<QString> next = makeTemporaryFile("Offer.txt");
+        QVERIFY(next.ok() && QFile::exists(next.value()));
+    }
+
     void aVersionThatComesMeanwhileIsNotLost()
     {
         store("Offer.txt", "turpentine", "1");

@@ -6,6 +6,7 @@
 
 #include "folders/workbenchdata.h"
 #include "server/kelvalogindata.h"
+#include "server/localpeer.h"
 #include "server/recordformat.h"
 #include "service/folders.h"
 #include "service/records.h"
@@ -15,6 +16,10 @@
 #include <QLocalSocket>
 #include <QRegularExpression>
 #include <QSharedMemory>
+#include <QThread>
+#include <QTimer>
+
+#include <atomic>
 
 using namespace kelva;
 
@@ -329,12 +334,45 @@ private slots:
                      QFile::Permissions());
         }
         QVERIFY(!QFile::exists(socketFile));
+        {
+            // The temporary directory was swept.
+            ConnectionManager first(profiles);
+            QVERIFY(first.start().ok());
+            QVERIFY(QFile::remove(socketFile) && QFile::remove(socketFile + ".lock"));
+            QTRY_VERIFY(ManagerServer::isAnswering());
+            ConnectionManager second(profiles);
+            QCOMPARE(second.start().error().code, ErrorCode::InUse);
+            Client client;
+            QVERIFY(isPeerOfUser(client.socket));
+            QVERIFY(!isPeerOfUser(client.socket, ::getuid() + 1));
+        }
         // One that lost its lock file is found by its answer.
         QLocalServer other;
         QVERIFY(other.listen(socketName()));
         ConnectionManager third(profiles);
         QCOMPARE(third.start().error().code, ErrorCode::InUse);
         QVERIFY(QFile::exists(socketFile));
+    }
+
+    void anAnswerWithoutEndIsNotWaitedFor()
+    {
+        QLocalServer::removeServer(socketName());
+        QLocalServer chatty;
+        QVERIFY(chatty.listen(socketName()));
+        std::atomic<bool> asked{false};
+        const std::unique_ptr<QThread> asking(QThread::create([&asked] {
+            if (ManagerServer::ask("SHOWWINDOW").isEmpty())
+                asked = true;
+        }));
+        asking->start();
+        QTRY_VERIFY(chatty.hasPendingConnections());
+        QLocalSocket *socket = chatty.nextPendingConnection();
+        // Drop by drop: each is in time, all together never end.
+        QTimer drops;
+        connect(&drops, &QTimer::timeout, socket, [socket] { socket->write("x"), socket->flush(); });
+        drops.start(100);
+        QTRY_VERIFY_WITH_TIMEOUT(asked, 10000);
+        asking->wait();
     }
 };
 

@@ -12,6 +12,8 @@
 
 #include <csignal>
 
+#include <sys/shm.h>
+
 using namespace kelva;
 
 namespace {
@@ -35,7 +37,9 @@ public:
     }
     ~RunningManager()
     {
-        process.kill();
+        process.terminate();
+        if (!process.waitForFinished())
+            process.kill();
         process.waitForFinished();
     }
     QProcess process;
@@ -121,9 +125,29 @@ private slots:
             QVERIFY(second.errors.contains("running already"));
             QVERIFY(ManagerServer::isAnswering());
         }
-        // Killed: what it left behind stops nobody.
+        QCOMPARE(run({"--running"}).code, exitcode::failed);
+    }
+
+    void whatAKilledOneLeftIsRemoved()
+    {
+        ManagerSurroundings s;
+        const Profile profile = s.added(s.profile("Office"));
+        const QString keyFile = QSharedMemory(profile.blockKey()).nativeKey();
+        int segment = -1;
+        {
+            RunningManager running;
+            QTRY_VERIFY((segment = ::shmget(::ftok(qPrintable(keyFile), 'Q'), 0, 0)) >= 0);
+            running.process.kill();
+            QVERIFY(running.process.waitForFinished());
+        }
+        // Nobody will publish it again, and nothing names it any more.
+        QVERIFY(s.store.remove(profile.id).ok());
+        QVERIFY(QFile::remove(keyFile));
+        shmid_ds state = {};
+        QCOMPARE(::shmctl(segment, IPC_STAT, &state), 0);
         RunningManager next;
         QCOMPARE(run({"--running"}).code, exitcode::done);
+        QTRY_VERIFY(::shmctl(segment, IPC_STAT, &state) != 0);
     }
 
     void withoutADisplayItSaysSo()

@@ -1,13 +1,34 @@
 #include "support/kelvatest.h"
 
 #include "server/exportfilename.h"
+#include "server/privatefile.h"
 #include "server/transferprogress.h"
+
+#include <QFile>
+#include <QSettings>
+#include <QTemporaryDir>
 
 class TestTransferRules : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void settingsAreClosedToOthers()
+    {
+        const QTemporaryDir directory;
+        const QString path = directory.filePath("new/settings.ini");
+        constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+        for (int i = 0; i < 2; ++i) {
+            makePrivateFile(path);
+            QSettings settings(path, QSettings::IniFormat);
+            settings.setValue("password", i);
+            settings.sync();
+            QCOMPARE(QFile::permissions(path) & others, QFile::Permissions());
+            QVERIFY(QFile::setPermissions(path, QFile::permissions(path) | others));
+        }
+        QCOMPARE(QSettings(path, QSettings::IniFormat).value("password").toInt(), 1);
+    }
+
     void names_data()
     {
         QTest::addColumn<QString>("proposal");

@@ -81,10 +81,12 @@ private slots:
     {
         QStringList record = fields(*m_session);
         record.replace(1, QString("a") + recordformat::fieldSeparator + "b" + recordformat::listSeparator +
-                              "c" + recordformat::rowSeparator + QChar(0) + QString("d").repeated(10000));
+                              "c" + recordformat::rowSeparator + QChar(0xd83d) + QChar(0xfffe) +
+                              QChar(0xffff) + QChar(0xde00) + QChar(0) + "\U0001F600" +
+                              QString("d").repeated(10000));
         QCOMPARE(textOf(Documents(*m_session).save(m_id, record)), QString());
         const QString stored = fields(*m_session).at(1);
-        QCOMPARE(stored, QString("abc ") + QString("d").repeated(250));
+        QCOMPARE(stored, QString("abc \U0001F600") + QString("d").repeated(248));
         QCOMPARE(splitFields(listDocuments(*m_session, {"1=1"}).value().at(1)).size(), 12);
     }
 

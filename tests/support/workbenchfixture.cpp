@@ -4,8 +4,6 @@
 
 #include <QDataStream>
 
-#include <cstring>
-
 namespace {
 
 QStringList records(std::initializer_list<QStringList> rows)
@@ -69,10 +67,8 @@ QByteArray WorkbenchFixture::block(const WorkbenchData &data)
     return bytes;
 }
 
-WorkbenchFixture::WorkbenchFixture(const QString &key, const QByteArray &block) : m_segment(key)
+WorkbenchFixture::WorkbenchFixture(const QString &key, const QByteArray &block)
+    : m_segment(key),
+      m_ready(m_segment.publish(block) == SharedBlock::Outcome::Done)
 {
-    if (!m_segment.create(qMax(block.size(), 1) + 1024) || !m_segment.lock())
-        return;
-    std::memcpy(m_segment.data(), block.constData(), size_t(block.size()));
-    m_ready = m_segment.unlock();
 }

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "folders/workbenchdata.h"
-
-#include <QSharedMemory>
+#include "server/sharedblock.h"
 
 /// Lays a data block down in shared memory, as the Connection Manager does, for as long as it lives.
 class WorkbenchFixture
@@ -16,6 +15,6 @@ public:
     bool isReady() const { return m_ready; }
 
 private:
-    QSharedMemory m_segment;
-    bool m_ready = false;
+    SharedBlock m_segment;
+    const bool m_ready;
 };
