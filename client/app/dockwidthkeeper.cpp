@@ -37,6 +37,19 @@ void DockWidthKeeper::learn()
         m_width = m_dock->width();
 }
 
+void DockWidthKeeper::settle()
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (m_dock->width() * 2 > m_window->width())
+                takeBack();
+            else
+                learn();
+        },
+        Qt::QueuedConnection);
+}
+
 bool DockWidthKeeper::eventFilter(QObject *watched, QEvent *event)
 {
     // Afterwards: within a resize the docks would not take other sizes, and a drag is not over yet. What the

@@ -15,6 +15,9 @@ public:
 
     /// The width of an earlier session. Without one it is the width that the dock is first shown with.
     void setWidth(int width) { m_width = width; }
+    /// After another layout was restored: its width is the one to keep, unless it was made for another window
+    /// and takes up more than half of this one.
+    void settle();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

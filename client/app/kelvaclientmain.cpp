@@ -2,6 +2,7 @@
 
 #include "app/dockwidthkeeper.h"
 #include "app/kelvaabout.h"
+#include "app/panelswitcher.h"
 #include "app/programversion.h"
 #include "app/proxysettings.h"
 #include "app/startoptions.h"
@@ -112,6 +113,7 @@ void KelvaClientMain::setupPanels()
     m_selectedCount = new QLabel(statusBar());
     statusBar()->insertPermanentWidget(0, m_selectedCount, 0);
     m_selectedCount->hide();
+    new PanelSwitcher(this, {m_tWOrdner, m_twStatus, m_treeSearch, m_SearchString, m_infoView});
     connect(action_SelectAll, SIGNAL(triggered()), m_infoView, SLOT(selectAll()));
 }
 
@@ -251,6 +253,8 @@ bool KelvaClientMain::event(QEvent *event)
 
 void KelvaClientMain::closeEvent(QCloseEvent *event)
 {
+    if (isVisible() && initialized)
+        noteLayout();
     QMainWindow::closeEvent(event);
     emit closed();
 }

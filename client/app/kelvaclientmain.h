@@ -164,6 +164,9 @@ private:
     void registerToolBars();
     void loadScreenSettings();
     void saveScreenSettings();
+    void restoreLayout(const QByteArray &state);
+    /// Takes down the layout while the window is still there.
+    void noteLayout();
 
     // documents/kelvaclientmain_list.cpp
     DocumentQuery currentQuery() const;
@@ -219,6 +222,7 @@ private:
     /// Sets up the full-text options; false, with a box, when fewer than three characters were typed.
     bool takeFullText(const QString &words, int typed);
     void showSearch();
+    void enableSearchCell(bool enable);
     void replaceSearchCell(KelvaDelegate *delegate);
     KelvaDelegate *searchDelegate(const QString &column) const;
     void presetChoice(QTableWidgetItem *cell, const KelvaDelegate *delegate);
@@ -274,6 +278,7 @@ private:
     bool useHttpLinks = false;
     QString emailCommand;
     int DockFolderWidth = 0;
+    QByteArray m_layout;           ///< QMainWindow::saveState() of the window that was closed
     bool m_searchDockShown = true; ///< as it was before an offline session hid it
     QLabel *m_selectedCount = nullptr;
     DockWidthKeeper *m_folderWidth = nullptr;

@@ -34,6 +34,7 @@ public:
     ReloadProgress(const QString &text, QWidget *parent) : QProgressDialog(text, QString(), 0, 0, parent)
     {
         setCancelButton(nullptr);
+        setWindowTitle(parent->windowTitle());
     }
     void reject() override {}
 

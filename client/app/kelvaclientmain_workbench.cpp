@@ -12,10 +12,12 @@
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QLayout>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSaveFile>
+#include <QScreen>
 #include <QSettings>
 #include <QSignalBlocker>
 #include <QSpinBox>
@@ -41,6 +43,13 @@ const char pictureTable[] =
     "0, x2: "
     "0, y2: 1, stop: 0 #6ea1f1, stop: 1 #567dbc);}\n\n\nQTableView::indicator {subcontrol-position: center; "
     "subcontrol-origin: padding;}";
+
+/// Of the status panel, in pixels. Others come from a damaged file, or from a panel that was floating or
+/// closed.
+bool isPlausibleDockWidth(int width)
+{
+    return width >= 60 && width <= QGuiApplication::primaryScreen()->availableGeometry().width() / 2;
+}
 
 } // namespace
 
@@ -260,7 +269,7 @@ void KelvaClientMain::loadScreenSettings()
 {
     const QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
     DockFolderWidth = settings.value("DockFolderWidth", DockFolderWidth).toInt();
-    if (DockFolderWidth > 0) {
+    if (isPlausibleDockWidth(DockFolderWidth)) {
         const QMargins frame = m_twStatus->parentWidget()->layout()->contentsMargins();
         m_folderWidth->setWidth(frame.left() + DockFolderWidth + frame.right());
     }
@@ -269,9 +278,9 @@ void KelvaClientMain::loadScreenSettings()
             setWindowState(windowState() | Qt::WindowMaximized); // the window is shown only after the login
         else
             restoreGeometry(settings.value("DockGeometry").toByteArray());
-        restoreState(settings.value("DockSettings").toByteArray());
+        restoreLayout(settings.value("DockSettings").toByteArray());
     } else {
-        restoreState(QByteArray::fromBase64(defaultlayout::state));
+        restoreLayout(QByteArray::fromBase64(defaultlayout::state));
     }
     if (offlineMode) {
         m_searchDockShown = !m_dockSearch->isHidden();
@@ -307,15 +316,34 @@ void KelvaClientMain::loadScreenSettings()
     setUpdatesEnabled(true);
 }
 
+void KelvaClientMain::restoreLayout(const QByteArray &state)
+{
+    restoreState(state, 0);  // what Qt refuses leaves the layout as it is
+    m_dockDocuments->show(); // no menu would bring it back
+    m_folderWidth->settle();
+}
+
+void KelvaClientMain::noteLayout()
+{
+    // Offline the filter dock is hidden by force; that is not how the user left it.
+    if (offlineMode)
+        m_dockSearch->setVisible(m_searchDockShown);
+    m_layout = saveState();
+    if (offlineMode)
+        m_dockSearch->hide();
+    if (m_dockStatus->isVisible() && !m_dockStatus->isFloating())
+        DockFolderWidth = m_twStatus->width();
+}
+
 void KelvaClientMain::saveScreenSettings()
 {
     if (!initialized)
         return;
     QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
-    // Offline the filter dock is hidden by force; that is not how the user left it.
-    if (offlineMode)
-        m_dockSearch->setVisible(m_searchDockShown);
-    settings.setValue("DockSettings", saveState());
+    // A window that was closed has taken its floating panels with it, and would bring them back hidden.
+    if (isVisible() || m_layout.isEmpty())
+        noteLayout();
+    settings.setValue("DockSettings", m_layout);
     settings.setValue("isMaximized", isMaximized());
     settings.setValue("DockGeometry", saveGeometry());
     settings.setValue("InfoViewAutoResize", m_infoView->getAutoResize());
@@ -323,7 +351,8 @@ void KelvaClientMain::saveScreenSettings()
     settings.setValue("PrivateDocs", action_docView->isChecked());
     settings.setValue("DOCLASSIFYSEARCHFULLTEXT", actionErweitererte_Volltextsuche->isChecked());
     settings.setValue("DOCCLASSIFYMAXCOUNT", statusBarExt->getMaxSearchBox()->value());
-    settings.setValue("DockFolderWidth", m_twStatus->width());
+    if (isPlausibleDockWidth(DockFolderWidth))
+        settings.setValue("DockFolderWidth", DockFolderWidth);
     settings.setValue("DOCSHOWUNREAD", statusBarExt->getShowUnReadCheckBox()->isChecked());
     if (!offlineMode)
         settings.setValue("DOCSENABLETIMELINE", statusBarExt->getTimeLineCheckBox()->isChecked());
@@ -371,7 +400,7 @@ void KelvaClientMain::loadWorkbench()
         plainbox::critical(this, tr("Error"), tr("Cannot read from file: ") + name);
         return;
     }
-    restoreState(state, 0); // what Qt refuses leaves the layout as it is
+    restoreLayout(state);
     if (offlineMode)
         m_dockSearch->hide();
 }

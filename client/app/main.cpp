@@ -1,10 +1,11 @@
+#include "app/desktoppalette.h"
 #include "app/kelvaclientmain.h"
 #include "app/programversion.h"
 #include "app/qmyapplication.h"
 #include "server/privatefile.h"
 
-#include <QPalette>
 #include <QSettings>
+#include <QStyle>
 #include <QTextCodec>
 #include <QTimer>
 #include <QTranslator>
@@ -32,10 +33,8 @@ int main(int argc, char *argv[])
     // Before its first write: it may come to hold the password of a proxy.
     makePrivateFile(QSettings(programversion::organisation, programversion::application).fileName());
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-    QPalette palette = QGuiApplication::palette();
-    palette.setColor(QPalette::All, QPalette::Window, QColor(243, 249, 255));
-    palette.setColor(QPalette::All, QPalette::Button, QColor(241, 239, 255));
-    QApplication::setPalette(palette);
+    QApplication::setPalette(
+        programPalette(QGuiApplication::palette(), QApplication::style()->standardPalette()));
     application.setStyleSheet(applicationSheet);
 
     // The one catalogue beside the program decides the language, not the locale; without it the texts stay

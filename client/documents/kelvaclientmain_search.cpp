@@ -52,7 +52,7 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
     const QString column = m_SearchCombo->itemData(index).toString();
     if (column == searchtext::extendedSearchKey) {
         replaceSearchCell(nullptr);
-        m_SearchString->setEnabled(false);
+        enableSearchCell(false);
         if (!focus)
             return;
         searchAnew(false);
@@ -61,7 +61,7 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
     // A text is kept only from one line editor to the next: it means nothing to a list of choices.
     const bool wasLine = qobject_cast<KelvaLineDelegate *>(m_SearchString->itemDelegateForColumn(0));
     const QString text = wasLine ? m_SearchString->item(0, 0)->text() : QString();
-    m_SearchString->setEnabled(true);
+    enableSearchCell(true);
     KelvaDelegate *delegate = searchDelegate(column);
     replaceSearchCell(delegate);
     QTableWidgetItem *cell = m_SearchString->item(0, 0);
@@ -84,6 +84,13 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
     m_SearchString->setFocus(Qt::OtherFocusReason);
     if (qobject_cast<KelvaCalendarDelegate *>(delegate) || qobject_cast<KelvaViewDelegate *>(delegate))
         m_SearchString->editItem(cell);
+}
+
+void KelvaClientMain::enableSearchCell(bool enable)
+{
+    if (!enable)
+        m_SearchString->setCurrentCell(-1, -1); // nothing is chosen in what cannot be used
+    m_SearchString->setEnabled(enable);
 }
 
 /// An empty cell with this delegate, or with none.
@@ -173,7 +180,8 @@ void KelvaClientMain::searchClicked()
         const QSignalBlocker blocker(m_SearchString);
         m_bSuchen->setFocus();
     }
-    doSearch(false);
+    if (!runSearch(false))
+        m_SearchString->setFocus(Qt::OtherFocusReason); // to type what was missing
 }
 
 void KelvaClientMain::doSearch(bool special)
@@ -225,7 +233,7 @@ bool KelvaClientMain::searchExtended(bool special)
         doClearSearch(true);
         return true;
     }
-    m_SearchString->setEnabled(false);
+    enableSearchCell(false);
     const QString where = m_extSearch->getFilter();
     const QString words = m_extSearch->getFullText();
     if (words.isEmpty()) {
@@ -270,7 +278,7 @@ void KelvaClientMain::doClearSearch(bool update)
     m_treeSearch->clearSelection();
     m_treeSearch->clearActive();
     m_SearchString->setStyleSheet(QString());
-    m_SearchString->setEnabled(m_SearchCombo->currentData() != searchtext::extendedSearchKey);
+    enableSearchCell(m_SearchCombo->currentData() != searchtext::extendedSearchKey);
     if (update)
         selChanged();
 }

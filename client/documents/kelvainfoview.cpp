@@ -62,6 +62,7 @@ KelvaInfoView::KelvaInfoView(QWidget *parent)
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setAlternatingRowColors(true);
     setWordWrap(false);
+    setTabKeyNavigation(false); // Tab leads on to the next panel; the arrows go from cell to cell
     verticalHeader()->setDefaultSectionSize(verticalHeader()->fontMetrics().height() + 8);
     horizontalHeader()->setSectionsMovable(true);
     horizontalHeader()->setHighlightSections(false);

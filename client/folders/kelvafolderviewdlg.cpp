@@ -20,6 +20,7 @@ KelvaFolderViewDlg::KelvaFolderViewDlg(QWidget *parent) : QDialog(parent), m_Vie
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_View);
     m_View->setObjectName("m_View");
+    m_View->setAccessibleName(tr("Folders"));
     m_View->setFocusPolicy(Qt::WheelFocus);
     m_View->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_View->setRootIsDecorated(true);

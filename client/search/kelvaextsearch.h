@@ -81,6 +81,8 @@ signals:
     void filterUpdated();
 
 protected:
+    /// Tab goes through the rows of criteria and their buttons, and from the last one on to the rest.
+    bool focusNextPrevChild(bool next) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private slots:
@@ -107,6 +109,8 @@ private:
     KelvaComboDelegate *operatorDelegate(int row) const;
     int appendRow();
     int rowOf(const QObject *button) const;
+    int columnOf(int row, const QWidget *button) const;
+    QWidget *stopBehind(int row, int column, bool forward);
     void addButtons(int row);
     void filterChanged(int row);
     void replaceValueDelegate(int row, const KelvaDelegate *source);

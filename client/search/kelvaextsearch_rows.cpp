@@ -149,16 +149,65 @@ void KelvaExtSearch::valueChanged(QTableWidgetItem *item)
     item->setData(itemrole::rawValue, QVariant());
 }
 
-/// Tab behind the last cell goes on to the buttons; the table would begin again at its first.
 void KelvaExtSearch::leaveTable(QWidget *editor, QAbstractItemDelegate::EndEditHint hint)
 {
+    // The table goes on to the next cell that can be edited, past the buttons of the row, and from the last
+    // one round to the first.
     const QModelIndex index = m_ui->m_extSearchTable->indexAt(editor->geometry().center());
-    if (hint != QAbstractItemDelegate::EditNextItem || index.row() != m_ui->m_extSearchTable->rowCount() - 1)
+    const bool forward = hint == QAbstractItemDelegate::EditNextItem;
+    if (!forward && hint != QAbstractItemDelegate::EditPreviousItem)
         return;
-    for (int column = index.column() + 1; column <= criteriacolumn::value; ++column)
+    const int step = forward ? 1 : -1;
+    for (int column = index.column() + step; column >= 0 && column <= criteriacolumn::value; column += step)
         if (cell(index.row(), column)->flags() & Qt::ItemIsEnabled)
             return;
-    QTimer::singleShot(0, m_ui->m_bAdd, SLOT(setFocus()));
+    if (QWidget *stop = stopBehind(index.row(), index.column(), forward))
+        QTimer::singleShot(0, stop, SLOT(setFocus()));
+}
+
+/// Where Tab goes from a cell of the criteria, to an editor that is open or to a button.
+QWidget *KelvaExtSearch::stopBehind(int row, int column, bool forward)
+{
+    QTableWidget *table = m_ui->m_extSearchTable;
+    const int step = forward ? 1 : -1;
+    for (int place = row * criteriacolumn::count + column + step;
+         place >= 0 && place < table->rowCount() * criteriacolumn::count; place += step) {
+        const QModelIndex next =
+            table->model()->index(place / criteriacolumn::count, place % criteriacolumn::count);
+        QWidget *widget = table->indexWidget(next);
+        if (!widget && next.flags().testFlag(Qt::ItemIsEditable) &&
+            next.flags().testFlag(Qt::ItemIsEnabled)) {
+            table->setCurrentIndex(next);
+            table->edit(next);
+            widget = table->indexWidget(next);
+        }
+        if (widget && widget->isEnabled() && !(widget->focusPolicy() == Qt::NoFocus))
+            return widget;
+    }
+    return forward ? static_cast<QWidget *>(m_ui->m_bAdd) : m_ui->m_bCancel;
+}
+
+bool KelvaExtSearch::focusNextPrevChild(bool next)
+{
+    QTableWidget *table = m_ui->m_extSearchTable;
+    QWidget *focused = focusWidget();
+    QWidget *stop = nullptr;
+    if (const int row = rowOf(focused); row >= 0)
+        stop = stopBehind(row, columnOf(row, focused), next);
+    else if (table->rowCount() > 0 && focused == (next ? m_ui->m_bCancel : m_ui->m_bAdd))
+        stop =
+            next ? stopBehind(0, -1, true) : stopBehind(table->rowCount() - 1, criteriacolumn::count, false);
+    if (!stop)
+        return QDialog::focusNextPrevChild(next);
+    stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
+}
+
+int KelvaExtSearch::columnOf(int row, const QWidget *button) const
+{
+    return m_ui->m_extSearchTable->cellWidget(row, criteriacolumn::several) == button
+               ? criteriacolumn::several
+               : criteriacolumn::remove;
 }
 
 void KelvaExtSearch::filterChanged(int row)

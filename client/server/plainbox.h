@@ -6,6 +6,9 @@
 /// as HTML. They show the plain pointer also while the program works.
 namespace plainbox {
 
+/// What of a text a box shows: all of it, or some lines and an ellipsis; the whole is behind its button then.
+QString beginningOf(const QString &text);
+
 QMessageBox::StandardButton information(QWidget *parent, const QString &title, const QString &text);
 QMessageBox::StandardButton warning(QWidget *parent, const QString &title, const QString &text);
 QMessageBox::StandardButton critical(QWidget *parent, const QString &title, const QString &text);

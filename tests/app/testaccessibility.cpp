@@ -1,10 +1,15 @@
 #include "app/workplace.h"
 #include "support/kelvatest.h"
 
+#include "app/kelvaabout.h"
 #include "app/kelvachangepass.h"
 #include "documents/kelvacalendar.h"
+#include "documents/kelvalinedelegate.h"
+#include "documents/kelvamultiselection.h"
 #include "folders/kelvadocpicchooser.h"
+#include "folders/kelvafolderviewdlg.h"
 #include "folders/kelvanewfolder.h"
+#include "search/kelvaextsearch.h"
 #include "server/kelvalogindialog.h"
 
 #include <QAbstractButton>
@@ -15,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QSlider>
+#include <QTableWidget>
 #include <QTextEdit>
 
 namespace {
@@ -51,6 +57,55 @@ QStringList nameless(const QWidget *window)
         if (needsName && !isInner(widget) && widget->accessibleName().isEmpty() && !labelled.contains(widget))
             names << QString("%1 %2").arg(widget->metaObject()->className(), widget->objectName());
     }
+    return names;
+}
+
+bool isInCell(const QWidget *widget)
+{
+    return widget->parentWidget() && widget->parentWidget()->objectName() == "qt_scrollarea_viewport";
+}
+
+/// A table whose cells are stops is none itself.
+bool hasOpenCells(const QWidget *widget)
+{
+    const auto *table = qobject_cast<const QTableWidget *>(widget);
+    return table && table->rowCount() > 0 && table->cellWidget(0, table->columnCount() - 1);
+}
+
+/// What Tab stops at, in the order in which it does, from the control that has the focus until it comes
+/// round.
+QStringList tabWalk(QWidget *window)
+{
+    constexpr int mostStops = 60;
+    const auto name = [](const QWidget *widget) {
+        return widget->objectName().isEmpty()
+                   ? widget->metaObject()->className() + QString(" ") + widget->property("text").toString()
+                   : widget->objectName();
+    };
+    QStringList stops;
+    const QWidget *const start = window->focusWidget();
+    const QWidget *focused = start;
+    for (int step = 0; focused && step < mostStops && (step == 0 || focused != start); ++step) {
+        // An editor that opens for the walk stands for its cell.
+        if (!isInner(focused) && !(isInCell(focused) && qobject_cast<const QLineEdit *>(focused)))
+            stops << name(focused);
+        QTest::keyClick(const_cast<QWidget *>(focused), Qt::Key_Tab);
+        QCoreApplication::processEvents(); // an editor that is left hands the focus on in a moment
+        focused = window->focusWidget();
+    }
+    return stops;
+}
+
+/// Every control that Tab is meant to stop at.
+QStringList tabStops(const QWidget *window)
+{
+    QStringList names;
+    for (const QWidget *widget : window->findChildren<QWidget *>())
+        if (widget->isVisible() && widget->isEnabled() && widget->focusPolicy() & Qt::TabFocus &&
+            !widget->focusProxy() && !isInner(widget) && !hasOpenCells(widget) && widget->window() == window)
+            names << (widget->objectName().isEmpty() ? widget->metaObject()->className() + QString(" ") +
+                                                           widget->property("text").toString()
+                                                     : widget->objectName());
     return names;
 }
 
@@ -107,6 +162,27 @@ private slots:
         kelvatest::row("date",
                        MakeWindow([] { return std::make_unique<KelvaCalendar>(nullptr, false, true); }));
         kelvatest::row("new folder", MakeWindow([] { return std::make_unique<KelvaNewFolder>(nullptr); }));
+        kelvatest::row("extended search", MakeWindow([] {
+                           auto search = std::make_unique<KelvaExtSearch>(true, nullptr);
+                           search->setFilters({QString("Id") + recordformat::fieldSeparator + "docid"});
+                           return search;
+                       }));
+        kelvatest::row("extended search with a criterion", MakeWindow([] {
+                           static const KelvaLineDelegate line({}, nullptr, 254, false);
+                           auto search = std::make_unique<KelvaExtSearch>(true, nullptr);
+                           search->setDelegateLookup([](const QString &) { return &line; });
+                           search->setFilters({QString("Name") + recordformat::fieldSeparator + "bemerkung"});
+                           search->findChild<QTableWidget *>("m_extSearchTable")->item(0, 0)->setText("Name");
+                           return search;
+                       }));
+        kelvatest::row("several values", MakeWindow([] {
+                           static const KelvaLineDelegate line({}, nullptr, 254, false);
+                           return std::make_unique<KelvaMultiSelection>(&line, QList<QTableWidgetItem *>{},
+                                                                        nullptr);
+                       }));
+        kelvatest::row("folder picker",
+                       MakeWindow([] { return std::make_unique<KelvaFolderViewDlg>(nullptr); }));
+        kelvatest::row("about", MakeWindow([] { return std::make_unique<KelvaAbout>(nullptr); }));
         kelvatest::row("picture", MakeWindow([] { return std::make_unique<KelvaDocPicChooser>(nullptr); }));
     }
 
@@ -115,6 +191,16 @@ private slots:
         QFETCH(MakeWindow, make);
         const std::unique_ptr<QWidget> window = make();
         QCOMPARE(nameless(window.get()).join(", "), QString());
+        window->show();
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+        if (!window->focusWidget())
+            QTest::keyClick(window.get(), Qt::Key_Tab);
+        QStringList walked = tabWalk(window.get());
+        QStringList all = tabStops(window.get());
+        walked.sort();
+        all.sort();
+        QCOMPARE(walked.join(", "), all.join(", ")); // each once, and home again
     }
 };
 

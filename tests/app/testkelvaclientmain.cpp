@@ -1,6 +1,7 @@
 #include "app/workplace.h"
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -11,6 +12,7 @@
 #include <QSettings>
 #include <QSpinBox>
 #include <QStandardItem>
+#include <QTemporaryDir>
 
 class TestKelvaClientMain : public QObject
 {
@@ -295,11 +297,95 @@ private slots:
         QCOMPARE(workplace.window->size(), QSize(1100, 720));
     }
 
+    void floatingPanelsReturn()
+    {
+        {
+            Workplace workplace;
+            QVERIFY(workplace.start());
+            workplace.dock("m_dockStatus")->setFloating(true);
+            workplace.dock("m_dockDocuments")->setFloating(true);
+            workplace.window->close();
+        }
+        QCOMPARE(Workplace::settings().value("DockFolderWidth").toInt(), 0); // its own width says nothing
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        for (const char *name : {"m_dockStatus", "m_dockDocuments"})
+            QVERIFY2(workplace.dock(name)->isVisible() && workplace.dock(name)->isFloating(), name);
+    }
+
+    void aWorkbenchIsSavedLoadedAndReset()
+    {
+        const QTemporaryDir directory;
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        const auto useFile = [&](DialogScript &script, const QString &title, const QString &name) {
+            script.expectDialog(title, true, [name](QWidget *dialog) {
+                dialog->findChild<QLineEdit *>("fileNameEdit")->setText(name);
+            });
+        };
+        const QString file = directory.filePath("mine.kwb");
+        {
+            DialogScript script;
+            useFile(script, "Save workbench settings", directory.filePath("mine"));
+            workplace.action("action_save_workbench")->trigger();
+            QVERIFY(QFileInfo(file).size() > 0);
+        }
+        workplace.dock("m_dockStatus")->close();
+        workplace.dock("m_dockDocuments")->hide();
+        {
+            DialogScript script;
+            useFile(script, "Load workbench settings", file);
+            workplace.action("action_load_workbench")->trigger();
+        }
+        QVERIFY(workplace.dock("m_dockStatus")->isVisible());
+        QVERIFY(workplace.dock("m_dockDocuments")->isVisible());
+        // What is no layout changes nothing.
+        outside::write(file, "no layout");
+        workplace.dock("m_dockStatus")->close();
+        {
+            DialogScript script;
+            useFile(script, "Load workbench settings", file);
+            workplace.action("action_load_workbench")->trigger();
+        }
+        QVERIFY(!workplace.dock("m_dockStatus")->isVisible());
+        DialogScript script;
+        script.expectBox("Reset workbench", "initial state", QMessageBox::Yes);
+        workplace.action("action_Reset")->trigger();
+        QVERIFY(workplace.dock("m_dockStatus")->isVisible());
+        const int width = workplace.dock("m_dockFolder")->width();
+        QTRY_VERIFY(width > 60 && width < workplace.window->width() / 2);
+    }
+
+    void f6GoesFromPanelToPanel()
+    {
+        Workplace workplace;
+        QVERIFY(workplace.start());
+        QVERIFY(QTest::qWaitForWindowActive(workplace.window.get()));
+        workplace.table()->setFocus();
+        workplace.dock("m_dockStatus")->close();
+        const auto panel = [] {
+            const QWidget *widget = QApplication::focusWidget();
+            while (widget && !widget->objectName().startsWith("m_"))
+                widget = widget->parentWidget(); // an editor within it
+            return widget ? widget->objectName() : QString();
+        };
+        QTest::keyClick(workplace.table(), Qt::Key_F6, Qt::ShiftModifier);
+        QCOMPARE(panel(), QString("m_SearchString"));
+        workplace.table()->setFocus();
+        QStringList panels;
+        for (int i = 0; i < 4; ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6);
+            panels << panel();
+        }
+        QCOMPARE(panels, QStringList({"m_tWOrdner", "m_treeSearch", "m_SearchString", "m_infoView"}));
+    }
+
     void damagedSettingsDoNotMatter()
     {
         {
             QSettings file(Workplace::organization, Workplace::application);
             file.setValue("DockSettings", QByteArray(500, '\xff'));
+            file.setValue("DockFolderWidth", 100000);
             file.setValue("DockGeometry", QByteArray("geometry"));
             file.setValue("ToolBarState", QByteArray(100, '\x7f'));
             file.setValue("DOCCLASSIFYMAXCOUNT", "many");
@@ -429,7 +515,8 @@ private slots:
             workplace.action(during == "downloadDocument" ? "action_Anzeigen" : "action_ReloadAll")
                 ->trigger();
         });
-        QCoreApplication::exec(); // comes back: nothing keeps the process
+        QTimer::singleShot(20000, qApp, [] { QCoreApplication::exit(1); });
+        QCOMPARE(QCoreApplication::exec(), 0); // comes back: nothing keeps the process
         QVERIFY(cancelled);
         QVERIFY(!workplace.window->isVisible());
         QCOMPARE(archive.queries.size(), queries);

@@ -1,10 +1,13 @@
 #include "support/kelvatest.h"
 
-#include "app/defaultlayout.h"
+#include "app/desktoppalette.h"
 #include "app/proxysettings.h"
 #include "app/startoptions.h"
+#include "server/plainbox.h"
 
+#include <QApplication>
 #include <QSettings>
+#include <QStyle>
 #include <QTemporaryDir>
 
 class TestStartRules : public QObject
@@ -36,6 +39,28 @@ private slots:
         QTEST(options.profileId, "profile");
         QTEST(options.folderOids, "folders");
         QTEST(options.skipResubmissions, "skip");
+    }
+
+    void aDarkDesktopIsNotFollowed()
+    {
+        const QPalette light = QApplication::style()->standardPalette();
+        QPalette desktop = light;
+        desktop.setColor(QPalette::Text, Qt::darkBlue);
+        QCOMPARE(programPalette(desktop, light).color(QPalette::Text), QColor(Qt::darkBlue));
+        for (const QPalette::ColorRole role : {QPalette::Window, QPalette::Base})
+            desktop.setColor(role, Qt::black);
+        for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text})
+            desktop.setColor(role, Qt::white);
+        const QPalette palette = programPalette(desktop, light);
+        QCOMPARE(palette.color(QPalette::Text), light.color(QPalette::Text));
+        QCOMPARE(palette.color(QPalette::Window), QColor(243, 249, 255));
+    }
+
+    void longTextsGoIntoTheDetails()
+    {
+        QCOMPARE(plainbox::beginningOf("short\ntext"), QString("short\ntext"));
+        QCOMPARE(plainbox::beginningOf(QString("line\n").repeated(5000)).count('\n'), 7);
+        QCOMPARE(plainbox::beginningOf(QString(100000, 'x')).size(), 601);
     }
 
     void proxies_data()

@@ -9,6 +9,7 @@
 #include "server/recordformat.h"
 
 #include <QApplication>
+#include <QDockWidget>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTimer>
@@ -67,6 +68,7 @@ public:
     }
 
     QAction *action(const QString &name) const { return window->findChild<QAction *>(name); }
+    QDockWidget *dock(const QString &name) const { return window->findChild<QDockWidget *>(name); }
     KelvaInfoView *table() const { return window->findChild<KelvaInfoView *>("m_infoView"); }
     QString message() const { return window->findChild<QStatusBar *>("m_statusBar")->currentMessage(); }
     QStringList column(int number) const
