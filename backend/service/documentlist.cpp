@@ -104,16 +104,6 @@ private:
     qint64 m_limit;
 };
 
-/// How long a list may take, in milliseconds: what a condition that has to look into every record needs, and
-/// some more. Who writes a condition of many such parts must not block the program for minutes.
-qint64 longestList(Database &database)
-{
-    constexpr qint64 atLeast = 1500;
-    constexpr qint64 recordsPerMs = 65;
-    return qMax(atLeast, database.value(QStringLiteral("SELECT max(id) FROM classification")).toLongLong() /
-                             recordsPerMs);
-}
-
 struct RowSource
 {
     SqlCondition condition;
@@ -168,7 +158,7 @@ Result<QStringList> listDocuments(Session &session, const QStringList &filters)
     if (!condition)
         return condition.error();
 
-    const TimeLimit patience(database, longestList(database));
+    const TimeLimit patience(database, longestSearchMs(database));
     RowSource source;
     source.withRetention = filter.value().trash || filter.value().ignoreRights;
     source.allOpened = condition.value().needsRights;

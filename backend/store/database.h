@@ -2,12 +2,12 @@
 
 #include "store/result.h"
 
-#include <QDeadlineTimer>
 #include <QSqlQuery>
 #include <QString>
 #include <QVariantList>
 #include <QVector>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -74,7 +74,7 @@ public:
 
     const QString &path() const { return m_path; }
     bool isReadOnly() const { return m_readOnly; }
-    sqlite3 *handle() const;
+    sqlite3 *handle() const { return m_handle; }
 
     bool run(const QString &sql, const QVariantList &values = {});
     Query query(const QString &sql, const QVariantList &values = {});
@@ -131,19 +131,21 @@ private:
 
     QString m_path;
     QString m_connection;
+    sqlite3 *m_handle = nullptr;
     bool m_readOnly = false;
     int m_depth = 0; ///< transactions open; an inner one takes part in the outer one
     int m_rollbacks = 0;
     qint64 m_lastInsertId = 0;
     int m_affected = 0;
     std::optional<Error> m_error;
-    std::optional<QDeadlineTimer> m_deadline;
+    std::optional<std::chrono::steady_clock::time_point> m_deadline; ///< of the time limit in force
     qint64 m_stepsLeft = 0; ///< of the statement at work; 0 for any number, negative when used up
     qint64 m_stepsAtATime = 0;
 };
 
-/// As long as it lives, a statement that is still at work after so many milliseconds fails with TooSlow. Not
-/// to be used where something is written, and one at a time.
+/// As long as it lives, what is still at work after so many milliseconds fails with TooSlow, the full-text
+/// engine's own work included, and so does every statement after that. Within another limit the earlier one
+/// counts. Not to be used where something is written.
 class TimeLimit
 {
 public:
@@ -153,11 +155,15 @@ public:
     TimeLimit &operator=(const TimeLimit &) = delete;
 
 private:
+    void enforce();
+
     Database &m_database;
+    std::optional<std::chrono::steady_clock::time_point> m_outer;
 };
 
 /// Rolls back unless commit() succeeded. Write locks the archive at once, so that what is read stays true
-/// until it is written; Read gives all statements the same state of the archive. WriteBehind is a Write that
+/// until it is written; Read gives all statements the same state of the archive, and ends what takes longer
+/// than anybody waits. WriteBehind is a Write that
 /// does not wait for the disk: everybody sees it and it survives the end of the program, but a power failure
 /// may take it back, until the next Write has been committed.
 class Transaction
@@ -176,6 +182,7 @@ public:
 private:
     void waitForDisk(bool wait);
     Database &m_database;
+    std::optional<TimeLimit> m_limit;
     Kind m_kind;
     bool m_open = false;
     bool m_outer = false;
