@@ -161,6 +161,17 @@ bool Query::next()
     return false;
 }
 
+QString Row::text(int column) const
+{
+    const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
+    return QString::fromUtf8(bytes, sqlite3_column_bytes(m_statement, column));
+}
+
+qint64 Row::number(int column) const
+{
+    return sqlite3_column_int64(m_statement, column);
+}
+
 Statement::Statement(Database &database, const QString &sql)
     : m_database(database),
       m_query(database.connection())
@@ -356,24 +367,19 @@ QVector<qint64> Database::numbers(const QString &sql, const QVariantList &values
 }
 
 std::optional<QVector<qint64>> Database::numbersWithin(qint64 steps, const QString &sql,
-                                                       const QVariantList &values)
+                                                       const QVariantList &values, qint64 stepsToFirst)
 {
-    if (!mayRun())
+    const Prepared statement = prepare(sql, values);
+    if (!statement)
         return QVector<qint64>();
-    sqlite3_stmt *prepared = nullptr;
-    const QByteArray text = sql.toUtf8();
-    sqlite3_prepare_v2(handle(), text.constData(), text.size(), &prepared, nullptr);
-    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(prepared, &sqlite3_finalize);
-    if (!statement) {
-        noteFailure();
-        return QVector<qint64>();
-    }
-    for (int i = 0; i < values.size(); ++i)
-        bindValue(statement.get(), i + 1, values.at(i));
-    m_stepsLeft = steps;
+    m_stepsLeft = stepsToFirst > 0 ? qMin(stepsToFirst, steps) : steps;
     watchProgress();
     QVector<qint64> list;
     int code = sqlite3_step(statement.get());
+    if (stepsToFirst > 0 && code == SQLITE_ROW) {
+        m_stepsLeft = steps;
+        watchProgress();
+    }
     for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
         list.append(sqlite3_column_int64(statement.get(), 0));
     const bool outOfSteps = m_stepsLeft < 0;
@@ -385,6 +391,35 @@ std::optional<QVector<qint64>> Database::numbersWithin(qint64 steps, const QStri
         return std::nullopt;
     noteFailure();
     return QVector<qint64>();
+}
+
+bool Database::forEachRow(const QString &sql, const QVariantList &values,
+                          const std::function<void(const Row &)> &take)
+{
+    const Prepared statement = prepare(sql, values);
+    if (!statement)
+        return false;
+    int code = sqlite3_step(statement.get());
+    for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
+        take(Row(statement.get()));
+    if (code != SQLITE_DONE)
+        noteFailure();
+    return code == SQLITE_DONE;
+}
+
+/// Empty, and the failure noted, when it cannot be run.
+Database::Prepared Database::prepare(const QString &sql, const QVariantList &values)
+{
+    sqlite3_stmt *prepared = nullptr;
+    if (mayRun()) {
+        const QByteArray text = sql.toUtf8();
+        sqlite3_prepare_v2(handle(), text.constData(), text.size(), &prepared, nullptr);
+        if (!prepared)
+            noteFailure();
+    }
+    for (int i = 0; prepared && i < values.size(); ++i)
+        bindValue(prepared, i + 1, values.at(i));
+    return Prepared(prepared, &sqlite3_finalize);
 }
 
 /// Lets the database ask now and then whether the statement at work may go on.

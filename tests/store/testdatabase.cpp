@@ -437,6 +437,12 @@ private slots:
                      database->value(endless);
                  }),
                  ErrorCode::TooSlow);
+        // A first row that only comes after sorting is given up for.
+        const QString some = QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                                            "WHERE i < 9999) SELECT i FROM n %1 LIMIT 2");
+        const QVector<qint64> firstTwo{1, 2};
+        QVERIFY(database->numbersWithin(1'000'000, some.arg(QString()), {}, 1'000) == firstTwo);
+        QVERIFY(!database->numbersWithin(1'000'000, some.arg("ORDER BY i % 9999"), {}, 1'000));
         // The earlier of two limits counts, and nothing begins after it.
         QCOMPARE(codeAfter([&] {
                      const TimeLimit longer(*database, 60'000);
