@@ -60,7 +60,7 @@ Result<ProfileFindings> checkProfile(const Profile &profile)
     const Result<int> documents = subArchives.countDocuments(id.value());
     if (!documents)
         return documents.error();
-    const Result<Records> folders = Folders(*session.value()).list(false);
+    const Result<Records> folders = Folders(*session.value()).list(Folders::Scope::InUse);
     if (!folders)
         return folders.error();
     ProfileFindings findings;

@@ -123,7 +123,12 @@ void ClassifyClient::setRoleUsers(QString role, QStringList logins)
 bool ClassifyClient::getFolders(QStringList &rows, QList<QByteArray> &pictures, bool all)
 {
     return assign(
-        m_connection, [all](Session &session) { return kelva::Folders(session).list(all); }, rows, pictures);
+        m_connection,
+        [all](Session &session) {
+            return kelva::Folders(session).list(all ? kelva::Folders::Scope::All
+                                                    : kelva::Folders::Scope::InUse);
+        },
+        rows, pictures);
 }
 
 bool ClassifyClient::saveFolders(QStringList rows, QList<QByteArray> pictures)

@@ -232,33 +232,35 @@ Result<QStringList> Content::exportVersions(qint64 archiveId, const QString &dir
     Database &database = m_session.database();
     if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
         return allowed.error();
-    Transaction reading(database, Transaction::Kind::Read);
-    if (!maySeeDocument(m_session, archiveId))
-        return database.failed() ? database.result(0).error() : noDocument();
-    QStringList written;
-    for (Query row = database.query(
-             QStringLiteral("SELECT v.blob, v.version, d.file_name FROM file_version v JOIN document d"
-                            " ON d.id = v.document WHERE d.id = ? ORDER BY v.version"),
-             {archiveId});
-         row.next();) {
-        const QString name = row.text(2).replace(QLatin1Char('/'), QLatin1Char('_'));
-        const QString path = QStringLiteral("%1/%2-%3").arg(directory, row.text(1), name);
-        const Result<void> copied = copyToNewFile(database, row.number(0), path);
-        if (copied)
-            written << path;
-        if (!copied || database.failed()) {
-            for (const QString &file : qAsConst(written))
-                QFile::remove(file);
-            return copied ? database.result(0).error() : copied.error();
-        }
+    QVector<QPair<qint64, QString>> versions;
+    {
+        Transaction reading(database, Transaction::Kind::Read);
+        if (!maySeeDocument(m_session, archiveId))
+            return database.failed() ? database.result(0).error() : noDocument();
+        for (Query row = database.query(
+                 QStringLiteral("SELECT v.blob, v.version, d.file_name FROM file_version v JOIN document d"
+                                " ON d.id = v.document WHERE d.id = ? ORDER BY v.version"),
+                 {archiveId});
+             row.next();)
+            versions.append(
+                {row.number(0),
+                 QStringLiteral("%1/%2-%3")
+                     .arg(directory, row.text(1), row.text(2).replace(QLatin1Char('/'), QLatin1Char('_')))});
+        if (const Result<void> done = reading.commit(); !done)
+            return done.error();
     }
-    if (database.failed())
-        return database.result(0).error();
-    if (written.isEmpty())
+    if (versions.isEmpty())
         return Error{ErrorCode::NotFound,
                      QStringLiteral("The document has no file, or it has been deleted.")};
-    if (const Result<void> done = reading.commit(); !done)
-        return done.error();
+    QStringList written;
+    for (const auto &[blob, path] : qAsConst(versions)) {
+        if (const Result<void> copied = copyToNewFile(database, blob, path); !copied) {
+            for (const QString &file : qAsConst(written))
+                QFile::remove(file);
+            return copied.error();
+        }
+        written << path;
+    }
     const Result<void> recorded = record(archiveId, Action::Exported);
     return recorded ? Result<QStringList>(written) : recorded.error();
 }
@@ -364,11 +366,15 @@ Result<void> Content::remove(const QString &archiveId, const QString &comment)
 
 Result<QStringList> Content::search(const QString &text)
 {
-    const QString expression = fullTextExpression(text);
+    const Result<QString> words = fullTextExpression(text);
+    if (!words)
+        return words.error();
+    const QString &expression = words.value();
     if (expression.isEmpty())
         return Error{ErrorCode::BadInput, QStringLiteral("There is nothing to look for.")};
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
+    const TimeLimit patience(database, longestSearchMs(database));
     // The words of a file are those of every entry, a description is seen with its own entry alone.
     const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("t.rowid"));
     const QVector<qint64> ids = database.numbers(

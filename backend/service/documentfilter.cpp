@@ -3,6 +3,7 @@
 #include "server/recordformat.h"
 #include "service/documentcolumns.h"
 #include "service/session.h"
+#include "store/textmatch.h"
 
 #include <algorithm>
 
@@ -83,7 +84,7 @@ void add(SqlCondition *whole, const QString &sql, const QVariantList &values = {
     whole->values += values;
 }
 
-void addSelection(SqlCondition *whole, const DocumentFilter &filter)
+Result<void> addSelection(SqlCondition *whole, const DocumentFilter &filter)
 {
     QStringList either;
     QVariantList values;
@@ -92,8 +93,10 @@ void addSelection(SqlCondition *whole, const DocumentFilter &filter)
             "SELECT id FROM classification WHERE document IN (SELECT value FROM json_each(?))");
         values << jsonList(filter.selection);
     }
-    const QString expression = fullTextExpression(filter.fullText);
-    if (!expression.isEmpty()) {
+    const Result<QString> words = fullTextExpression(filter.fullText);
+    if (!words)
+        return words.error();
+    if (const QString &expression = words.value(); !expression.isEmpty()) {
         either << QStringLiteral("SELECT id FROM classification WHERE document IN (SELECT rowid FROM "
                                  "words_text WHERE words_text MATCH ?)")
                << QStringLiteral("SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?");
@@ -104,6 +107,7 @@ void addSelection(SqlCondition *whole, const DocumentFilter &filter)
         add(whole, QStringLiteral("c.id IN (%1)").arg(either.join(QStringLiteral(" UNION ALL "))), values);
     else if (!filter.fullText.isEmpty())
         add(whole, QStringLiteral("0"));
+    return {};
 }
 
 } // namespace
@@ -141,7 +145,8 @@ Result<DocumentCondition> conditionFor(Session &session, const DocumentFilter &f
     }
     if (filter.mine)
         add(&wanted, QStringLiteral("c.creator = ?"), {session.login()});
-    addSelection(&wanted, filter);
+    if (const Result<void> added = addSelection(&wanted, filter); !added)
+        return added.error();
     condition.inTrash = filter.trash;
     condition.asksForEverything =
         !filter.mine && filter.clauses.isEmpty() && !filter.hasSelection && filter.fullText.isEmpty();
@@ -149,8 +154,17 @@ Result<DocumentCondition> conditionFor(Session &session, const DocumentFilter &f
     return condition;
 }
 
-QString fullTextExpression(const QString &text)
+qint64 longestSearchMs(Database &database)
 {
+    constexpr qint64 atLeast = 1500;
+    constexpr qint64 recordsPerMs = 65;
+    return qMax(atLeast, database.value(QStringLiteral("SELECT max(id) FROM classification")).toLongLong() /
+                             recordsPerMs);
+}
+
+Result<QString> fullTextExpression(const QString &text)
+{
+    int words = 0;
     QStringList terms;
     QString word;
     bool quoted = false;
@@ -158,6 +172,7 @@ QString fullTextExpression(const QString &text)
     const auto endWord = [&](bool prefix) {
         if (word.isEmpty())
             return;
+        ++words;
         if (quoted)
             phrase << word;
         else
@@ -180,6 +195,10 @@ QString fullTextExpression(const QString &text)
     endWord(false);
     if (!phrase.isEmpty())
         terms << QStringLiteral("\"%1\"").arg(phrase.join(QLatin1Char(' ')));
+    if (words > WordQuery::mostWords)
+        return Error{ErrorCode::BadInput,
+                     QStringLiteral("The search has more than %1 words. Please leave some out.")
+                         .arg(WordQuery::mostWords)};
     return terms.join(QStringLiteral(" AND "));
 }
 

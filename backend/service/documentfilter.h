@@ -8,8 +8,9 @@
 
 namespace kelva {
 
-class Session;
+class Database;
 class DocumentColumns;
+class Session;
 
 /// A filter list, taken apart.
 struct DocumentFilter
@@ -42,8 +43,12 @@ Result<DocumentCondition> conditionFor(Session &session, const DocumentFilter &f
                                        const DocumentColumns &columns);
 
 /// What a user typed, as an expression for the full-text tables: all words, "*" at the end of one for any
-/// ending, and quoted phrases. Empty when there is nothing to look for.
-QString fullTextExpression(const QString &text);
+/// ending, and quoted phrases. Empty when there is nothing to look for; BadInput for too many words.
+Result<QString> fullTextExpression(const QString &text);
+
+/// How long a list or a count may take, in milliseconds: what a condition that has to look into every record
+/// needs, and some more. Who writes a condition of many such parts must not block the program for minutes.
+qint64 longestSearchMs(Database &database);
 
 /// A list of numbers as one bound value, for "IN (SELECT value FROM json_each(?))".
 QString jsonList(const QVector<qint64> &numbers);

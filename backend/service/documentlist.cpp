@@ -50,8 +50,13 @@ public:
         // A thousand records found by index cost next to nothing, ten thousand passed on the way back a
         // little more.
         constexpr qint64 growth = 6;
+        constexpr qint64 stepsPerHit = 20;
         qint64 indexSteps = 10'000;
         qint64 walkSteps = 150'000;
+        // An index that begins with what is asked for has its hits in the order of the list.
+        if (!m_condition.asksForEverything)
+            if (const auto hits = inOrder(indexSteps + stepsPerHit * qMin(m_limit, indexSteps)))
+                return *hits;
         for (;; indexSteps *= growth, walkSteps *= 2) {
             if (!m_condition.asksForEverything)
                 if (const auto hits = select(QString(), m_onlyChecked, indexSteps))
@@ -69,14 +74,24 @@ private:
 
     std::optional<QVector<qint64>> walk(qint64 steps)
     {
-        const QString way = m_condition.inTrash ? QStringLiteral("INDEXED BY classification_trash")
-                                                : QStringLiteral("NOT INDEXED");
+        return ordered(steps, m_condition.inTrash ? QStringLiteral("INDEXED BY classification_trash")
+                                                  : QStringLiteral("NOT INDEXED"));
+    }
+
+    std::optional<QVector<qint64>> inOrder(qint64 steps)
+    {
+        constexpr qint64 withoutSorting = 1'000;
+        return ordered(steps, QString(), withoutSorting);
+    }
+
+    std::optional<QVector<qint64>> ordered(qint64 steps, const QString &way, qint64 stepsToFirst = 0)
+    {
         return m_database.numbersWithin(
             steps,
             QStringLiteral("SELECT c.id FROM classification c %1 WHERE %2%3 ORDER BY c.id DESC LIMIT %4")
                 .arg(way, m_condition.wanted.sql, m_onlyChecked)
                 .arg(m_limit),
-            m_condition.wanted.values);
+            m_condition.wanted.values, stepsToFirst);
     }
 
     std::optional<QVector<qint64>> select(const QString &way, const QString &rights, qint64 steps)
@@ -104,16 +119,6 @@ private:
     qint64 m_limit;
 };
 
-/// How long a list may take, in milliseconds: what a condition that has to look into every record needs, and
-/// some more. Who writes a condition of many such parts must not block the program for minutes.
-qint64 longestList(Database &database)
-{
-    constexpr qint64 atLeast = 1500;
-    constexpr qint64 recordsPerMs = 65;
-    return qMax(atLeast, database.value(QStringLiteral("SELECT max(id) FROM classification")).toLongLong() /
-                             recordsPerMs);
-}
-
 struct RowSource
 {
     SqlCondition condition;
@@ -136,8 +141,7 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
     const QDate today = session.today();
     QStringList rows;
     QVector<qint64> ids;
-    for (Query row = database.query(sql, QVariantList{columns.rowFormat()} + source.condition.values);
-         row.next();) {
+    const auto take = [&](const Row &row) {
         QString text = row.text(0);
         text += recordformat::fieldSeparator;
         if (row.flag(2))
@@ -148,8 +152,8 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
             text += QLatin1Char('F');
         rows << text;
         ids << row.number(3);
-    }
-    if (!database.failed())
+    };
+    if (database.forEachRow(sql, QVariantList{columns.rowFormat()} + source.condition.values, take))
         session.recordLayouts().noteList(ids, columns.attributeIds());
     return rows;
 }
@@ -168,7 +172,7 @@ Result<QStringList> listDocuments(Session &session, const QStringList &filters)
     if (!condition)
         return condition.error();
 
-    const TimeLimit patience(database, longestList(database));
+    const TimeLimit patience(database, longestSearchMs(database));
     RowSource source;
     source.withRetention = filter.value().trash || filter.value().ignoreRights;
     source.allOpened = condition.value().needsRights;

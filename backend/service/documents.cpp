@@ -395,6 +395,7 @@ Result<qint64> Documents::count(const QString &clause)
         translateClause(clause, DocumentColumns::load(database).clauseFields(), m_session.today());
     if (!condition)
         return condition.error();
+    const TimeLimit patience(database, longestSearchMs(database));
     const Access &access = m_session.access();
     const QString visible =
         access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));
@@ -414,6 +415,7 @@ Result<qint64> Documents::countInFolder(const QString &pattern)
     const QString oid = below ? pattern.chopped(2) : pattern;
     if (!isFolderOid(oid))
         return Error{ErrorCode::BadInput, QStringLiteral("The folder is not valid.")};
+    const TimeLimit patience(database, longestSearchMs(database));
     const Access &access = m_session.access();
     const QString visible =
         access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));

@@ -18,6 +18,8 @@ constexpr int maximumKeywords = 4000;
 /// Of an oid; some fifty levels of folders.
 constexpr int maximumLength = 200;
 
+const QLatin1Char inactiveLetter('I');
+
 struct FolderRow
 {
     QString oid;
@@ -205,10 +207,11 @@ bool isFolderOid(const QString &oid)
     });
 }
 
-Result<Records> Folders::list(bool all)
+Result<Records> Folders::list(Scope scope)
 {
     Database &database = m_session.database();
     Transaction reading(database, Transaction::Kind::Read);
+    const bool all = scope == Scope::All;
     if (all)
         if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
             return allowed.error();
@@ -218,18 +221,19 @@ Result<Records> Folders::list(bool all)
     Records records;
     QSet<QString> inactive;
     for (const FolderRow *row : tree.inOrder()) {
-        bool locked = false;
-        if (!all) {
-            // What lies below an inactive folder is out of use with it.
-            if (row->flag.contains(QLatin1Char('I')) || inactive.contains(parentOf(row->oid))) {
-                inactive.insert(row->oid);
+        QString flag = row->flag;
+        // What lies below an inactive folder is out of use with it.
+        if (!all && (flag.contains(inactiveLetter) || inactive.contains(parentOf(row->oid)))) {
+            inactive.insert(row->oid);
+            if (scope == Scope::InUse)
                 continue;
-            }
-            if (!row->visible && !row->leads)
-                continue;
-            locked = !row->visible;
+            if (!flag.contains(inactiveLetter))
+                flag += inactiveLetter;
         }
-        records.add({row->oid, row->name, row->flag, row->key, parentOf(row->oid), QStringLiteral("0"),
+        if (!all && !row->visible && !row->leads)
+            continue;
+        const bool locked = !all && !row->visible;
+        records.add({row->oid, row->name, flag, row->key, parentOf(row->oid), QStringLiteral("0"),
                      locked ? QStringLiteral("L") : QString(),
                      row->occupied ? QString() : QStringLiteral("E"), row->keywords},
                     row->picture);

@@ -18,10 +18,14 @@ class Folders
 public:
     explicit Folders(Session &session) : m_session(session) {}
 
+    enum class Scope {
+        InUse,        ///< what the session sees and the way to it ("L"), inactive folders left out
+        WithInactive, ///< the same with inactive ones; the flag of all below them holds "I" as well
+        All,          ///< every folder, for administrators
+    };
     /// Records of nine fields: oid, name, flag, key, parent oid, "0", "L" or "", "E" or "", keywords; parents
-    /// first, siblings by name. all is for administrators; without, what the session sees and the way to it
-    /// ("L"), inactive ones left out.
-    Result<Records> list(bool all);
+    /// first, siblings by name.
+    Result<Records> list(Scope scope);
     /// Records of oid, name, flag, key, parent oid, "1" or "0", and "D" or "I" or "U" with keywords.
     Result<void> save(const Records &records);
     /// parentOid "-1" makes a main folder. Returns the new oid.

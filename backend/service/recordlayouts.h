@@ -19,6 +19,7 @@ public:
         // Only what was handed out lately comes back; the list at hand is kept whatever its length.
         if (m_byRecord.size() + classificationIds.size() > longMemory)
             m_byRecord.clear();
+        m_byRecord.reserve(m_byRecord.size() + classificationIds.size());
         for (const qint64 id : classificationIds)
             m_byRecord.insert(id, layout);
         m_list = layout;

@@ -148,7 +148,8 @@ const Access &Session::access()
             roles = m_database->texts(QStringLiteral("SELECT role FROM account_role WHERE account = ?"),
                                       {m_userId});
         m_access = Access(*m_database, m_scope, roles);
-        m_accessAsOf = counter;
+        // What could not be read to its end is read again by the next operation.
+        m_accessAsOf = m_database->failed() ? -1 : counter;
         m_accessRollbacks = m_database->rollbacks();
     }
     return m_access;

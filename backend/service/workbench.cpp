@@ -67,13 +67,13 @@ Editors editorsOf(Session &session, const DocumentColumns &columns)
     return editors;
 }
 
-/// Folders of the first two levels, by oid and name.
+/// Folders of the first two levels that are in use, by oid and name.
 Records mainFolders(const Records &folders)
 {
     Records main;
     for (int i = 0; i < folders.rows.size(); ++i) {
-        const QStringList fields = folders.fields(i, 2);
-        if (fields.at(0).count(QLatin1Char('.')) <= 1)
+        const QStringList fields = folders.fields(i, 3);
+        if (fields.at(0).count(QLatin1Char('.')) <= 1 && !fields.at(2).contains(QLatin1Char('I')))
             main.add({fields.at(0), fields.at(1)}, folders.pictures.at(i));
     }
     return main;
@@ -91,7 +91,7 @@ Result<QByteArray> workbenchBlock(Session &session)
     Result<Records> types = Vocabulary(session).types();
     if (!types)
         return types.error();
-    Result<Records> folders = Folders(session).list(false);
+    Result<Records> folders = Folders(session).list(Folders::Scope::WithInactive);
     if (!folders)
         return folders.error();
     const Records main = mainFolders(folders.value());

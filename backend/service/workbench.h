@@ -12,7 +12,8 @@ class Session;
 
 /// The session's vocabulary as one QDataStream of the default version, nine items: column titles; "title,
 /// key" of every column and one more for the rights letters; column keys; the column numbers of choice, line,
-/// check box and date attributes with their values; rows of main folders, status, types and folders; their
+/// check box and date attributes with their values; rows of main folders, status, types and folders
+/// (inactive ones too, marked "I" with all below them, so that documents in them have a name); their
 /// pictures.
 Result<QByteArray> workbenchBlock(Session &session);
 

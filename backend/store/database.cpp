@@ -161,6 +161,17 @@ bool Query::next()
     return false;
 }
 
+QString Row::text(int column) const
+{
+    const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
+    return QString::fromUtf8(bytes, sqlite3_column_bytes(m_statement, column));
+}
+
+qint64 Row::number(int column) const
+{
+    return sqlite3_column_int64(m_statement, column);
+}
+
 Statement::Statement(Database &database, const QString &sql)
     : m_database(database),
       m_query(database.connection())
@@ -212,12 +223,6 @@ QSqlDatabase Database::connection() const
     return QSqlDatabase::database(m_connection, false);
 }
 
-sqlite3 *Database::handle() const
-{
-    const QVariant handle = connection().driver()->handle();
-    return *static_cast<sqlite3 *const *>(handle.constData());
-}
-
 Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode, int busyTimeoutMs,
                                                  int version)
 {
@@ -249,7 +254,8 @@ Result<void> Database::connect(Mode mode, int busyTimeoutMs, int version)
         if (!own.open())
             return sqliteError(own.lastError().nativeErrorCode().toInt());
     }
-    sqlite3_extended_result_codes(handle(), 1);
+    m_handle = *static_cast<sqlite3 *const *>(connection().driver()->handle().constData());
+    sqlite3_extended_result_codes(m_handle, 1);
     registerSqlFunctions(handle());
     sqlite3_db_config(handle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     // A medium may come from anybody. One's own archives need trust: their triggers write full-text tables.
@@ -298,6 +304,8 @@ bool Database::mayRun()
 {
     if (m_depth == 0)
         m_error.reset();
+    if (m_deadline && !m_error && *m_deadline <= std::chrono::steady_clock::now())
+        fail(sqliteError(SQLITE_INTERRUPT));
     return !m_error;
 }
 
@@ -359,24 +367,19 @@ QVector<qint64> Database::numbers(const QString &sql, const QVariantList &values
 }
 
 std::optional<QVector<qint64>> Database::numbersWithin(qint64 steps, const QString &sql,
-                                                       const QVariantList &values)
+                                                       const QVariantList &values, qint64 stepsToFirst)
 {
-    if (!mayRun())
+    const Prepared statement = prepare(sql, values);
+    if (!statement)
         return QVector<qint64>();
-    sqlite3_stmt *prepared = nullptr;
-    const QByteArray text = sql.toUtf8();
-    sqlite3_prepare_v2(handle(), text.constData(), text.size(), &prepared, nullptr);
-    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(prepared, &sqlite3_finalize);
-    if (!statement) {
-        noteFailure();
-        return QVector<qint64>();
-    }
-    for (int i = 0; i < values.size(); ++i)
-        bindValue(statement.get(), i + 1, values.at(i));
-    m_stepsLeft = steps;
+    m_stepsLeft = stepsToFirst > 0 ? qMin(stepsToFirst, steps) : steps;
     watchProgress();
     QVector<qint64> list;
     int code = sqlite3_step(statement.get());
+    if (stepsToFirst > 0 && code == SQLITE_ROW) {
+        m_stepsLeft = steps;
+        watchProgress();
+    }
     for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
         list.append(sqlite3_column_int64(statement.get(), 0));
     const bool outOfSteps = m_stepsLeft < 0;
@@ -390,41 +393,54 @@ std::optional<QVector<qint64>> Database::numbersWithin(qint64 steps, const QStri
     return QVector<qint64>();
 }
 
+bool Database::forEachRow(const QString &sql, const QVariantList &values,
+                          const std::function<void(const Row &)> &take)
+{
+    const Prepared statement = prepare(sql, values);
+    if (!statement)
+        return false;
+    int code = sqlite3_step(statement.get());
+    for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
+        take(Row(statement.get()));
+    if (code != SQLITE_DONE)
+        noteFailure();
+    return code == SQLITE_DONE;
+}
+
+/// Empty, and the failure noted, when it cannot be run.
+Database::Prepared Database::prepare(const QString &sql, const QVariantList &values)
+{
+    sqlite3_stmt *prepared = nullptr;
+    if (mayRun()) {
+        const QByteArray text = sql.toUtf8();
+        sqlite3_prepare_v2(handle(), text.constData(), text.size(), &prepared, nullptr);
+        if (!prepared)
+            noteFailure();
+    }
+    for (int i = 0; prepared && i < values.size(); ++i)
+        bindValue(prepared, i + 1, values.at(i));
+    return Prepared(prepared, &sqlite3_finalize);
+}
+
 /// Lets the database ask now and then whether the statement at work may go on.
 void Database::watchProgress()
 {
     constexpr qint64 unbounded = std::numeric_limits<int>::max();
     constexpr qint64 oftenEnough = 10'000; // some hundred records
-    const bool bounded = m_stepsLeft > 0 && m_stepsLeft <= unbounded;
-    if (!bounded)
+    if (m_stepsLeft <= 0 || m_stepsLeft > unbounded) {
         m_stepsLeft = 0;
-    if (!bounded && !m_deadline) {
         sqlite3_progress_handler(handle(), 0, nullptr, nullptr);
         return;
     }
-    m_stepsAtATime = bounded ? qMin(m_stepsLeft, oftenEnough) : oftenEnough;
+    m_stepsAtATime = qMin(m_stepsLeft, oftenEnough);
     const auto mustStop = [](void *context) {
         auto *self = static_cast<Database *>(context);
-        if (self->m_stepsLeft > 0) {
-            self->m_stepsLeft -= self->m_stepsAtATime;
-            if (self->m_stepsLeft <= 0)
-                self->m_stepsLeft = -1;
-        }
-        return self->m_stepsLeft < 0 || (self->m_deadline && self->m_deadline->hasExpired()) ? 1 : 0;
+        self->m_stepsLeft -= self->m_stepsAtATime;
+        if (self->m_stepsLeft <= 0)
+            self->m_stepsLeft = -1;
+        return self->m_stepsLeft < 0 ? 1 : 0;
     };
     sqlite3_progress_handler(handle(), static_cast<int>(m_stepsAtATime), mustStop, this);
-}
-
-TimeLimit::TimeLimit(Database &database, qint64 ms) : m_database(database)
-{
-    m_database.m_deadline.emplace(ms);
-    m_database.watchProgress();
-}
-
-TimeLimit::~TimeLimit()
-{
-    m_database.m_deadline.reset();
-    m_database.watchProgress();
 }
 
 void Database::noteFailure()
@@ -464,67 +480,6 @@ Result<void> Database::backupTo(const QString &target)
         QFile::remove(unfinished);
         return Error{ErrorCode::Storage, QStringLiteral("The backup %1 could not be written.").arg(target)};
     }
-    return {};
-}
-
-Transaction::Transaction(Database &database, Kind kind) : m_database(database), m_kind(kind)
-{
-    m_outer = m_database.m_depth == 0;
-    if (!m_outer) {
-        ++m_database.m_depth;
-        m_open = true;
-        return;
-    }
-    m_database.m_error.reset();
-    waitForDisk(false);
-    m_open = m_database.run(kind == Kind::Read ? QStringLiteral("BEGIN") : QStringLiteral("BEGIN IMMEDIATE"));
-    m_database.m_depth = 1;
-}
-
-/// Only between transactions, where it always succeeds. Does nothing for a transaction of another kind.
-void Transaction::waitForDisk(bool wait)
-{
-    if (m_kind == Kind::WriteBehind)
-        sqlite3_exec(m_database.handle(), wait ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL",
-                     nullptr, nullptr, nullptr);
-}
-
-Transaction::~Transaction()
-{
-    if (m_done)
-        return;
-    if (--m_database.m_depth > 0) {
-        if (m_kind != Kind::Read)
-            m_database.fail({ErrorCode::BadInput, QStringLiteral("The operation was broken off.")});
-        return;
-    }
-    if (!m_open) {
-        waitForDisk(true);
-        return;
-    }
-    // Keeps the error of the statements: the caller may still ask for it.
-    const std::optional<Error> error = m_database.m_error;
-    if (m_kind != Kind::Read) {
-        m_database.run(QStringLiteral("ROLLBACK"));
-        ++m_database.m_rollbacks;
-        waitForDisk(true);
-    } else {
-        // Nothing was written but temporary tables, and those are still good.
-        m_database.run(QStringLiteral("COMMIT"));
-    }
-    m_database.m_error = error;
-}
-
-Result<void> Transaction::commit()
-{
-    if (m_database.m_error)
-        return *m_database.m_error;
-    if (m_outer && !m_database.run(QStringLiteral("COMMIT")))
-        return *m_database.m_error;
-    --m_database.m_depth;
-    m_done = true;
-    if (m_outer)
-        waitForDisk(true);
     return {};
 }
 

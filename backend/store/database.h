@@ -2,16 +2,18 @@
 
 #include "store/result.h"
 
-#include <QDeadlineTimer>
 #include <QSqlQuery>
 #include <QString>
 #include <QVariantList>
 #include <QVector>
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
 struct sqlite3;
+struct sqlite3_stmt;
 class QSqlDatabase;
 
 namespace kelva {
@@ -34,6 +36,21 @@ private:
 
     QSqlQuery m_query;
     class Database &m_database;
+};
+
+/// The row that a statement stands at, for forEachRow().
+class Row
+{
+public:
+    QString text(int column) const;
+    qint64 number(int column) const;
+    bool flag(int column) const { return number(column) != 0; }
+
+private:
+    friend class Database;
+    explicit Row(sqlite3_stmt *statement) : m_statement(statement) {}
+
+    sqlite3_stmt *m_statement;
 };
 
 /// A statement that is prepared once and run many times with other values.
@@ -74,7 +91,7 @@ public:
 
     const QString &path() const { return m_path; }
     bool isReadOnly() const { return m_readOnly; }
-    sqlite3 *handle() const;
+    sqlite3 *handle() const { return m_handle; }
 
     bool run(const QString &sql, const QVariantList &values = {});
     Query query(const QString &sql, const QVariantList &values = {});
@@ -84,9 +101,13 @@ public:
     /// First column of every row; for many numbers, without the cost of a row object each.
     QVector<qint64> numbers(const QString &sql, const QVariantList &values = {});
     /// The same, but gives up without an error, and without a value, after so many steps of the database's
-    /// machine. A record looked at takes ten or so.
-    std::optional<QVector<qint64>> numbersWithin(qint64 steps, const QString &sql,
-                                                 const QVariantList &values);
+    /// machine. A record looked at takes ten or so. stepsToFirst: when even the first row takes longer, the
+    /// database sorts, or finds next to nothing; 0 for no such bound.
+    std::optional<QVector<qint64>> numbersWithin(qint64 steps, const QString &sql, const QVariantList &values,
+                                                 qint64 stepsToFirst = 0);
+    /// Hands every row to the function: for thousands of rows, cheaper than a Query. False on failure.
+    bool forEachRow(const QString &sql, const QVariantList &values,
+                    const std::function<void(const Row &)> &take);
     qint64 lastInsertId() const { return m_lastInsertId; }
     /// Rows that the last run() inserted, changed or deleted.
     int affected() const { return m_affected; }
@@ -124,6 +145,8 @@ private:
     Result<void> connect(Mode mode, int busyTimeoutMs, int version);
     Result<void> bringUpToDate(Mode mode, int target);
     bool mayRun();
+    using Prepared = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
+    Prepared prepare(const QString &sql, const QVariantList &values);
     void noteFailure(const QSqlQuery &query);
     void noteFailure();
     void watchProgress();
@@ -131,19 +154,21 @@ private:
 
     QString m_path;
     QString m_connection;
+    sqlite3 *m_handle = nullptr;
     bool m_readOnly = false;
     int m_depth = 0; ///< transactions open; an inner one takes part in the outer one
     int m_rollbacks = 0;
     qint64 m_lastInsertId = 0;
     int m_affected = 0;
     std::optional<Error> m_error;
-    std::optional<QDeadlineTimer> m_deadline;
+    std::optional<std::chrono::steady_clock::time_point> m_deadline; ///< of the time limit in force
     qint64 m_stepsLeft = 0; ///< of the statement at work; 0 for any number, negative when used up
     qint64 m_stepsAtATime = 0;
 };
 
-/// As long as it lives, a statement that is still at work after so many milliseconds fails with TooSlow. Not
-/// to be used where something is written, and one at a time.
+/// As long as it lives, what is still at work after so many milliseconds fails with TooSlow, the full-text
+/// engine's own work included, and so does every statement after that. Within another limit the earlier one
+/// counts. Not to be used where something is written.
 class TimeLimit
 {
 public:
@@ -153,11 +178,15 @@ public:
     TimeLimit &operator=(const TimeLimit &) = delete;
 
 private:
+    void enforce();
+
     Database &m_database;
+    std::optional<std::chrono::steady_clock::time_point> m_outer;
 };
 
 /// Rolls back unless commit() succeeded. Write locks the archive at once, so that what is read stays true
-/// until it is written; Read gives all statements the same state of the archive. WriteBehind is a Write that
+/// until it is written; Read gives all statements the same state of the archive, and ends what takes longer
+/// than anybody waits. WriteBehind is a Write that
 /// does not wait for the disk: everybody sees it and it survives the end of the program, but a power failure
 /// may take it back, until the next Write has been committed.
 class Transaction
@@ -176,6 +205,7 @@ public:
 private:
     void waitForDisk(bool wait);
     Database &m_database;
+    std::optional<TimeLimit> m_limit;
     Kind m_kind;
     bool m_open = false;
     bool m_outer = false;

@@ -189,18 +189,24 @@ std::vector<QString> wordsOf(const QString &text)
 Result<WordQuery> WordQuery::parse(const QString &query)
 {
     WordQuery result;
+    bool missing = false;
+    size_t count = 0;
     for (const QString &side : query.split(QLatin1Char('&'))) {
         const QStringList parts = side.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
-        if (parts.isEmpty())
-            return Error{ErrorCode::BadInput,
-                         QStringLiteral("a word is missing beside \"&\" or the query is empty")};
+        missing = missing || parts.isEmpty();
         for (const QString &part : parts) {
             const bool prefix = part.endsWith(QLatin1String(":*"));
             Phrase phrase{wordsOf(prefix ? part.chopped(2) : part), prefix};
+            count += phrase.words.size();
             if (!phrase.words.empty())
                 result.m_phrases.push_back(std::move(phrase));
         }
     }
+    if (missing && result.m_phrases.empty())
+        return Error{ErrorCode::BadInput,
+                     QStringLiteral("a word is missing beside \"&\" or the query is empty")};
+    if (count > mostWords)
+        return Error{ErrorCode::BadInput, QStringLiteral("there are more than %1 words").arg(mostWords)};
     return result;
 }
 

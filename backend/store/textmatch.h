@@ -53,7 +53,11 @@ std::vector<QString> wordsOf(const QString &text);
 class WordQuery
 {
 public:
-    /// A side of an "&" that holds nothing is an error.
+    /// More would be looked up one by one for no use to anybody.
+    static constexpr int mostWords = 100;
+
+    /// A side of an "&" that holds nothing is passed over as long as another one holds a word, as in
+    /// "Smith & & Sons". Without any it is an error, and so are too many words.
     static Result<WordQuery> parse(const QString &query);
 
     /// Without a letter or digit in it, a query matches no text at all.

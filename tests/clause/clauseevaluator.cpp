@@ -103,10 +103,10 @@ ClauseEvaluator::Truth ClauseEvaluator::evaluateWords(const Value &text, const Q
 {
     const QStringList words = splitWords(text.text);
     bool anyWanted = false;
+    bool anyEmpty = false;
     bool allFound = true;
     for (const QString &side : query.split('&')) {
-        if (side.simplified().isEmpty())
-            m_refused = true;
+        anyEmpty = anyEmpty || side.simplified().isEmpty();
         for (const QString &part : side.simplified().split(' ', Qt::SkipEmptyParts)) {
             const QStringList wanted = splitWords(part);
             if (wanted.isEmpty())
@@ -123,6 +123,7 @@ ClauseEvaluator::Truth ClauseEvaluator::evaluateWords(const Value &text, const Q
             allFound = allFound && found;
         }
     }
+    m_refused = m_refused || (anyEmpty && !anyWanted);
     return text.isNull ? Truth::Unknown : truth(anyWanted && allFound);
 }
 

@@ -188,6 +188,7 @@ private slots:
             {"to_tsvector(bemerkung) @@ to_tsquery('2015-inv')", {}},
             {"to_tsvector(bemerkung) @@ to_tsquery('O'Brien's & invoice')", {3}},
             {"to_tsvector(bemerkung) @@ to_tsquery('rent & - & \"invoices\"')", {8}},
+            {"to_tsvector(bemerkung) @@ to_tsquery('& & inv:* & & & 2015')", {3, 7, 8}},
             {"to_tsvector(bemerkung) @@ to_tsquery('-')", {}},
             {"not (to_tsvector(bemerkung) @@ to_tsquery('-'))", {1, 2, 3, 4, 5, 7, 8}},
             {"to_tsvector(bemerkung) @@ to_tsquery('OR & NEAR(rent)')", {}},

@@ -203,6 +203,8 @@ private slots:
         QCOMPARE(searches(), QStringList("1/Mine/d/kelvaUSER,r_anna"));
         QVERIFY(!m_client->updateSearch(2, "Ours", "e", {"r_anna"}));
         QVERIFY(!m_client->deleteSearch("2"));
+        QVERIFY(m_client->saveSearch("Mine", "e", {"r_anna"})); // told apart by its id
+        QCOMPARE(searches().size(), 2);
     }
 
     void contentAnswersForDocuments()

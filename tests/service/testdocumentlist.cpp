@@ -72,6 +72,8 @@ private slots:
         QTest::newRow("a selection of words") << "OPT:SELECTION;1,x";
         QTest::newRow("a limit below nothing") << "OPT:LIMIT;-5";
         QTest::newRow("a limit beyond all numbers") << "OPT:LIMIT;99999999999999999999";
+        QTest::newRow("a full text of too many words")
+            << QString("OPT:FULLTEXT") + recordformat::fieldSeparator + QString("a b* \"c\" ").repeated(34);
         QTest::newRow("a second statement") << "1=1; DROP TABLE classification";
     }
 

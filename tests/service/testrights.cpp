@@ -84,7 +84,7 @@ private slots:
         QCOMPARE(Content(*clerk).search("secret").value(), QStringList());
         QCOMPARE(documents.count("bemerkung ilike '%secret%'").value(), 0);
         QVERIFY(!Vocabulary(*clerk).descriptions().value().contains("Secret minutes"));
-        const Result<Records> folders = Folders(*clerk).list(false);
+        const Result<Records> folders = Folders(*clerk).list(Folders::Scope::InUse);
         for (const QString &row : folders.value().rows)
             QVERIFY(!row.startsWith("2"));
     }
@@ -170,7 +170,7 @@ private slots:
         const auto clerk = own.login("clerk");
         const auto facts = [](Session &session) {
             QStringList occupied;
-            const Records folders = Folders(session).list(false).value();
+            const Records folders = Folders(session).list(Folders::Scope::InUse).value();
             for (int i = 0; i < folders.rows.size(); ++i)
                 if (folders.fields(i, 9).at(7).isEmpty())
                     occupied << folders.fields(i, 9).at(0);
@@ -183,7 +183,7 @@ private slots:
         };
         QCOMPARE(facts(*clerk), (QStringList{"2020-02-03", "2", "0", "1", "0", "1 1.2"}));
         QCOMPARE(facts(*own.login("reader")), (QStringList{"1999-01-01", "3", "1", "1", "1", "2 2.1 1 1.2"}));
-        QCOMPARE(Folders(*clerk).list(true).error().code, ErrorCode::Refused);
+        QCOMPARE(Folders(*clerk).list(Folders::Scope::All).error().code, ErrorCode::Refused);
         // Where no folder has a role, entries are open to all, files without one are not.
         QCOMPARE(textOf(Folders(*own.owner()).setRoles("2", {})), QString());
         QCOMPARE(facts(*clerk), (QStringList{"1999-01-01", "2", "1", "1", "0", "2 2.1 1 1.2"}));
@@ -198,8 +198,8 @@ private slots:
         const QStringList ignoring = listDocuments(*boss, {"OPT:IGNORERIGHTS", "docid = 2"}).value();
         QCOMPARE(descriptionsOf(ignoring), QStringList{"Secret minutes"});
         QVERIFY(!splitFields(ignoring.at(1)).last().contains(QLatin1Char('W')));
-        QVERIFY(Folders(*boss).list(true).value().rows.size() >
-                Folders(*boss).list(false).value().rows.size());
+        QVERIFY(Folders(*boss).list(Folders::Scope::All).value().rows.size() >
+                Folders(*boss).list(Folders::Scope::InUse).value().rows.size());
     }
 
     void rightsTakenAwayAreGoneAtOnce()
@@ -226,7 +226,7 @@ private slots:
             note(listDocuments(*guest, {"1=1"}));
             note(Content(*guest).fetch(1, Action::Shown, {}));
             note(Content(*guest).search("open"));
-            note(Folders(*guest).list(false));
+            note(Folders(*guest).list(Folders::Scope::InUse));
             note(Vocabulary(*guest).descriptions());
             note(guest->requireAccount());
             texts.removeDuplicates();
@@ -299,7 +299,7 @@ private slots:
         const auto boss = m_archive.login("boss");
         QVERIFY(Folders(*boss).setRoles("2.1", {"publicFolder"}).ok());
         const auto clerk = m_archive.login("clerk");
-        const Result<Records> folders = Folders(*clerk).list(false);
+        const Result<Records> folders = Folders(*clerk).list(Folders::Scope::InUse);
         const QStringList &rows = folders.value().rows;
         QVERIFY(rows.contains(joinFields({"2", "Board", "0", "", "", "0", "L", "", ""})));
         QVERIFY(rows.contains(joinFields({"2.1", "Minutes", "0", "", "2", "0", "", "", ""})));

@@ -9,6 +9,9 @@
 #include "service/searches.h"
 #include "service/users.h"
 #include "service/vocabulary.h"
+#include "service/workbench.h"
+
+#include <QDataStream>
 
 using namespace kelva;
 
@@ -26,7 +29,7 @@ private slots:
     void foldersComeParentsFirstAndByName()
     {
         QStringList oids;
-        const Result<Records> folders = Folders(*m_session).list(true);
+        const Result<Records> folders = Folders(*m_session).list(Folders::Scope::All);
         for (const QString &row : folders.value().rows)
             oids << splitFields(row).at(0);
         QCOMPARE(oids, (QStringList{"2", "2.1", "1", "1.1", "1.2", "1.2.1"}));
@@ -54,11 +57,11 @@ private slots:
         change.add({"1.1", "", "", "", "1", "0", "D"});
         const Result<void> saved = Folders(*m_session).save(change);
         QCOMPARE(saved.error().code, ErrorCode::InUse);
-        QCOMPARE(Folders(*m_session).list(true).value().rows.size(), 6);
+        QCOMPARE(Folders(*m_session).list(Folders::Scope::All).value().rows.size(), 6);
         change.rows.removeLast();
         change.add({"99", "", "", "", "", "0", "D"});
         QCOMPARE(textOf(Folders(*m_session).save(change)), QString());
-        QCOMPARE(Folders(*m_session).list(true).value().rows.size(), 6);
+        QCOMPARE(Folders(*m_session).list(Folders::Scope::All).value().rows.size(), 6);
         QVERIFY(!Folders(*m_session).save(change).ok());
     }
 
@@ -67,18 +70,33 @@ private slots:
         Records change;
         change.add({"1.2", "Letters", "I", "", "1", "1", "U", ""});
         QCOMPARE(textOf(Folders(*m_session).save(change)), QString());
-        const Result<Records> folders = Folders(*m_session).list(false);
+        const Result<Records> folders = Folders(*m_session).list(Folders::Scope::InUse);
         for (const QString &row : folders.value().rows)
             QVERIFY(!row.startsWith("1.2"));
+        // Clients know their names and show them nowhere else.
+        const QByteArray block = workbenchBlock(*m_session).value();
+        QDataStream stream(block);
+        QStringList texts;
+        QMap<int, QString> editors;
+        QList<QStringList> lists;
+        stream >> texts >> texts >> texts >> editors >> editors >> editors >> editors >> lists;
+        QMap<QString, QString> flags;
+        for (const QString &row : qAsConst(lists.at(3)))
+            flags.insert(splitFields(row).at(0), splitFields(row).at(2));
+        QCOMPARE(flags,
+                 (QMap<QString, QString>{
+                     {"1", "0"}, {"1.1", "0"}, {"1.2", "I"}, {"1.2.1", "0I"}, {"2", "0"}, {"2.1", "0"}}));
+        QCOMPARE(lists.at(0), (QStringList{joinFields({"2", "Board"}), joinFields({"2.1", "Minutes"}),
+                                           joinFields({"1", "Office"}), joinFields({"1.1", "Invoices"})}));
     }
 
     void aRowThatIsNoFolderIsPassedOver()
     {
-        const int folders = Folders(*m_session).list(true).value().rows.size();
+        const int folders = Folders(*m_session).list(Folders::Scope::All).value().rows.size();
         for (const char *oid : {"''", "NULL", "'0.2'", "'1.x'"})
             QVERIFY(m_session->database().run(
                 QString("INSERT INTO folder(oid, name) VALUES(%1, 'Bad')").arg(QLatin1String(oid))));
-        QCOMPARE(Folders(*m_session).list(true).value().rows.size(), folders);
+        QCOMPARE(Folders(*m_session).list(Folders::Scope::All).value().rows.size(), folders);
         QCOMPARE(archive::check(m_archive->path()).value(),
                  QStringList(QVector<QString>(4, "The folder \"Bad\" has no valid number.").toList()));
     }

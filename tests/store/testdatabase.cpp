@@ -6,6 +6,7 @@
 #include "store/schema.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -436,8 +437,47 @@ private slots:
                      database->value(endless);
                  }),
                  ErrorCode::TooSlow);
+        // A first row that only comes after sorting is given up for.
+        const QString some = QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                                            "WHERE i < 9999) SELECT i FROM n %1 LIMIT 2");
+        const QVector<qint64> firstTwo{1, 2};
+        QVERIFY(database->numbersWithin(1'000'000, some.arg(QString()), {}, 1'000) == firstTwo);
+        QVERIFY(!database->numbersWithin(1'000'000, some.arg("ORDER BY i % 9999"), {}, 1'000));
+        // The earlier of two limits counts, and nothing begins after it.
+        QCOMPARE(codeAfter([&] {
+                     const TimeLimit longer(*database, 60'000);
+                     database->value(endless);
+                 }),
+                 ErrorCode::TooSlow);
         QCOMPARE(database->value(upTo.arg(1'000'000)).toLongLong(), 500'000'500'000);
         QVERIFY(!database->failed());
+    }
+
+    void aFullTextSearchThatTakesTooLongIsStopped()
+    {
+        const auto database = create();
+        QVERIFY(
+            database->run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000)"
+                          " INSERT INTO words_bemerkung(rowid, bemerkung)"
+                          " SELECT i, 'all' FROM n"));
+        // Seconds of work in a single step of the statement, and no hit.
+        const QString expression =
+            '(' + QStringList(QVector<QString>(300, "all").toList()).join(" AND ") + ") NOT all";
+        const auto search = [&](qint64 ms) {
+            Transaction reading(*database, Transaction::Kind::Read);
+            const TimeLimit limit(*database, ms);
+            database->numbers("SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?",
+                              {expression});
+            return reading.commit();
+        };
+        QElapsedTimer clock;
+        clock.start();
+        const Result<void> stopped = search(shortWaitMs);
+        QVERIFY(!stopped.ok());
+        QCOMPARE(stopped.error().code, ErrorCode::TooSlow);
+        const qint64 soon = clock.restart();
+        QVERIFY(search(60'000).ok());
+        QVERIFY2(soon * 3 < clock.elapsed(), qPrintable(QString("%1 %2").arg(soon).arg(clock.elapsed())));
     }
 
     void passwordsAreSaltedAndCompared()
