@@ -147,6 +147,8 @@ private:
     bool doLoginWithoutDialog();
     bool connectToClassification();
     bool reportFailedConnection();
+    void offerManager(const QString &text);
+    void keepPassword(const QString &oldPassword, const QString &newPassword);
     bool changeExpiredPass(const QString &host, const QString &user, int port);
     void setLoginText(const QString &text);
     void startReloadBlink();

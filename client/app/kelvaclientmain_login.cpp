@@ -14,6 +14,7 @@
 #include "server/recordformat.h"
 
 #include <QCloseEvent>
+#include <QProcess>
 #include <QProgressDialog>
 #include <QScopeGuard>
 #include <QScopedValueRollback>
@@ -25,6 +26,9 @@ namespace {
 constexpr int blinkMs = 300;
 /// There are 12 texts: the bar ends one short of full, and is meant to.
 constexpr int splashSteps = 13;
+
+/// The archive's answer to a login that does not know the user or his password.
+const char wrongPassword[] = "Wrong username or password!";
 
 /// Without a cancel button, Escape or the window's cross would still close the dialog and set the window
 /// free.
@@ -218,10 +222,21 @@ bool KelvaClientMain::reportFailedConnection()
                            tr("Version mismatch. Your client and server components has different versions."));
         return false;
     }
-    plainbox::critical(this, tr("Error"),
-                       tr("The connection to the server could not be established: ") + message);
+    const QString text = tr("The connection to the server could not be established: ") + message;
+    if (message == wrongPassword)
+        offerManager(text);
+    else
+        plainbox::critical(this, tr("Error"), text);
     classifyClient->disconnectClient();
     return false;
+}
+
+/// User and password are the profile's, which only the Connection Manager can change.
+void KelvaClientMain::offerManager(const QString &text)
+{
+    const QString hint = tr("User and password are kept in the Connection Manager. Open it now?");
+    if (plainbox::failureWithOffer(this, tr("Error"), text, hint, tr("Open Connection Manager")))
+        QProcess::startDetached(QCoreApplication::applicationDirPath() + "/kelvamanager", {});
 }
 
 bool KelvaClientMain::changeExpiredPass(const QString &host, const QString &user, int port)
@@ -235,7 +250,7 @@ bool KelvaClientMain::changeExpiredPass(const QString &host, const QString &user
         return false;
     }
     plainbox::information(this, tr("Password changed"), tr("Password changed successfully!"));
-    loginPassword = dialog.getNewPass();
+    keepPassword(dialog.getOldPass(), dialog.getNewPass());
     return true;
 }
 
@@ -250,7 +265,14 @@ void KelvaClientMain::changePassword()
         return;
     }
     plainbox::information(this, tr("Password changed"), tr("Password changed successfully!"));
-    loginPassword = dialog.getNewPass();
+    keepPassword(dialog.getOldPass(), dialog.getNewPass());
+}
+
+void KelvaClientMain::keepPassword(const QString &oldPassword, const QString &newPassword)
+{
+    loginPassword = newPassword;
+    // The profile takes it over where it keeps the old one; otherwise the user types it there himself.
+    kelvaLoginData().changePassword(profile.id, oldPassword, newPassword);
 }
 
 bool KelvaClientMain::updateAll(bool updateDocs)

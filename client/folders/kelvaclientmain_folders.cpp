@@ -20,6 +20,7 @@
 #include <QDebug>
 #include <QHeaderView>
 #include <QMenu>
+#include <QSet>
 #include <QSignalBlocker>
 #include <QStatusBar>
 
@@ -177,6 +178,11 @@ void KelvaClientMain::doCreateFolder(QString parentOid)
     }
     KelvaNewFolder dialog(this);
     dialog.m_jumpToFolder->hide();
+    if (const KelvaDocItem *parent = docTree->findItem(parentOid))
+        dialog.setParentName(parent->getName());
+    QSet<QString> before;
+    for (const KelvaDocItem *folder : docTree->getAllItems())
+        before.insert(folder->getOid());
     const auto create = [&] {
         return classifyClient->createFolder(parentOid, dialog.m_Name->text(), dialog.m_Key->text(),
                                             folderKeywords(dialog.m_BuzzWords->toPlainText()));
@@ -193,4 +199,7 @@ void KelvaClientMain::doCreateFolder(QString parentOid)
     // The whole workplace is rebuilt for one new folder.
     classifyClient->reloadServerData();
     updateAll(true);
+    for (const KelvaDocItem *folder : docTree->getAllItems())
+        if (!before.contains(folder->getOid()) && folder->getName() == dialog.m_Name->text().trimmed())
+            m_tWOrdner->setCurrentIndex(docTree->indexFromItem(folder));
 }

@@ -62,6 +62,7 @@ void KelvaFolderView::setDialogMode(bool dialog)
 {
     m_dialogMode = dialog;
     m_linkAction->setVisible(!dialog);
+    header()->setStretchLastSection(!dialog);
 }
 
 bool KelvaFolderView::isIndexHidden(const QModelIndex &index) const
@@ -228,6 +229,8 @@ void KelvaFolderView::update()
         else
             header()->resizeSection(0, firstNameWidth);
     }
+    if (m_dialogMode)
+        header()->setSectionResizeMode(0, QHeaderView::Stretch); // a restored state has its own mode
     viewport()->update();
 }
 

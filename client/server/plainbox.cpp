@@ -3,6 +3,7 @@
 #include "server/waitcursor.h"
 
 #include <QApplication>
+#include <QPushButton>
 
 namespace {
 
@@ -63,4 +64,16 @@ QMessageBox::StandardButton plainbox::question(QWidget *parent, const QString &t
                                                QMessageBox::StandardButton preset)
 {
     return ask(QMessageBox::Question, parent, title, text, buttons, preset);
+}
+
+bool plainbox::failureWithOffer(QWidget *parent, const QString &title, const QString &text, const QString &hint,
+                                const QString &offer)
+{
+    const SuspendedWaitCursor pointer;
+    QMessageBox box(QMessageBox::Critical, title, beginningOf(text), QMessageBox::Ok, visibleParent(parent));
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(hint);
+    const QPushButton *way = box.addButton(offer, QMessageBox::AcceptRole);
+    box.exec();
+    return box.clickedButton() == way;
 }

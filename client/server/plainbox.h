@@ -18,4 +18,8 @@ QMessageBox::StandardButton question(QWidget *parent, const QString &title, cons
                                                                             QMessageBox::No,
                                      QMessageBox::StandardButton preset = QMessageBox::NoButton);
 
+/// A failure with a hint at the way out below it. True when the user takes the offer.
+bool failureWithOffer(QWidget *parent, const QString &title, const QString &text, const QString &hint,
+                      const QString &offer);
+
 } // namespace plainbox

@@ -52,6 +52,9 @@ private slots:
         const QString none;
         kelvatest::row("wrong password", "Wrong user name.", 7, archive,
                        "Error: The connection to the server could not be established: Wrong user name.");
+        kelvatest::row(
+            "a password that the profile has wrong", "Wrong username or password!", 7, archive,
+            "Error: The connection to the server could not be established: Wrong username or password!");
         kelvatest::row("another version", "WRONGVERSION", 7, archive,
                        "Error: Version mismatch. Your client and server components has different versions.");
         kelvatest::row("nearly another version", "WRONGVERSION 2", 7, archive,
@@ -106,6 +109,7 @@ private slots:
             script.expectBox("Password changed", "Password changed successfully!");
             QVERIFY(workplace.start());
             QCOMPARE(archive.password, QString("new"));
+            QCOMPARE(workplace.manager.requests.filter("PASSWORD").size(), 1); // the profile takes it, too
         }
         // Left alone, the login ends without a further word.
         archive.reset();
