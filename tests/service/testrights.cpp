@@ -184,8 +184,12 @@ private slots:
         QCOMPARE(facts(*clerk), (QStringList{"2020-02-03", "2", "0", "1", "0", "1 1.2"}));
         QCOMPARE(facts(*own.login("reader")), (QStringList{"1999-01-01", "3", "1", "1", "1", "2 2.1 1 1.2"}));
         QCOMPARE(Folders(*clerk).list(Folders::Scope::All).error().code, ErrorCode::Refused);
-        // Where no folder has a role, entries are open to all, files without one are not.
+        // A folder that is seen tells nothing of what lies in a hidden one below it.
+        QCOMPARE(textOf(Folders(*own.owner()).setRoles("2.1", {"board"})), QString());
         QCOMPARE(textOf(Folders(*own.owner()).setRoles("2", {})), QString());
+        QCOMPARE(facts(*clerk).last(), QString("1 1.2"));
+        // Where no folder has a role, entries are open to all, files without one are not.
+        QCOMPARE(textOf(Folders(*own.owner()).setRoles("2.1", {})), QString());
         QCOMPARE(facts(*clerk), (QStringList{"1999-01-01", "2", "1", "1", "0", "2 2.1 1 1.2"}));
         QCOMPARE(Content(*clerk).fetch(3, Action::Shown, {}).error().code, ErrorCode::NotFound);
     }
