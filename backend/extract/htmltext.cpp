@@ -52,15 +52,15 @@ uint referencedCharacter(const QString &name)
 int appendReference(const QString &page, int at, QString *text)
 {
     constexpr int longestName = 10;
-    const int end = page.indexOf(QLatin1Char(';'), at);
-    const uint code =
-        end > at && end - at <= longestName ? referencedCharacter(page.mid(at + 1, end - at - 1)) : 0;
+    // Looked for no further than a name reaches: a page may be made of nothing but "&".
+    const int length = page.midRef(at, longestName + 1).indexOf(QLatin1Char(';'));
+    const uint code = length > 0 ? referencedCharacter(page.mid(at + 1, length - 1)) : 0;
     if (code == 0) {
         text->append(QLatin1Char('&'));
         return at + 1;
     }
     text->append(QString::fromUcs4(&code, 1));
-    return end + 1;
+    return at + length + 1;
 }
 
 /// Words go on across these.
@@ -144,11 +144,8 @@ QString textOfHtml(const QString &page)
     return text.remove(QChar(0xad));
 }
 
-ExtractedText htmlText(const QString &path, const TextLimits &limits)
+ExtractedText htmlText(QFile &file, const TextLimits &limits)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
     const QByteArray bytes = file.read(std::min<qint64>(limits.unpackedBytes, limits.characters * qint64(4)));
     if (file.error() != QFileDevice::NoError)
         return std::nullopt;

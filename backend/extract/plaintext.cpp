@@ -18,11 +18,8 @@ QString decodedText(const QByteArray &bytes)
     return western ? western->toUnicode(bytes) : QString::fromLatin1(bytes);
 }
 
-ExtractedText plainText(const QString &path, const TextLimits &limits)
+ExtractedText plainText(QFile &file, const TextLimits &limits)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
     const QByteArray bytes = file.read(limits.characters);
     if (file.error() != QFileDevice::NoError)
         return std::nullopt;

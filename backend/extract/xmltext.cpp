@@ -1,11 +1,23 @@
 #include "extract/xmltext.h"
 
-#include <QFile>
+#include <QIODevice>
 
 #include <algorithm>
 
 namespace kelva {
 namespace {
+
+/// No office file comes near.
+constexpr int deepest = 1000;
+
+/// One in which the marks of elements are the bytes that they are in ASCII.
+bool isCountable(const QStringRef &encoding)
+{
+    const char *const plain[] = {"utf-8", "us-ascii", "ascii", "iso-8859-", "windows-125"};
+    return encoding.isEmpty() || std::any_of(std::begin(plain), std::end(plain), [&](const char *name) {
+               return encoding.startsWith(QLatin1String(name), Qt::CaseInsensitive);
+           });
+}
 
 template<std::size_t Count>
 bool isOneOf(const QStringRef &name, const char *const (&names)[Count])
@@ -23,12 +35,15 @@ bool XmlText::read(QIODevice &device)
     xml.setEntityExpansionLimit(0);
     m_textDepth = 0;
     m_skipDepth = 0;
+    m_depth = 0;
+    m_equals = 0;
+    m_quotes = 0;
     while (!isFull()) {
         xml.readNext();
         if (xml.error() == QXmlStreamReader::PrematureEndOfDocumentError) {
             const QByteArray piece = device.read(pieceSize);
             m_unpacked += piece.size();
-            if (piece.isEmpty() || m_unpacked > m_limits.unpackedBytes)
+            if (piece.isEmpty() || m_unpacked > m_limits.unpackedBytes || !mayRead(piece))
                 return false;
             xml.addData(piece);
         } else if (xml.hasError() || !take(xml)) {
@@ -40,16 +55,36 @@ bool XmlText::read(QIODevice &device)
     return true;
 }
 
+/// The reader compares each attribute of an element with all before it, so they are counted in what it gets:
+/// "<" stands in no value, and each attribute has a "=" and two quotes.
+bool XmlText::mayRead(const QByteArray &piece)
+{
+    constexpr int mostAttributes = 1000;
+    for (const char c : piece) {
+        if (c == '<')
+            m_equals = m_quotes = 0;
+        m_equals += c == '=';
+        m_quotes += c == '"' || c == '\'';
+        // In an encoding of two bytes these marks may be halves of others.
+        if (c == '\0' || std::min(m_equals, m_quotes / 2) > mostAttributes)
+            return false;
+    }
+    return true;
+}
+
 bool XmlText::take(const QXmlStreamReader &xml)
 {
     switch (xml.tokenType()) {
+    case QXmlStreamReader::StartDocument:
+        return isCountable(xml.documentEncoding());
     case QXmlStreamReader::DTD:
     case QXmlStreamReader::EntityReference:
         return false;
     case QXmlStreamReader::StartElement:
         startElement(xml);
-        break;
+        return ++m_depth <= deepest;
     case QXmlStreamReader::EndElement:
+        --m_depth;
         endElement(xml);
         break;
     case QXmlStreamReader::Characters:
@@ -106,11 +141,10 @@ void XmlText::endElement(const QXmlStreamReader &xml)
         m_text += QLatin1Char('\n');
 }
 
-ExtractedText flatOpenDocumentText(const QString &path, const TextLimits &limits)
+ExtractedText flatOpenDocumentText(QIODevice &file, const TextLimits &limits)
 {
-    QFile file(path);
     XmlText text(XmlText::Format::OpenDocument, limits);
-    if (!file.open(QIODevice::ReadOnly) || !text.read(file))
+    if (!text.read(file))
         return std::nullopt;
     return text.text();
 }

@@ -24,6 +24,7 @@ public:
     QString text() const { return m_text.left(m_limits.characters); }
 
 private:
+    bool mayRead(const QByteArray &piece);
     bool take(const QXmlStreamReader &xml);
     void startElement(const QXmlStreamReader &xml);
     void endElement(const QXmlStreamReader &xml);
@@ -37,8 +38,11 @@ private:
     int m_textDepth = 0; ///< elements open whose characters are text
     int m_skipDepth = 0; ///< elements open from one whose whole content is left out
     bool m_cellIsText = false;
+    int m_depth = 0;
+    int m_equals = 0; ///< since the last "<"
+    int m_quotes = 0;
 };
 
-ExtractedText flatOpenDocumentText(const QString &path, const TextLimits &limits);
+ExtractedText flatOpenDocumentText(QIODevice &file, const TextLimits &limits);
 
 } // namespace kelva

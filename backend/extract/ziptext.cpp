@@ -1,5 +1,6 @@
 #include "extract/ziptext.h"
 
+#include <QFile>
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -22,9 +23,10 @@ QStringList textParts(const QStringList &names, XmlText::Format format)
 
 } // namespace
 
-ExtractedText zippedText(const QString &path, XmlText::Format format, const TextLimits &limits)
+ExtractedText zippedText(QFile &file, XmlText::Format format, const TextLimits &limits)
 {
-    QuaZip zip(path);
+    QuaZip zip(&file);
+    zip.setAutoClose(false);
     if (!zip.open(QuaZip::mdUnzip))
         return std::nullopt;
     const QStringList parts = textParts(zip.getFileNameList(), format);
@@ -35,8 +37,8 @@ ExtractedText zippedText(const QString &path, XmlText::Format format, const Text
         if (text.isFull())
             break;
         // What the directory says of the size is not believed: the reader counts.
-        QuaZipFile file(&zip);
-        if (!zip.setCurrentFile(part) || !file.open(QIODevice::ReadOnly) || !text.read(file))
+        QuaZipFile member(&zip);
+        if (!zip.setCurrentFile(part) || !member.open(QIODevice::ReadOnly) || !text.read(member))
             return std::nullopt;
     }
     return text.text();

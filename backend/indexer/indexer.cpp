@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QUuid>
 
+#include <utility>
+
 namespace kelva {
 namespace {
 
@@ -68,7 +70,7 @@ Result<Indexer::Claim> Indexer::claimNext()
     // Mostly there is nothing to do, and that is found out without locking the archive.
     if (!m_database->value(wanted, when).isValid())
         return m_database->result(Claim());
-    Transaction writing(*m_database, Transaction::Kind::Write);
+    Transaction writing(*m_database, Transaction::Kind::WriteBehind);
     Claim claim;
     claim.document = m_database->value(wanted, when).toLongLong();
     if (claim.document == 0)
@@ -98,8 +100,10 @@ Result<Indexer::Step> Indexer::processNext()
     if (!claimed)
         return claimed.error();
     const Claim &claim = claimed.value();
-    if (claim.document == 0)
+    if (claim.document == 0) {
+        m_options.extractor.end();
         return Step::Nothing;
+    }
     QString text;
     Result<void> problem;
     const Extractor::Outcome outcome = takeText(claim, &text, &problem);
@@ -138,7 +142,8 @@ Extractor::Outcome Indexer::takeText(const Claim &claim, QString *text, Result<v
         return Outcome::NoProgram;
     }
     const TemporaryCopy copy(path.value());
-    removeAbandonedCopies(QFileInfo(copy.path).absoluteDir());
+    if (!std::exchange(m_tidied, true))
+        removeAbandonedCopies(QFileInfo(copy.path).absoluteDir());
     const Result<void> copied =
         copyBlob(*m_database, claim.blob, copy.path, [this](qint64) { return !m_options.cancelled(); });
     if (!copied) {
@@ -158,7 +163,7 @@ Extractor::Outcome Indexer::takeText(const Claim &claim, QString *text, Result<v
 
 Result<void> Indexer::finish(const Claim &claim, int state, const QString &text)
 {
-    Transaction writing(*m_database, Transaction::Kind::Write);
+    Transaction writing(*m_database, Transaction::Kind::WriteBehind);
     // A new version, or whoever took over a claim that ran out, has the last word.
     m_database->run(QStringLiteral("UPDATE file_text SET state = ?, text = ?, claimant = '', attempts = 0"
                                    " WHERE document = ? AND claimant = ?"),
@@ -168,7 +173,7 @@ Result<void> Indexer::finish(const Claim &claim, int state, const QString &text)
 
 Result<void> Indexer::giveBack(const Claim &claim)
 {
-    Transaction writing(*m_database, Transaction::Kind::Write);
+    Transaction writing(*m_database, Transaction::Kind::WriteBehind);
     m_database->run(QStringLiteral("UPDATE file_text SET claimant = '', attempts = attempts - 1"
                                    " WHERE document = ? AND claimant = ?"),
                     {claim.document, claim.claimant});

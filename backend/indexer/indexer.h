@@ -53,6 +53,7 @@ private:
 
     std::unique_ptr<Database> m_database;
     IndexerOptions m_options;
+    bool m_tidied = false; ///< what killed indexers left
 };
 
 } // namespace kelva

@@ -2,6 +2,7 @@
 #include "support/outside.h"
 
 #include "admin/samplefiles.h"
+#include "extract/sandbox.h"
 #include "indexer/extractor.h"
 
 #include <QElapsedTimer>
@@ -11,7 +12,14 @@
 #include <quazip.h>
 #include <quazipfile.h>
 
+#include <csignal>
+
+#include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace kelva;
 
@@ -189,6 +197,83 @@ private slots:
         QCOMPARE(m_text, QString());
     }
 
+    void costlyFilesEndEarly_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<Extractor::Outcome>("outcome");
+        QByteArray attributes = "<d><p";
+        for (int i = 0; i < 400000; ++i)
+            attributes += " a" + QByteArray::number(i) + "=''";
+        kelvatest::row("a page of half references", "a.html", QByteArray(8000000, '&'),
+                       Extractor::Outcome::Done);
+        kelvatest::row("an element of 400,000 attributes", "a.fodt", QByteArray(attributes + "/></d>"),
+                       Extractor::Outcome::Failed);
+        kelvatest::row("a million elements in each other", "a.fodt",
+                       QByteArray(QByteArray("<d>").repeated(1000000) + QByteArray("</d>").repeated(1000000)),
+                       Extractor::Outcome::Failed);
+    }
+
+    void costlyFilesEndEarly()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        QFETCH(Extractor::Outcome, outcome);
+        outside::write(m_directory.filePath(name), bytes);
+        ExtractorLimits limits;
+        limits.timeoutMs = 60000;
+        limits.characters = 2000000;
+        QElapsedTimer since;
+        since.start();
+        QCOMPARE(extract(name, limits), outcome);
+        QVERIFY2(since.elapsed() < limits.timeoutMs / 4, qPrintable(QString::number(since.elapsed())));
+    }
+
+    void oneChildReadsFileAfterFile()
+    {
+        const QString good = outside::write(m_directory.filePath("good.txt"), "Lindau");
+        const QString broken = outside::write(m_directory.filePath("broken.pdf"), "no PDF");
+        Extractor extractor(KELVATEXTRACT);
+        QCOMPARE(extractor.extract(good, FileKind::Plain, nullptr, &m_text), Extractor::Outcome::Done);
+        const QList<QByteArray> first = children();
+        QCOMPARE(first.size(), 1);
+        QCOMPARE(extractor.extract(broken, FileKind::Pdf, nullptr, &m_text), Extractor::Outcome::Failed);
+        QCOMPARE(children(), first);
+        // Whatever ended it, the next file is not to blame.
+        QCOMPARE(::kill(first.first().toInt(), SIGKILL), 0);
+        QCOMPARE(extractor.extract(good, FileKind::Plain, nullptr, &m_text), Extractor::Outcome::Done);
+        QCOMPARE(m_text, QString("Lindau"));
+        QVERIFY(children().size() == 1 && children() != first);
+    }
+
+    void theSandboxHolds()
+    {
+        const QByteArray file = outside::write(m_directory.filePath("a.txt"), "Lindau").toUtf8();
+        const QByteArray other = file + ".other";
+        const bool hasLandlock = ::syscall(SYS_landlock_create_ruleset, nullptr, 0, 1) > 0;
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const int open = ::open(file.constData(), O_RDONLY);
+            char first = 0;
+            const bool kept[] = {enterSandbox(),
+                                 ::read(open, &first, 1) == 1 && first == 'L',
+                                 ::socket(AF_UNIX, SOCK_STREAM, 0) < 0,
+                                 ::open(file.constData(), O_WRONLY) < 0,
+                                 ::open(other.constData(), O_CREAT | O_WRONLY, 0600) < 0,
+                                 ::unlink(file.constData()) < 0,
+                                 ::rename(file.constData(), other.constData()) < 0,
+                                 !hasLandlock || ::open(file.constData(), O_RDONLY) < 0};
+            int broken = 0;
+            for (std::size_t i = 0; i < std::size(kept); ++i)
+                broken |= kept[i] ? 0 : 1 << i;
+            ::_exit(broken);
+        }
+        int status = 0;
+        QCOMPARE(::waitpid(child, &status, 0), child);
+        QVERIFY(WIFEXITED(status));
+        QCOMPARE(QString::number(WEXITSTATUS(status), 2), QString("0"));
+    }
+
     void aReaderThatNeverEndsIsEnded_data()
     {
         QTest::addColumn<bool>("isCancelled");
@@ -201,9 +286,10 @@ private slots:
     {
         QFETCH(bool, isCancelled);
         QFETCH(Extractor::Outcome, outcome);
-        // Nobody ever writes to this pipe.
+        // Nobody ever writes to this pipe, although somebody could.
         const QString path = m_directory.filePath("pipe.txt");
         QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        const int writer = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CLOEXEC);
         ExtractorLimits limits;
         limits.timeoutMs = isCancelled ? 60000 : 300;
         QElapsedTimer since;
@@ -212,6 +298,7 @@ private slots:
         QCOMPARE(Extractor(KELVATEXTRACT, limits).extract(path, FileKind::Plain, cancelled, &m_text),
                  outcome);
         QVERIFY(since.elapsed() < 10000);
+        ::close(writer);
         QFile::remove(path);
     }
 
@@ -241,6 +328,11 @@ private slots:
     }
 
 private:
+    static QList<QByteArray> children()
+    {
+        return outside::read(QString("/proc/self/task/%1/children").arg(::gettid())).simplified().split(' ');
+    }
+
     QByteArray zipped(const QString &name, const QByteArray &bytes)
     {
         const QString path = m_directory.filePath("made.zip");
