@@ -49,6 +49,12 @@ Indexer::Indexer(std::unique_ptr<Database> database, IndexerOptions options)
 {
 }
 
+Indexer::~Indexer()
+{
+    // What is lost here is done again when its claim has run out.
+    (void)writeTexts();
+}
+
 Result<std::unique_ptr<Indexer>> Indexer::open(const QString &path, IndexerOptions options)
 {
     if (!options.extractor.isInstalled())
@@ -102,6 +108,9 @@ Result<Indexer::Step> Indexer::processNext()
     const Claim &claim = claimed.value();
     if (claim.document == 0) {
         m_options.extractor.end();
+        m_inARow = 0;
+        if (const Result<void> written = writeTexts(); !written)
+            return written.error();
         return Step::Nothing;
     }
     QString text;
@@ -109,8 +118,10 @@ Result<Indexer::Step> Indexer::processNext()
     const Extractor::Outcome outcome = takeText(claim, &text, &problem);
     if (outcome == Extractor::Outcome::Cancelled || outcome == Extractor::Outcome::NoProgram) {
         const Result<void> given = giveBack(claim);
-        if (!problem || !given)
-            return problem ? given.error() : problem.error();
+        const Result<void> written = writeTexts();
+        for (const Result<void> &part : {problem, given, written})
+            if (!part)
+                return part.error();
         return Step::Nothing;
     }
     const bool isDone = outcome == Extractor::Outcome::Done;
@@ -163,12 +174,42 @@ Extractor::Outcome Indexer::takeText(const Claim &claim, QString *text, Result<v
 
 Result<void> Indexer::finish(const Claim &claim, int state, const QString &text)
 {
+    // Each writing takes the full-text index as long as the texts of many files do.
+    constexpr int writtenAlone = 8;
+    constexpr int mostTexts = 64;
+    constexpr qint64 longestMs = 500;
+    if (m_taken.isEmpty())
+        m_takenSince.start();
+    m_taken.append({claim.document, claim.claimant, state, text});
+    if (++m_inARow > writtenAlone && m_taken.size() < mostTexts && m_takenSince.elapsed() < longestMs)
+        return {};
+    return writeTexts();
+}
+
+Result<void> Indexer::writeTexts()
+{
+    if (m_taken.isEmpty())
+        return {};
+    QStringList rows;
+    QVariantList values;
+    for (const TakenText &taken : qAsConst(m_taken)) {
+        rows << QStringLiteral("(?, ?, ?, ?)");
+        values << taken.document << taken.claimant << taken.state << taken.text;
+    }
     Transaction writing(*m_database, Transaction::Kind::WriteBehind);
-    // A new version, or whoever took over a claim that ran out, has the last word.
-    m_database->run(QStringLiteral("UPDATE file_text SET state = ?, text = ?, claimant = '', attempts = 0"
-                                   " WHERE document = ? AND claimant = ?"),
-                    {state, text, claim.document, claim.claimant});
-    return writing.commit();
+    // In one statement, as the full-text index writes out what it has gathered before each. A new version, or
+    // whoever took over a claim that ran out, has the last word.
+    m_database->run(
+        QStringLiteral("WITH taken(document, claimant, state, text) AS (VALUES %1)"
+                       " UPDATE file_text SET state = t.state, text = t.text, claimant = '',"
+                       " attempts = 0 FROM taken AS t"
+                       " WHERE file_text.document = t.document AND file_text.claimant = t.claimant")
+            .arg(rows.join(QLatin1Char(','))),
+        values);
+    const Result<void> written = writing.commit();
+    if (written)
+        m_taken.clear();
+    return written;
 }
 
 Result<void> Indexer::giveBack(const Claim &claim)

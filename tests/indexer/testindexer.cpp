@@ -100,6 +100,26 @@ private slots:
         QCOMPARE(found(*m_session, "varnish").size(), 1);
     }
 
+    void manyTextsAreWrittenTogether()
+    {
+        for (int i = 0; i < 12; ++i)
+            store(QString("Offer %1.txt").arg(i), "turpentine", "1");
+        {
+            const auto indexer = open(options());
+            for (int i = 0; i < 11; ++i)
+                QCOMPARE(indexer->processNext().value(), Step::Done);
+            QCOMPARE(found(*m_session).size(), 8);
+            // The last one taken, whose text is still to be written.
+            storeFile("Offer 1.txt", "varnish", false);
+        }
+        QCOMPARE(found(*m_session).size(), 10);
+        QCOMPARE(counts(), joinFields({"0", "2"}) + ' ' + joinFields({"4", "10"}));
+        QCOMPARE(runToEnd(), QString("2 done, 0 failed"));
+        QCOMPARE(found(*m_session).size(), 11);
+        QCOMPARE(found(*m_session, "varnish").size(), 1);
+        QCOMPARE(archive::check(m_archive->path()).value(), QStringList());
+    }
+
     void twoIndexersShareTheWork()
     {
         store("One.txt", "turpentine", "1");
