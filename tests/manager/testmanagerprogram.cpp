@@ -32,7 +32,11 @@ class RunningManager
 public:
     RunningManager()
     {
+        // Where the tests are to outlive a terminal, a child would inherit that it ignores this.
+        const auto before = ::signal(SIGHUP, SIG_DFL);
         process.start(KELVA_MANAGER_PROGRAM, {"--no-window"});
+        process.waitForStarted();
+        ::signal(SIGHUP, before);
         QTRY_VERIFY(ManagerServer::isAnswering());
     }
     ~RunningManager()
