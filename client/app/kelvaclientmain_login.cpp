@@ -288,9 +288,6 @@ bool KelvaClientMain::reloadWorkplace(bool updateDocs)
 
     releaseFixedDelegates();
     login.reloadProfile(profile.id);
-    if (!login.reloadFault().isEmpty())
-        plainbox::warning(this, tr("Warning"),
-                          tr("The workbench could not be renewed: %1").arg(login.reloadFault()));
     loadSettings();
     if (updateDocs)
         m_infoView->resetHeaders();

@@ -6,7 +6,11 @@
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QDataStream>
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QLocalSocket>
+#include <QProcess>
+#include <QThread>
 
 #include <unistd.h>
 
@@ -53,9 +57,53 @@ bool connectToManager(QLocalSocket &socket)
     return socket.waitForConnected(connectTimeoutMs) && isPeerOfUser(socket);
 }
 
+/// The line that answers a request; empty when none came in time.
+QString ask(const QString &request)
+{
+    constexpr qint64 longestAnswer = 1000;
+    QLocalSocket socket;
+    if (!connectToManager(socket))
+        return {};
+    send(socket, request);
+    waitForBytes(socket, 1, listAttempts);
+    return QString::fromUtf8(socket.readLine(longestAnswer)).trimmed();
+}
+
 } // namespace
 
-kelvaLoginData::kelvaLoginData(QObject *parent) : QObject(parent) {}
+kelvaLoginData::kelvaLoginData(QObject *parent)
+    : QObject(parent),
+      m_managerProgram(QCoreApplication::applicationDirPath() + QStringLiteral("/kelvamanager"))
+{
+}
+
+bool kelvaLoginData::connectOrStart(QLocalSocket &socket)
+{
+    constexpr qint64 startTimeoutMs = 10000;
+    constexpr unsigned long retryMs = 50;
+    if (connectToManager(socket))
+        return true;
+    // One that answers and is another user's stays where it is.
+    if (socket.state() == QLocalSocket::ConnectedState || !QFileInfo(m_managerProgram).isExecutable())
+        return false;
+    QProcess manager;
+    manager.setProgram(m_managerProgram);
+    manager.setArguments({QStringLiteral("--no-window")});
+    manager.setStandardOutputFile(QProcess::nullDevice());
+    manager.setStandardErrorFile(QProcess::nullDevice());
+    if (!manager.startDetached())
+        return false;
+    QElapsedTimer since;
+    since.start();
+    while (since.elapsed() < startTimeoutMs) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        socket.abort();
+        if (connectToManager(socket))
+            return true;
+        QThread::msleep(retryMs);
+    }
+    return false;
+}
 
 QString kelvaLoginData::socketName()
 {
@@ -64,7 +112,7 @@ QString kelvaLoginData::socketName()
 
 bool kelvaLoginData::readProfiles(QLocalSocket &socket, int sizeAttempts, QList<kelvaProfileData> &profiles)
 {
-    if (!connectToManager(socket))
+    if (!connectOrStart(socket))
         return false;
     send(socket, QStringLiteral("GETPROFILES"));
     if (!waitForBytes(socket, qint64(sizeof(qint64)), sizeAttempts))
@@ -162,16 +210,14 @@ bool kelvaLoginData::getProfileById(kelvaProfileData &profile, QString &message,
 
 int kelvaLoginData::reloadProfile(qint64 id)
 {
-    m_reloadFault.clear();
-    QLocalSocket socket;
-    if (connectToManager(socket)) {
-        send(socket, QStringLiteral("RELOADPROFILE#%1").arg(id));
-        waitForBytes(socket, 1, listAttempts);
-        constexpr qint64 longestAnswer = 1000;
-        const QString answer = QString::fromUtf8(socket.readLine(longestAnswer)).trimmed();
-        if (!answer.isEmpty() && answer != QLatin1String("OK"))
-            m_reloadFault = answer;
-    }
-    socket.close();
+    ask(QStringLiteral("RELOADPROFILE#%1").arg(id));
     return 0;
+}
+
+bool kelvaLoginData::changePassword(qint64 profileId, const QString &oldPassword, const QString &newPassword)
+{
+    const auto encoded = [](const QString &text) { return QString::fromLatin1(text.toUtf8().toBase64()); };
+    return ask(QStringLiteral("CHANGEPASSWORD#%1#%2#%3")
+                   .arg(QString::number(profileId), encoded(oldPassword), encoded(newPassword))) ==
+           QLatin1String("OK");
 }

@@ -22,20 +22,27 @@ public:
     bool getProfile(kelvaProfileData &profile, QString &message, QWidget *parent, bool saveGeometry);
     /// False with a message when the list cannot be had, false without one when no profile has this id.
     bool getProfileById(kelvaProfileData &profile, QString &message, int id);
-    /// Asks the Connection Manager to renew the profile's data block and waits for its answer. Always 0; what
-    /// the manager said when it did not renew it is reloadFault().
+    /// Asks the Connection Manager to renew the profile's data block and waits for its answer, whatever that
+    /// is. Always 0.
     int reloadProfile(qint64 id);
-    QString reloadFault() const { return m_reloadFault; }
+    /// The Connection Manager keeps this password for the profile from now on, if it kept the old one. False
+    /// when it kept another, or none answers: the profile is as it was.
+    bool changePassword(qint64 profileId, const QString &oldPassword, const QString &newPassword);
     bool getIsUserCanceled() const { return isUserCanceled; }
+
+    /// What is started when a list of profiles is wanted and no Connection Manager answers. By default the
+    /// one that lies beside this program; nothing when there is none.
+    void setManagerProgram(const QString &path) { m_managerProgram = path; }
 
     /// "Kelva-" and the user's id in hexadecimal.
     static QString socketName();
 
 private:
+    bool connectOrStart(QLocalSocket &socket);
     bool readProfiles(QLocalSocket &socket, int sizeAttempts, QList<kelvaProfileData> &profiles);
     bool chooseProfile(const QList<kelvaProfileData> &profiles, QWidget *parent, bool saveGeometry,
                        kelvaProfileData &profile);
 
     bool isUserCanceled = false;
-    QString m_reloadFault;
+    QString m_managerProgram;
 };

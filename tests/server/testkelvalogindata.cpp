@@ -1,12 +1,18 @@
 #include "support/dialogscript.h"
 #include "support/fakemanager.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "server/kelvalogindata.h"
 #include "server/recordformat.h"
 
 #include <QComboBox>
 #include <QDataStream>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <memory>
 
 class TestKelvaLoginData : public QObject
 {
@@ -66,6 +72,39 @@ private slots:
         QCOMPARE(profile.id, 9);
         QTRY_COMPARE(manager.requests.size(), 3);
         QVERIFY(!manager.requests.last().endsWith('#'));
+    }
+
+    void aManagerThatDoesNotRunIsStartedOnce()
+    {
+        const QTemporaryDir directory;
+        const QString started = directory.filePath("started");
+        const QString program =
+            outside::write(directory.filePath("kelvamanager"),
+                           "#!/bin/sh\necho \"$@\" >>'" + started.toUtf8() + ".new' && mv '" +
+                               started.toUtf8() + ".new' '" + started.toUtf8() + "'\n");
+        QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        std::unique_ptr<FakeManager> manager;
+        QTimer look;
+        connect(&look, &QTimer::timeout, this, [&] {
+            if (manager || !QFile::exists(started))
+                return;
+            manager = std::make_unique<FakeManager>();
+            manager->listAnswer =
+                FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry)});
+        });
+        look.start(10);
+        kelvaLoginData login;
+        kelvaProfileData profile;
+        QString message;
+        // Tests have none beside them: nothing is started and nothing is waited for.
+        QVERIFY(!login.getProfile(profile, message, nullptr, false));
+        QVERIFY(!message.isEmpty());
+        login.setManagerProgram(program);
+        login.reloadProfile(7); // is no reason to start one
+        QVERIFY(!QFile::exists(started));
+        QVERIFY2(login.getProfile(profile, message, nullptr, false), qPrintable(message));
+        QCOMPARE(profile.name, QString("Office"));
+        QCOMPARE(outside::read(started), QByteArray("--no-window\n"));
     }
 
     void damagedAnswersGiveTheLoadFailure_data()
