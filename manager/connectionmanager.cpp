@@ -75,12 +75,34 @@ void ConnectionManager::handle(const Request &request, const Answer &answer)
     case Request::Kind::ReloadProfile:
         answerRenewed(request.profileId, answer);
         break;
+    case Request::Kind::ChangePassword: {
+        const Result<void> changed = changePassword(request);
+        answer(lineAnswer(changed ? QStringLiteral("OK") : changed.error().text));
+        break;
+    }
     case Request::Kind::ShowWindow: {
         const bool shows = isSignalConnected(QMetaMethod::fromSignal(&ConnectionManager::windowWanted));
         emit windowWanted();
         answer(lineAnswer(shows ? QStringLiteral("OK") : QStringLiteral("NOWINDOW")));
     }
     }
+}
+
+Result<void> ConnectionManager::changePassword(const Request &request)
+{
+    const Profile *before = m_profiles.find(request.profileId);
+    if (!before)
+        return Error{ErrorCode::NotFound, QStringLiteral("There is no such profile.")};
+    // It may be a profile of another user of the archive, or one that was changed already.
+    if (before->password != request.oldPassword)
+        return Error{ErrorCode::Conflict, QStringLiteral("The profile has another password.")};
+    Profile after = *before;
+    after.password = request.newPassword;
+    if (const Result<void> valid = validate(after); !valid)
+        return valid;
+    const Result<void> replaced = m_profiles.store().replace(*before, after);
+    m_profiles.follow();
+    return replaced;
 }
 
 void ConnectionManager::answerList(const Answer &answer)

@@ -33,6 +33,7 @@ signals:
 private:
     void forgetEnded();
     void handle(const Request &request, const Answer &answer);
+    Result<void> changePassword(const Request &request);
     void answerList(const Answer &answer);
     void answerRenewed(qint64 profileId, const Answer &answer);
 

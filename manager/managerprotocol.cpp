@@ -40,6 +40,21 @@ bool parseUse(const QByteArray &rest, Request &request)
     return !program.isEmpty();
 }
 
+bool parseBase64(const QByteArray &text, QString &decoded)
+{
+    const auto bytes = QByteArray::fromBase64Encoding(text, QByteArray::AbortOnBase64DecodingErrors);
+    decoded = QString::fromUtf8(bytes.decoded);
+    return bytes.decodingStatus == QByteArray::Base64DecodingStatus::Ok;
+}
+
+bool parseChange(const QByteArray &rest, Request &request)
+{
+    const QList<QByteArray> parts = rest.split('#');
+    request.kind = Request::Kind::ChangePassword;
+    return parts.size() == 3 && parseNumber(parts.at(0), request.profileId) &&
+           parseBase64(parts.at(1), request.oldPassword) && parseBase64(parts.at(2), request.newPassword);
+}
+
 } // namespace
 
 QVector<Request> RequestParser::feed(const QByteArray &bytes)
@@ -73,6 +88,7 @@ bool RequestParser::parse(const QByteArray &line, Request &request)
 {
     const QByteArray use = "USEPROFILE#";
     const QByteArray reload = "RELOADPROFILE#";
+    const QByteArray change = "CHANGEPASSWORD#";
     if (line == "GETPROFILES") {
         request.kind = Request::Kind::ListProfiles;
         return true;
@@ -83,6 +99,8 @@ bool RequestParser::parse(const QByteArray &line, Request &request)
     }
     if (line.startsWith(use))
         return parseUse(line.mid(use.size()), request);
+    if (line.startsWith(change))
+        return parseChange(line.mid(change.size()), request);
     request.kind = Request::Kind::ReloadProfile;
     return line.startsWith(reload) && parseNumber(line.mid(reload.size()), request.profileId);
 }

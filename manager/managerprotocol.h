@@ -9,21 +9,24 @@
 
 namespace kelva {
 
-/// One line of a client: "GETPROFILES", "USEPROFILE#pid#id#program[#]", "RELOADPROFILE#id" or "SHOWWINDOW",
-/// ended by CR LF.
+/// One line of a client: "GETPROFILES", "USEPROFILE#pid#id#program[#]", "RELOADPROFILE#id",
+/// "CHANGEPASSWORD#id#old#new" with both passwords in Base64, or "SHOWWINDOW", ended by CR LF.
 struct Request
 {
     enum class Kind {
         ListProfiles,
-        UseProfile,    ///< a client has logged in, or is about to
-        ReloadProfile, ///< a client wants the data block as of now
-        ShowWindow,    ///< from a second Connection Manager
+        UseProfile,     ///< a client has logged in, or is about to
+        ReloadProfile,  ///< a client wants the data block as of now
+        ChangePassword, ///< a client has changed its user's password
+        ShowWindow,     ///< from a second Connection Manager
     };
 
     Kind kind = Kind::ListProfiles;
     qint64 profileId = -1;
     qint64 pid = 0;
     QString program;
+    QString oldPassword;
+    QString newPassword;
     /// The profile was the only one, nobody chose it.
     bool wasOnlyOne = false;
 };

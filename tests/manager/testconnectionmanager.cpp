@@ -110,6 +110,28 @@ private slots:
         }
     }
 
+    void aChangedPasswordIsTakenOver()
+    {
+        ManagerSurroundings s;
+        const Profile profile = s.added(s.profile("Office"));
+        StartedManager started(s.store);
+        const auto stored = [&s] { return s.store.load().value().first(); };
+        const QString fresh = QString::fromUtf8("n#w \xc3\xbc|\xe2\x82\xac");
+        kelvaLoginData login;
+        QVERIFY(!login.changePassword(profile.id, "another", fresh));
+        QVERIFY(!login.changePassword(profile.id + 1, "secret", fresh));
+        QVERIFY(!login.changePassword(profile.id, "secret", QString()));
+        QVERIFY(stored() == profile);
+        QVERIFY(login.changePassword(profile.id, "secret", fresh));
+        Profile expected = profile;
+        expected.password = fresh;
+        QVERIFY(stored() == expected);
+        kelvaProfileData told;
+        QString message;
+        QVERIFY(login.getProfile(told, message, nullptr, false));
+        QCOMPARE(told.password, fresh);
+    }
+
     void blocksReturnWhenTheTemporaryDirectoryWasSwept()
     {
         ManagerSurroundings s;

@@ -82,6 +82,8 @@ private slots:
                                       "RELOADPROFILE# 1",
                                       "RELOADPROFILE#+1",
                                       "RELOADPROFILE#9223372036854775808",
+                                      "CHANGEPASSWORD#1#c2VjcmV0",
+                                      "CHANGEPASSWORD#1#c2VjcmV0#!",
                                       "USEPROFILE#1#2",
                                       "USEPROFILE#1#2##",
                                       "USEPROFILE#0#2#/p",
