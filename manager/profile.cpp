@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QDataStream>
+#include <QPair>
 
 #include <algorithm>
 #include <tuple>
@@ -88,27 +89,35 @@ Profile tidied(Profile profile)
     return profile;
 }
 
-Result<void> validate(const Profile &profile)
+Result<void> validate(const Profile &profile, ProfileField *atFault)
 {
-    const auto wrong = [](const QString &text) { return Error{ErrorCode::BadInput, text}; };
+    const auto wrong = [atFault](ProfileField field, const QString &text) {
+        if (atFault)
+            *atFault = field;
+        return Error{ErrorCode::BadInput, text};
+    };
     if (profile.name.isEmpty())
-        return wrong(tr("Please give the profile a name."));
+        return wrong(ProfileField::Name, tr("Please give the profile a name."));
     if (profile.host.isEmpty())
-        return wrong(tr("Please enter the host, \"localhost\" for an archive of this computer."));
+        return wrong(ProfileField::Host,
+                     tr("Please enter the host, \"localhost\" for an archive of this computer."));
     if (!isArchiveNumber(profile.port))
-        return wrong(tr("The port must be a whole number above 0."));
+        return wrong(ProfileField::Port, tr("The port must be a whole number above 0."));
     if (const Result<QString> file = archiveFile(profile); !file)
-        return file.error();
+        return wrong(ProfileField::Host, file.error().text);
     if (profile.user.isEmpty())
-        return wrong(tr("Please enter the user's login name."));
+        return wrong(ProfileField::User, tr("Please enter the user's login name."));
     if (profile.password.isEmpty())
-        return wrong(tr("Please enter the password."));
-    for (const QString &text : {profile.name, profile.host, profile.user, profile.password,
-                                profile.displayLine1, profile.displayLine2})
+        return wrong(ProfileField::Password, tr("Please enter the password."));
+    const QPair<ProfileField, QString> texts[] = {
+        {ProfileField::Name, profile.name},          {ProfileField::Host, profile.host},
+        {ProfileField::User, profile.user},          {ProfileField::Password, profile.password},
+        {ProfileField::Line1, profile.displayLine1}, {ProfileField::Line2, profile.displayLine2}};
+    for (const auto &[field, text] : texts)
         if (!isPlain(text))
-            return wrong(tr("The texts may hold at most 254 characters, and no line breaks."));
+            return wrong(field, tr("The texts may hold at most 254 characters, and no line breaks."));
     if (profile.archiveKey().isEmpty())
-        return wrong(tr("Please load the archives and choose one of them."));
+        return wrong(ProfileField::Archive, tr("Please load the archives and choose one of them."));
     return {};
 }
 

@@ -45,10 +45,13 @@ inline bool operator!=(const Profile &a, const Profile &b)
 /// Writes the fields in the order of the struct, as the clients read them.
 QDataStream &operator<<(QDataStream &stream, const Profile &profile);
 
+/// What a user fills in.
+enum class ProfileField { Name, Host, Port, User, Password, Archive, Line1, Line2 };
+
 /// Tidies what was typed: outer blanks of the texts, leading zeros of the port.
 Profile tidied(Profile profile);
 /// The first thing that is wrong with a profile by itself, as a sentence for whoever filled it in.
-Result<void> validate(const Profile &profile);
+Result<void> validate(const Profile &profile, ProfileField *atFault = nullptr);
 /// Path of the archive's file.
 Result<QString> archiveFile(const Profile &profile);
 

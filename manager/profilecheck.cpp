@@ -7,6 +7,9 @@
 #include "service/subarchives.h"
 
 #include <QCoreApplication>
+#include <QDir>
+
+#include <algorithm>
 
 namespace kelva {
 namespace {
@@ -27,6 +30,22 @@ Result<QStringList> loadArchives(const Profile &profile)
     if (archives && archives.value().isEmpty())
         return Error{ErrorCode::NotFound, tr("There are no archives at this port.")};
     return archives;
+}
+
+QStringList localArchives()
+{
+    QList<int> numbers;
+    const QString suffix = QStringLiteral(".kelva");
+    for (const QString &file : QDir(archive::home()).entryList({QLatin1Char('*') + suffix}, QDir::Files)) {
+        const QString name = file.chopped(suffix.size());
+        if (const int number = name.toInt(); number > 0 && name == QString::number(number))
+            numbers << number;
+    }
+    std::sort(numbers.begin(), numbers.end());
+    QStringList names;
+    for (const int number : qAsConst(numbers))
+        names << QString::number(number);
+    return names;
 }
 
 int archiveIndexOf(const QStringList &archives, const QString &key)

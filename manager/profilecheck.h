@@ -15,6 +15,8 @@ struct ProfileFindings
 
 /// The archives at the profile's host and port: records of name and key. Never an empty list.
 Result<QStringList> loadArchives(const Profile &profile);
+/// Numbers of the archives of this machine, smallest first: the ports of "localhost".
+QStringList localArchives();
 /// Place of the archive with this key; -1 when it is not there.
 int archiveIndexOf(const QStringList &archives, const QString &key);
 /// Logs in with the profile as a client would. May take seconds; for any thread.
