@@ -71,6 +71,8 @@ bool confine(const Limits &limits)
     (void)!::nice(politely);
 #ifndef __SANITIZE_ADDRESS__
     limit(RLIMIT_AS, limits.memoryMiB * 1024 * 1024);
+#else
+    Q_UNUSED(limits) // the sanitizer maps terabytes
 #endif
     preparePdfText();
     return enterSandbox();
