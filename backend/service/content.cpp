@@ -218,6 +218,7 @@ Result<QString> Content::fetch(qint64 archiveId, Action action, const Progress &
         QFile::remove(path.value());
         return copied.error();
     }
+    finishTemporaryFile(path.value());
     if (m_session.isOffline())
         return path;
     if (const Result<void> recorded = record(archiveId, action); !recorded) {

@@ -30,6 +30,21 @@ bool isRunning(qint64 pid)
     return ::kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH;
 }
 
+/// Marks a file that is still being written; it would be executable, which no copy of a document is.
+constexpr mode_t unfinished = S_IXUSR;
+
+/// Removes what is not whole, and the directory if nothing else is left. A whole file may be open in a
+/// viewer.
+void removeUnfinished(const QString &directory)
+{
+    const QFileInfoList files =
+        QDir(directory).entryInfoList(QDir::Files | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot);
+    for (const QFileInfo &file : files)
+        if (file.isSymLink() || file.permission(QFile::ExeOwner))
+            QFile::remove(file.filePath());
+    ::rmdir(QFile::encodeName(directory).constData());
+}
+
 void removeLeftovers(const QString &parent)
 {
     const QStringList names = QDir(parent).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
@@ -37,7 +52,7 @@ void removeLeftovers(const QString &parent)
         bool isPid = false;
         const qint64 pid = name.toLongLong(&isPid);
         if (isPid && pid > 0 && !isRunning(pid))
-            QDir(parent + QLatin1Char('/') + name).removeRecursively();
+            removeUnfinished(parent + QLatin1Char('/') + name);
     }
 }
 
@@ -58,8 +73,8 @@ QString makeProcessDirectory()
     return fresh.isValid() ? fresh.path() : QString();
 }
 
-/// The copies of this process, in a directory named after it within the user's. They go when it ends; what a
-/// killed process has left goes when the next one begins.
+/// The copies of this process, in a directory named after it within the user's. What is not whole goes when
+/// it ends; what a killed process has left of that goes when the next one begins.
 class ProcessDirectory
 {
 public:
@@ -67,7 +82,7 @@ public:
     ~ProcessDirectory()
     {
         if (!m_path.isEmpty())
-            QDir(m_path).removeRecursively();
+            removeUnfinished(m_path);
     }
     Q_DISABLE_COPY(ProcessDirectory)
 
@@ -128,8 +143,14 @@ Result<QString> makeTemporaryFile(const QString &documentName)
     if (file < 0)
         return Error{ErrorCode::Storage, QStringLiteral("No temporary file can be made: %1")
                                              .arg(QString::fromLocal8Bit(std::strerror(errno)))};
+    ::fchmod(file, 0600 | unfinished);
     ::close(file);
     return QFile::decodeName(path);
+}
+
+void finishTemporaryFile(const QString &path)
+{
+    ::chmod(QFile::encodeName(path).constData(), 0600);
 }
 
 } // namespace kelva

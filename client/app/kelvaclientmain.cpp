@@ -16,6 +16,7 @@
 #include "server/classifyinterface.h"
 #include "server/kelvaarchiveclientinterface.h"
 #include "server/kelvaarchiveworker.h"
+#include "server/openeddocuments.h"
 #include "server/plainbox.h"
 
 #include <QCheckBox>
@@ -169,7 +170,21 @@ bool KelvaClientMain::init()
         return false;
     }
     show();
+    sayChangedDocuments();
     return true;
+}
+
+/// Copies that were opened in an earlier session and changed there are the user's now.
+void KelvaClientMain::sayChangedDocuments()
+{
+    QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
+    const QStringList changed = openeddocuments::clearUp(settings, QDateTime::currentDateTime());
+    if (!changed.isEmpty())
+        plainbox::information(
+            this, tr("Information"),
+            tr("Copies of documents that you opened were changed. They are kept here, and not in "
+               "the archive:") +
+                '\n' + changed.join('\n'));
 }
 
 void KelvaClientMain::show()

@@ -135,6 +135,7 @@ private:
     void initProxy();
     bool loadClassificationPlugin();
     bool loadArchivePlugin();
+    void sayChangedDocuments();
 
     // app/kelvaclientmain_login.cpp
     bool doLogin();

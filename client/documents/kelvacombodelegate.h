@@ -28,6 +28,7 @@ public:
     const QList<QByteArray> &getPics() const { return m_pics; }
     /// Key of the entry with this display text; "not assigned" when there is none.
     QString getValue(const QString &display) const;
+    bool knows(const QString &key) const { return m_entries.contains(key); }
     /// Display text of the key's entry; "not assigned" when there is none.
     QString getData(const QString &key) const;
     /// A field of the key's entry, empty when entry or field is missing.

@@ -63,9 +63,13 @@ KelvaDelegate *ColumnEditors::forColumn(int column) const
 
 CellFace ColumnEditors::display(int column, const QString &key) const
 {
-    if (const KelvaComboDelegate *choices = m_choices.value(column))
+    const KelvaComboDelegate *choices = m_choices.value(column);
+    // A main folder that is inactive is not offered, but it has its name still.
+    const bool offered = choices && (column != documentcolumn::mainFolder || choices->knows(key));
+    if (offered)
         return {choices->getData(key), choices->getIcon(key)};
-    if (column != documentcolumn::folder || !m_folders || key == QLatin1String(folderoid::all))
+    const bool isFolder = column == documentcolumn::folder || column == documentcolumn::mainFolder;
+    if (!isFolder || !m_folders || key == QLatin1String(folderoid::all))
         return {key, QIcon()};
     if (const KelvaDocItem *folder = m_folders->findItem(key))
         return {folder->getName(), folder->icon()};

@@ -2,6 +2,7 @@
 
 #include "server/exportfilename.h"
 #include "server/kelvaarchiveclientinterface.h"
+#include "server/openeddocuments.h"
 #include "server/plainbox.h"
 
 #include <QCoreApplication>
@@ -12,6 +13,7 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QProcess>
+#include <QSettings>
 #include <QTemporaryFile>
 #include <QUrl>
 
@@ -52,6 +54,13 @@ QString nameBeside(const QString &file)
 {
     QTemporaryFile beside(QFileInfo(file).absolutePath() + QStringLiteral("/.kelva-XXXXXX"));
     return beside.open() ? beside.fileName() : QString();
+}
+
+/// A later start clears it up.
+void leaveBehind(const QString &path)
+{
+    QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
+    openeddocuments::note(settings, path, QDateTime::currentDateTime());
 }
 
 bool renameOver(const QString &from, const QString &to)
@@ -164,6 +173,7 @@ bool KelvaArchiveWorker::exportDocuments(const QList<qint64> &ids, const QMap<QS
         qDebug() << "EXPORT TO" << path;
         if (openOnly) {
             files << path;
+            leaveBehind(path);
             QDesktopServices::openUrl(QUrl::fromLocalFile(path));
         } else {
             saveExported(path, target, files);
@@ -180,8 +190,10 @@ void KelvaArchiveWorker::saveExported(const QString &path, const QString &direct
         // A refused file stays where it was fetched to.
         if (plainbox::question(nullptr, tr("File exists"),
                                tr("The file %1 alredy exists, overwrite?").arg(target),
-                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes) {
+            leaveBehind(path);
             return;
+        }
         overwriteExported(path, target, files);
     } else if (placeFile(path, target)) {
         files << target;

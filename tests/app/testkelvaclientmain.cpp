@@ -26,16 +26,18 @@ private slots:
         FakeArchive &archive = FakeArchive::instance();
         archive.addDocument("Invoice", "1.1.1");
         archive.addDocument("Letter", "9.9");
+        archive.addDocument("Old", "1.3"); // an inactive folder, which no panel shows
+        archive.documents[3].fields[1] = "1.3";
         Workplace workplace;
         QVERIFY(workplace.start());
         QCOMPARE(workplace.window->windowTitle(), QString("Kelva - First line - Main archive"));
         QCOMPARE(archive.queries, QList<QStringList>({{"1=1", "OPT:LIMIT;100"}}));
-        QCOMPARE(workplace.column(0), QStringList({"101", "102"}));
-        QCOMPARE(workplace.column(1), QStringList({"Customers", "Customers"}));
-        QCOMPARE(workplace.column(3), QStringList({"open", "open"}));
-        QCOMPARE(workplace.column(5), QStringList({"Müller & Söhne", "not assigned"}));
-        QCOMPARE(workplace.column(6), QStringList({"Invoice", "Invoice"}));
-        QCOMPARE(workplace.message(), QString("2 documents"));
+        QCOMPARE(workplace.column(0), QStringList({"101", "102", "103"}));
+        QCOMPARE(workplace.column(1), QStringList({"Customers", "Customers", "Closed"}));
+        QCOMPARE(workplace.column(3), QStringList({"open", "open", "open"}));
+        QCOMPARE(workplace.column(5), QStringList({"Müller & Söhne", "not assigned", "Closed"}));
+        QCOMPARE(workplace.column(6), QStringList({"Invoice", "Invoice", "Invoice"}));
+        QCOMPARE(workplace.message(), QString("3 documents"));
         QVERIFY(!workplace.action("action_Exportieren")->isEnabled());
         workplace.table()->selectRow(0);
         QVERIFY(workplace.action("action_Exportieren")->isEnabled());

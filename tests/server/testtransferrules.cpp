@@ -1,6 +1,8 @@
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "server/exportfilename.h"
+#include "server/openeddocuments.h"
 #include "server/privatefile.h"
 #include "server/transferprogress.h"
 
@@ -64,6 +66,35 @@ private slots:
         const QString name = exportFileName(1234, proposal, path, counter);
         QTEST(name, "name");
         QVERIFY(name.toUtf8().size() <= 255);
+    }
+
+    void openedCopiesAreClearedUp()
+    {
+        const QTemporaryDir directory;
+        QSettings settings(directory.filePath("settings.ini"), QSettings::IniFormat);
+        const QDateTime now = QDateTime::currentDateTime();
+        const auto copy = [&](const QString &name, int hoursAgo) {
+            const QString path = outside::write(directory.filePath(name), "as fetched");
+            openeddocuments::note(settings, path, now.addSecs(-3600 * hoursAgo));
+            return path;
+        };
+        const QString young = copy("young", 23);
+        const QString old = copy("old; and odd", 25);
+        const QString gone = copy("gone", 25);
+        const QString changed = copy("changed", 100);
+        const QString replaced = copy("replaced", 1);
+        QFile open(copy("open", 25));
+        QVERIFY(QFile::remove(gone) && open.open(QIODevice::ReadOnly));
+        outside::write(changed, "by the user");
+        QVERIFY(QFile::remove(replaced) && QFile::link(young, replaced));
+        QCOMPARE(openeddocuments::clearUp(settings, now), QStringList(changed));
+        QVERIFY(QFile::exists(young) && QFile::exists(changed) && open.exists());
+        QVERIFY(!QFile::exists(old));
+        // Said once; what was open goes when it is so no more.
+        open.close();
+        QCOMPARE(openeddocuments::clearUp(settings, now), QStringList());
+        QVERIFY(!open.exists());
+        QVERIFY(QFile::exists(changed));
     }
 
     void progress_data()
