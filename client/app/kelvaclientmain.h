@@ -168,6 +168,7 @@ private:
     void loadScreenSettings();
     void saveScreenSettings();
     void restoreLayout(const QByteArray &state);
+    void stackPanels();
     /// Takes down the layout while the window is still there.
     void noteLayout();
 

@@ -22,6 +22,7 @@
 #include <QSignalBlocker>
 #include <QSpinBox>
 #include <QToolBar>
+#include <QWindow>
 
 namespace {
 
@@ -320,7 +321,27 @@ void KelvaClientMain::restoreLayout(const QByteArray &state)
 {
     restoreState(state, 0);  // what Qt refuses leaves the layout as it is
     m_dockDocuments->show(); // no menu would bring it back
+    stackPanels();
     m_folderWidth->settle();
+}
+
+/// On a screen that is too low for the panels above each other they lie behind each other.
+void KelvaClientMain::stackPanels()
+{
+    const QScreen *own = windowHandle() ? windowHandle()->screen() : QGuiApplication::primaryScreen();
+    if (minimumSizeHint().height() <= own->availableGeometry().height())
+        return;
+    QDockWidget *first = nullptr;
+    for (QDockWidget *dock : {m_dockFolder, m_dockStatus, m_dockSearch}) {
+        if (dock->isFloating() || dock->isHidden())
+            continue;
+        if (first)
+            tabifyDockWidget(first, dock);
+        else
+            first = dock;
+    }
+    if (first)
+        first->raise();
 }
 
 void KelvaClientMain::noteLayout()

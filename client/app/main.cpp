@@ -2,6 +2,7 @@
 #include "app/kelvaclientmain.h"
 #include "app/programversion.h"
 #include "app/qmyapplication.h"
+#include "app/screenfitter.h"
 #include "server/privatefile.h"
 
 #include <QSettings>
@@ -44,6 +45,8 @@ int main(int argc, char *argv[])
     QCoreApplication::installTranslator(&translator);
     QGuiApplication::setQuitOnLastWindowClosed(true);
 
+    ScreenFitter fitter;
+    application.installEventFilter(&fitter);
     KelvaClientMain window;
     QTimer::singleShot(100, &window, SLOT(init()));
     return QApplication::exec();

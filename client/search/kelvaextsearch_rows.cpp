@@ -154,6 +154,12 @@ void KelvaExtSearch::leaveTable(QWidget *editor, QAbstractItemDelegate::EndEditH
     // The table goes on to the next cell that can be edited, past the buttons of the row, and from the last
     // one round to the first.
     const QModelIndex index = m_ui->m_extSearchTable->indexAt(editor->geometry().center());
+    if (hint == QAbstractItemDelegate::RevertModelCache &&
+        m_ui->m_extSearchTable->isPersistentEditorOpen(index)) {
+        // Such an editor stays, so that Escape in it means the dialog.
+        QMetaObject::invokeMethod(this, "reject", Qt::QueuedConnection);
+        return;
+    }
     const bool forward = hint == QAbstractItemDelegate::EditNextItem;
     if (!forward && hint != QAbstractItemDelegate::EditPreviousItem)
         return;

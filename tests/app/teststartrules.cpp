@@ -2,6 +2,7 @@
 
 #include "app/desktoppalette.h"
 #include "app/proxysettings.h"
+#include "app/screenfitter.h"
 #include "app/startoptions.h"
 #include "server/plainbox.h"
 
@@ -54,6 +55,22 @@ private slots:
         const QPalette palette = programPalette(desktop, light);
         QCOMPARE(palette.color(QPalette::Text), light.color(QPalette::Text));
         QCOMPARE(palette.color(QPalette::Window), QColor(243, 249, 255));
+    }
+
+    void windowsStayWithinTheScreen_data()
+    {
+        QTest::addColumn<QRect>("window");
+        QTest::addColumn<QRect>("place");
+        QTest::newRow("large") << QRect(0, 0, 988, 689) << QRect(10, 20, 640, 380);
+        QTest::newRow("high") << QRect(100, 50, 400, 571) << QRect(100, 20, 400, 380);
+        QTest::newRow("beside") << QRect(900, -50, 100, 100) << QRect(550, 20, 100, 100);
+        QTest::newRow("small") << QRect(100, 50, 200, 100) << QRect(100, 50, 200, 100);
+    }
+
+    void windowsStayWithinTheScreen()
+    {
+        QFETCH(QRect, window);
+        QTEST(ScreenFitter::fitted(window, QRect(10, 20, 640, 380)), "place");
     }
 
     void longTextsGoIntoTheDetails()
