@@ -79,7 +79,7 @@ int run(KelvaClientMain &window)
                  window.selChanged();
                  table->grab();
              },
-             [&] { rawFill(sql, view, model); }, 2.0});
+             [&] { rawFill(sql, view, model); }, 1.5});
     return table->rowCount() == rows && model.rowCount() == rows ? 0 : 1;
 }
 

@@ -199,10 +199,9 @@ QList<int> KelvaInfoView::getItemRows(const QString &docId) const
 {
     // Indexes only: an item would note its position when asked for it, which is a write.
     QList<int> rows;
-    const QModelIndexList hits = m_model->match(m_model->index(0, documentcolumn::id),
-                                                itemrole::classificationId, docId, -1, Qt::MatchExactly);
-    for (const QModelIndex &hit : hits)
-        rows << m_proxy->mapFromSource(hit).row();
+    const QVector<int> found = m_rowsOfDocument.value(docId);
+    for (const int row : found)
+        rows << m_proxy->mapFromSource(m_model->index(row, documentcolumn::id)).row();
     return rows;
 }
 

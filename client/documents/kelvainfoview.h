@@ -2,9 +2,11 @@
 
 #include "documents/cellface.h"
 
+#include <QHash>
 #include <QMap>
 #include <QStringList>
 #include <QTableView>
+#include <QVector>
 
 #include <functional>
 #include <memory>
@@ -127,6 +129,7 @@ private:
     QString settingsApplication() const;
     int visibleColumns() const;
 
+    QHash<QString, QVector<int>> m_rowsOfDocument; ///< by classification id, in the order of the rows
     QInfoViewModel *m_model;
     MySortFilterProxyModel *m_proxy;
     bool autoResize = false;

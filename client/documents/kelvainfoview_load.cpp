@@ -1,5 +1,6 @@
 #include "documents/kelvainfoview.h"
 
+#include "documents/documentcell.h"
 #include "documents/documentcolumns.h"
 #include "documents/documentrow.h"
 #include "documents/itemroles.h"
@@ -47,6 +48,7 @@ void KelvaInfoView::loadDocuments(QStringList docs, const QStringList &infos, bo
 {
     const QSignalBlocker viewBlocker(this);
     const QSignalBlocker headerBlocker(horizontalHeader());
+    m_rowsOfDocument.clear();
     if (docs.isEmpty()) {
         m_model->clear();
         return;
@@ -95,42 +97,34 @@ void KelvaInfoView::fillRows(const QStringList &docs, int columns, const QMap<QS
         const QStringList fields = doc.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
         const DocumentRowLook look = documentRowLook(fields, context);
         anyResubmission = anyResubmission || look.resubmission;
+        const auto facts = std::make_shared<const DocumentRowFacts>(DocumentRowFacts{
+            documentCellFlags(documentcolumn::id, look.readOnly, trash), look.readOnly, look.unread,
+            unreadFont, look.background, look.toolTip, look.retention, look.retentionEnd});
         QList<QStandardItem *> row;
         row.reserve(columns);
         for (int column = 0; column < columns; ++column) {
             // Of a row that is too short the last field still is the rights; the missing ones are empty.
             const QString field = column < fields.size() - 1 ? fields.at(column) : QString();
-            auto *cell = new QStandardItem(column == documentcolumn::id ? look.archiveId
-                                           : numeric.at(column)         ? numericCellText(field, decimalPoint)
-                                                                        : field);
-            if (m_faces && showsName(column)) {
-                const CellFace face = m_faces(column, field);
-                cell->setText(face.text);
-                cell->setIcon(face.icon);
-            }
+            const bool fixed = m_attributesReadOnly && column >= documentcolumn::firstAttribute;
+            const bool editable =
+                documentCellFlags(column, look.readOnly || fixed, trash).testFlag(Qt::ItemIsEditable);
+            const CellFace face =
+                m_faces && showsName(column) ? m_faces(column, field) : CellFace{field, QIcon()};
+            auto *cell = new DocumentCell(column == documentcolumn::id ? look.archiveId
+                                          : numeric.at(column)         ? numericCellText(field, decimalPoint)
+                                                                       : face.text,
+                                          facts, editable, numeric.at(column));
             if (column == documentcolumn::id) {
                 cell->setData(look.classificationId, itemrole::classificationId);
                 cell->setIcon(m_icons->icon(look, fileNames.value(look.archiveId)));
-            } else if (keepsRawValue(column)) {
-                cell->setData(field, itemrole::rawValue);
+            } else if (!face.icon.isNull()) {
+                cell->setIcon(face.icon);
             }
-            if (numeric.at(column))
-                cell->setData(true, itemrole::numeric);
-            if (look.unread)
-                cell->setFont(unreadFont);
-            const bool fixed = m_attributesReadOnly && column >= documentcolumn::firstAttribute;
-            cell->setFlags(documentCellFlags(column, look.readOnly || fixed, trash));
-            cell->setData(look.readOnly ? 1 : 0, itemrole::readOnly);
-            if (look.background.isValid())
-                cell->setBackground(look.background);
-            if (!look.toolTip.isEmpty())
-                cell->setToolTip(look.toolTip);
-            if (look.retention)
-                cell->setData(true, itemrole::retention);
-            if (look.retentionEnd.isValid())
-                cell->setData(look.retentionEnd, itemrole::retentionEnd);
+            if (keepsRawValue(column))
+                cell->setData(field, itemrole::rawValue);
             row << cell;
         }
+        m_rowsOfDocument[look.classificationId].append(rows.size());
         rows << row;
     }
     m_model->replaceRows(rows);
