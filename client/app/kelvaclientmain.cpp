@@ -224,8 +224,8 @@ bool KelvaClientMain::loadClassificationPlugin()
     classifyClient = classifyClient->createClient(QString());
     if (!classifyClient)
         return false;
-    offlineMode = classifyClient->getConnectionMode().startsWith("Offline");
-    if (offlineMode) {
+    m_session.offline = classifyClient->getConnectionMode().startsWith("Offline");
+    if (m_session.offline) {
         qDebug("Client in offline mode...");
         disconnect(statusBarExt->getShowUnReadCheckBox(), SIGNAL(clicked()), this, SLOT(doUpdateDocuments()));
         statusBarExt->getShowUnReadCheckBox()->hide();
@@ -249,7 +249,8 @@ bool KelvaClientMain::loadArchivePlugin()
 void KelvaClientMain::showAbout()
 {
     KelvaAbout about(this);
-    about.setInformation(profile.displayLine1, profile.displayLine2, classifyClient->getServerVersion());
+    about.setInformation(m_session.profile.displayLine1, m_session.profile.displayLine2,
+                         classifyClient->getServerVersion());
     about.exec();
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "documents/documentquery.h"
-#include "server/kelvaprofiledata.h"
+#include "documents/recordeditor.h"
+#include "server/session.h"
 #include "ui_kelvaclientmain.h"
 
 #include <QItemSelection>
@@ -10,7 +11,6 @@
 #include <QMutex>
 #include <QPersistentModelIndex>
 
-#include <functional>
 #include <memory>
 
 class ClassifyInterface;
@@ -154,7 +154,6 @@ private:
     void setLoginText(const QString &text);
     void startReloadBlink();
     void stopReloadBlink();
-    bool mayDo(const char *right) const { return userRights.contains(right); }
 
     // app/kelvaclientmain_workbench.cpp
     void loadToolBar();
@@ -195,15 +194,13 @@ private:
     QStringList doExportDocument(const QString &path, bool open, int index);
 
     // documents/kelvaclientmain_edit.cpp
-    enum class EditResult { Saved, ReadFailed, Conflict, Dropped, SaveFailed };
-    /// Changes the fields of a record; false gives the edit up.
-    using RecordChange = std::function<bool(QStringList &fields)>;
     void infoViewItemChanged(QStandardItem *item);
     void saveEdit(const CellEdit &edit);
-    /// The cycle of every edit: read, compare the version token, change, save.
-    EditResult editDocument(const QString &docId, const RecordChange &change);
+    RecordEditor recordEditor() const;
+    /// The cycle of every edit, with the warning of a conflict.
+    RecordEditor::Result editDocument(const QString &docId, const RecordEditor::Change &change);
     /// The same with a box for each failure and, with update, a refresh at the end.
-    bool editDocument(const QString &docId, const RecordChange &change, const QString &readFailure,
+    bool editDocument(const QString &docId, const RecordEditor::Change &change, const QString &readFailure,
                       const QString &saveFailure, bool update);
     bool checkIfChanged(const QString &version, const QString &docId);
     void updateBemerkung(const QString &docId, const QString &value);
@@ -248,12 +245,8 @@ private:
     void loadFilters();
     void fillSearchCombo(const QStringList &columns);
 
-    bool offlineMode = false;
-    kelvaProfileData profile;
     ClassifyInterface *classifyClient = nullptr;
     kelvaArchiveClientInterface *archiveInterface = nullptr; ///< a factory
-    QString loginName;
-    QString loginPassword;
     KelvaDocTree *docTree;
     kelvastatusbarext *statusBarExt;
     KelvaTrashButton *m_trashButton = nullptr; ///< the status bar's
@@ -264,13 +257,7 @@ private:
     bool initialized = false;
     QString clientIdent; ///< composed for the service; nothing here reads it
 
-    // Session
-    QString serverHost;
-    int serverPort = 0;
-    QString archiveHost;
-    int archivePort = 0;
-    QString profileIdentifier;
-    QStringList userRights;
+    Session m_session;
     KelvaDocLogin *loginSplash = nullptr;
     QTimer *reloadBlinkTimer = nullptr;
     bool uiReady = false;

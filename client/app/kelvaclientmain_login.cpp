@@ -7,11 +7,11 @@
 #include "documents/refreshgate.h"
 #include "folders/columneditors.h"
 #include "folders/kelvadoctree.h"
+#include "server/archiveentry.h"
 #include "server/classifyinterface.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/kelvalogindata.h"
 #include "server/plainbox.h"
-#include "server/recordformat.h"
 
 #include <QCloseEvent>
 #include <QProcess>
@@ -46,16 +46,11 @@ protected:
     void closeEvent(QCloseEvent *event) override { event->ignore(); }
 };
 
-QStringList archiveFields(const QString &entry)
-{
-    return entry.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
-}
-
 } // namespace
 
 bool KelvaClientMain::doLogin()
 {
-    if (offlineMode ? !enterOfflineArchive() : !chooseProfile()) {
+    if (m_session.offline ? !enterOfflineArchive() : !chooseProfile()) {
         QCoreApplication::quit();
         return false;
     }
@@ -65,14 +60,14 @@ bool KelvaClientMain::doLogin()
         delete loginSplash;
         loginSplash = nullptr;
     });
-    loginSplash->setDisplayLines(profile.displayLine1, profile.displayLine2);
+    loginSplash->setDisplayLines(m_session.profile.displayLine1, m_session.profile.displayLine2);
     loginSplash->loginMode();
     loginSplash->show();
     loginSplash->update();
     QCoreApplication::processEvents();
 
     const bool connected = connectToClassification() && !m_connectionLost;
-    const bool archiveKnown = connected && (offlineMode || isArchiveKnown());
+    const bool archiveKnown = connected && (m_session.offline || isArchiveKnown());
     if (!archiveKnown)
         loginSplash->hide();
     if (!connected) {
@@ -91,7 +86,7 @@ bool KelvaClientMain::doLogin()
     }
     firstConnect = false;
     initialized = true;
-    setWindowTitle("Kelva - " + profile.displayLine1 + " - " + classifyClient->getArchiveName());
+    setWindowTitle("Kelva - " + m_session.profile.displayLine1 + " - " + classifyClient->getArchiveName());
     return true;
 }
 
@@ -104,9 +99,9 @@ bool KelvaClientMain::enterOfflineArchive()
                               tr("The archive information could not be read. Archive corrupt?"));
         return false;
     }
-    const QStringList fields = archiveFields(archives.first());
+    const ArchiveEntry entry = ArchiveEntry::parse(archives.first());
     const QSignalBlocker blocker(m_currentSubArchiv);
-    m_currentSubArchiv->addItem(QIcon(), fields.value(0), fields.value(fields.size() > 1 ? 1 : 0));
+    m_currentSubArchiv->addItem(QIcon(), entry.name, entry.key);
     return true;
 }
 
@@ -116,9 +111,9 @@ bool KelvaClientMain::chooseProfile()
     QString message;
     const QString id = parseStartOptions(QCoreApplication::arguments()).profileId;
     // An id below 0 is that of a profile that was never read.
-    if (!id.isEmpty() && id.toInt() >= 0 && login.getProfileById(profile, message, id.toInt()))
+    if (!id.isEmpty() && id.toInt() >= 0 && login.getProfileById(m_session.profile, message, id.toInt()))
         return takeProfile();
-    if (!login.getProfile(profile, message, this, false)) {
+    if (!login.getProfile(m_session.profile, message, this, false)) {
         if (!login.getIsUserCanceled())
             plainbox::information(this, tr("Information"), message);
         return false;
@@ -128,18 +123,15 @@ bool KelvaClientMain::chooseProfile()
 
 bool KelvaClientMain::takeProfile()
 {
-    loginName = profile.user;
-    loginPassword = profile.password;
-    serverHost = archiveHost = profile.host;
-    serverPort = archivePort = profile.port.toInt();
-    classifyClient->setProfileId(profile.id);
-    profileIdentifier =
-        QStringLiteral("kelvaClientSettings1408_%1_%2_%3")
-            .arg(serverHost, QString::number(serverPort), QString::number(classifyClient->getProfileId()));
-    m_infoView->setProfileIdentifier(profileIdentifier);
+    m_session.login = m_session.profile.user;
+    m_session.password = m_session.profile.password;
+    m_session.host = m_session.profile.host;
+    m_session.port = m_session.profile.port.toInt();
+    classifyClient->setProfileId(m_session.profile.id);
+    m_infoView->setProfileIdentifier(m_session.settingsPrefix(classifyClient->getProfileId()));
 
-    const QStringList fields = archiveFields(profile.archiveEntry);
-    if (fields.size() != 2) {
+    const ArchiveEntry entry = ArchiveEntry::parse(m_session.profile.archiveEntry);
+    if (!entry.hasKey) {
         plainbox::information(
             this, tr("Information"),
             tr("The archive information can not be read. Check the settings in the Connection Manager!"));
@@ -147,7 +139,7 @@ bool KelvaClientMain::takeProfile()
     }
     const QSignalBlocker blocker(m_currentSubArchiv);
     m_currentSubArchiv->clear();
-    m_currentSubArchiv->addItem(fields.at(0), fields.at(1));
+    m_currentSubArchiv->addItem(entry.name, entry.key);
     return true;
 }
 
@@ -155,13 +147,7 @@ bool KelvaClientMain::isArchiveKnown()
 {
     QStringList archives;
     classifyClient->getArchiveList(archives);
-    const QString key = archiveFields(profile.archiveEntry).value(1);
-    for (const QString &archive : qAsConst(archives)) {
-        const QStringList fields = archiveFields(archive);
-        if (fields.value(fields.size() > 1 ? 1 : 0) == key)
-            return true;
-    }
-    return false;
+    return ArchiveEntry::isKnown(ArchiveEntry::parse(m_session.profile.archiveEntry).key, archives);
 }
 
 bool KelvaClientMain::doLoginWithoutDialog()
@@ -180,10 +166,10 @@ bool KelvaClientMain::connectToClassification()
     setLoginText(tr("Checking login..."));
     if (loginSplash)
         loginSplash->setSteps(splashSteps);
-    if (!classifyClient->connectClient(serverHost, serverPort, loginName, loginPassword))
+    if (!classifyClient->connectClient(m_session.host, m_session.port, m_session.login, m_session.password))
         return reportFailedConnection();
     setLoginText(tr("Loading user data..."));
-    userRights = classifyClient->getUserRights();
+    m_session.rights = classifyClient->getUserRights();
     setLoginText(tr("Creating workplace..."));
     loadToolBar();
     loadSettings();
@@ -216,7 +202,8 @@ bool KelvaClientMain::reportFailedConnection()
 {
     const QString message = classifyClient->lastMessage();
     if (message.startsWith("Password expired"))
-        return changeExpiredPass(serverHost, loginName, serverPort) && connectToClassification();
+        return changeExpiredPass(m_session.host, m_session.login, m_session.port) &&
+               connectToClassification();
     if (message == "WRONGVERSION") {
         plainbox::critical(this, tr("Error"),
                            tr("Version mismatch. Your client and server components has different versions."));
@@ -270,9 +257,9 @@ void KelvaClientMain::changePassword()
 
 void KelvaClientMain::keepPassword(const QString &oldPassword, const QString &newPassword)
 {
-    loginPassword = newPassword;
+    m_session.password = newPassword;
     // The profile takes it over where it keeps the old one; otherwise the user types it there himself.
-    kelvaLoginData().changePassword(profile.id, oldPassword, newPassword);
+    kelvaLoginData().changePassword(m_session.profile.id, oldPassword, newPassword);
 }
 
 bool KelvaClientMain::updateAll(bool updateDocs)
@@ -324,8 +311,8 @@ bool KelvaClientMain::reloadWorkplace(bool updateDocs)
     QCoreApplication::processEvents();
 
     m_editors->release();
-    if (!offlineMode)
-        login.reloadProfile(profile.id);
+    if (!m_session.offline)
+        login.reloadProfile(m_session.profile.id);
     loadSettings();
     if (updateDocs)
         m_infoView->resetHeaders();

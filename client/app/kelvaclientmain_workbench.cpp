@@ -1,5 +1,6 @@
 #include "app/kelvaclientmain.h"
 
+#include "app/actionvisibility.h"
 #include "app/defaultlayout.h"
 #include "app/dockwidthkeeper.h"
 #include "documents/kelvatrashbutton.h"
@@ -7,7 +8,6 @@
 #include "search/kelvastatusbarext.h"
 #include "server/classifyinterface.h"
 #include "server/plainbox.h"
-#include "server/userrights.h"
 
 #include <QCheckBox>
 #include <QFileDialog>
@@ -87,7 +87,7 @@ void KelvaClientMain::loadToolBar()
     action_Print->setVisible(false);
     action_Print->setEnabled(false);
     applyRights();
-    if (offlineMode)
+    if (!actionVisibility(m_session).serviceOnly)
         applyOfflineMode();
     fillContextMenus();
     disableDocumentActions();
@@ -99,19 +99,18 @@ void KelvaClientMain::loadToolBar()
 
 void KelvaClientMain::applyRights()
 {
-    const bool admin = mayDo(userright::administrate);
+    const ActionVisibility visible = actionVisibility(m_session);
     for (QAction *action : {action_Einstellungen, action_Benutzer, action_Plugins})
-        action->setVisible(admin);
-    if (admin) {
+        action->setVisible(visible.administration);
+    if (visible.administration) {
         m_settingsBar = new QToolBar(tr("Settings"), this);
         m_settingsBar->setObjectName("Einstellungen");
         m_settingsBar->setIconSize(m_toolBar->iconSize());
         m_settingsBar->addActions({action_Einstellungen, action_Benutzer, action_Plugins});
         addToolBar(Qt::TopToolBarArea, m_settingsBar);
     }
-    const bool classify = mayDo(userright::classify);
-    m_infoView->setNoEdit(!classify);
-    if (!classify) {
+    m_infoView->setNoEdit(!visible.classification);
+    if (!visible.classification) {
         for (QAction *action : {action_MoveToArchive, action_Archivieren, action_Zurueckstellen}) {
             action->setVisible(false);
             action->setEnabled(false);
@@ -119,7 +118,7 @@ void KelvaClientMain::applyRights()
         m_infoView->setEditTriggers(QAbstractItemView::NoEditTriggers);
         m_infoView->setDragEnabled(false);
     }
-    if (!mayDo(userright::history)) {
+    if (!visible.history) {
         action_History->setVisible(false);
         action_History->setEnabled(false);
     }
@@ -135,7 +134,6 @@ void KelvaClientMain::applyOfflineMode()
     m_menuView->removeAction(m_dockSearch->toggleViewAction());
     m_trashButton->hide();
     actionErweitererte_Volltextsuche->setVisible(false);
-    action_History->setVisible(false);
     m_dockSearch->hide();
     m_dockSearch->setEnabled(false);
 }
@@ -161,7 +159,7 @@ void KelvaClientMain::fillContextMenus()
     m_infoView->addActions({action_Anzeigen, action_Exportieren, action_Versenden, action_moveToFolder});
     delete m_contextLink;
     m_contextLink = nullptr;
-    if (!offlineMode) {
+    if (!m_session.offline) {
         m_contextLink = new QAction(QIcon(":/icons/computer_link.png"), tr("Link..."), this);
         m_contextLink->setMenu(action_Link->menu());
         m_infoView->addActions(
@@ -222,7 +220,7 @@ void KelvaClientMain::connectActions()
     connect(action_OrdnerSuchen, triggered, m_tWOrdner, SLOT(showSearchDlg()));
     disconnect(action_Weitersuchen, triggered, m_tWOrdner, SLOT(searchAgain()));
     connect(action_Weitersuchen, triggered, m_tWOrdner, SLOT(searchAgain()));
-    if (offlineMode)
+    if (m_session.offline)
         return; // nobody marks documents as read offline
     QCheckBox *unread = statusBarExt->getShowUnReadCheckBox();
     disconnect(unread, SIGNAL(clicked()), this, SLOT(doUpdateDocuments()));
@@ -283,7 +281,7 @@ void KelvaClientMain::loadScreenSettings()
     } else {
         restoreLayout(QByteArray::fromBase64(defaultlayout::state));
     }
-    if (offlineMode) {
+    if (m_session.offline) {
         m_searchDockShown = !m_dockSearch->isHidden();
         m_dockSearch->hide(); // whatever the restored state says
     }
@@ -303,7 +301,7 @@ void KelvaClientMain::loadScreenSettings()
         const QSignalBlocker fullTextBlocker(actionErweitererte_Volltextsuche);
         statusBarExt->getShowUnReadCheckBox()->setChecked(settings.value("DOCSHOWUNREAD", false).toBool());
         // Offline the date filter is hidden; it must not work unseen.
-        statusBarExt->getTimeLineCheckBox()->setChecked(!offlineMode &&
+        statusBarExt->getTimeLineCheckBox()->setChecked(!m_session.offline &&
                                                         settings.value("DOCSENABLETIMELINE", false).toBool());
         actionErweitererte_Volltextsuche->setChecked(
             settings.value("DOCLASSIFYSEARCHFULLTEXT", false).toBool());
@@ -347,10 +345,10 @@ void KelvaClientMain::stackPanels()
 void KelvaClientMain::noteLayout()
 {
     // Offline the filter dock is hidden by force; that is not how the user left it.
-    if (offlineMode)
+    if (m_session.offline)
         m_dockSearch->setVisible(m_searchDockShown);
     m_layout = saveState();
-    if (offlineMode)
+    if (m_session.offline)
         m_dockSearch->hide();
     if (m_dockStatus->isVisible() && !m_dockStatus->isFloating())
         DockFolderWidth = m_twStatus->width();
@@ -375,7 +373,7 @@ void KelvaClientMain::saveScreenSettings()
     if (isPlausibleDockWidth(DockFolderWidth))
         settings.setValue("DockFolderWidth", DockFolderWidth);
     settings.setValue("DOCSHOWUNREAD", statusBarExt->getShowUnReadCheckBox()->isChecked());
-    if (!offlineMode)
+    if (!m_session.offline)
         settings.setValue("DOCSENABLETIMELINE", statusBarExt->getTimeLineCheckBox()->isChecked());
     settings.sync();
 }
@@ -422,7 +420,7 @@ void KelvaClientMain::loadWorkbench()
         return;
     }
     restoreLayout(state);
-    if (offlineMode)
+    if (m_session.offline)
         m_dockSearch->hide();
 }
 

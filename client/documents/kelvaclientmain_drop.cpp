@@ -75,21 +75,27 @@ bool KelvaClientMain::classifyDropped(const QString &row, const QString &folder,
         plainbox::critical(this, tr("Error"), text);
         return false;
     };
-    QStringList fields = row.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
-    if (fields.size() != m_infoView->getModel()->columnCount() + 1)
-        return giveUp(tr("The document data could not be read."));
-    if (!fields.last().contains('W'))
+    const QStringList fields = row.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
+    if (!row.isEmpty() && !fields.last().contains('W'))
         return true;
-    const QString id = fields.takeFirst().section(recordformat::documentIdSeparator, 1, 1);
-    handled << id;
-    if (date.isEmpty()) {
+    const QString id = fields.first().section(recordformat::documentIdSeparator, 1, 1);
+    if (date.isEmpty() && !row.isEmpty()) {
+        handled << id;
         updateDocAfterDrop(id, folder);
         return true;
     }
-    if (checkIfChanged(fields.value(edit::version), id))
+    const RecordEditor::Result result = recordEditor().edit(
+        id, fields, [&](const QString &version) { return !checkIfChanged(version, id); },
+        [&](QStringList &record) {
+            edit::setStatus(record, documentstatus::resubmission, date);
+            return true;
+        });
+    if (result == RecordEditor::Result::ReadFailed)
+        return giveUp(tr("The document data could not be read."));
+    handled << id;
+    if (result == RecordEditor::Result::Conflict)
         return giveUp(tr("Resubmission could not be set, the document was changed in the meantime!"));
-    edit::setStatus(fields, documentstatus::resubmission, date);
-    if (!classifyClient->saveDocument(id, fields))
+    if (result == RecordEditor::Result::SaveFailed)
         return giveUp(tr("The document could not be classified: ") + classifyClient->lastError());
     return true;
 }

@@ -77,31 +77,29 @@ bool KelvaClientMain::checkIfChanged(const QString &version, const QString &docI
     return true;
 }
 
-KelvaClientMain::EditResult KelvaClientMain::editDocument(const QString &docId, const RecordChange &change)
+RecordEditor KelvaClientMain::recordEditor() const
 {
-    QStringList fields = classifyClient->getDocument(docId, QString());
-    // Of another length, a value would land in another field.
-    if (fields.isEmpty() || fields.size() != m_infoView->getModel()->columnCount() + 1)
-        return EditResult::ReadFailed;
-    fields.removeFirst();
-    if (checkIfChanged(fields.value(edit::version), docId))
-        return EditResult::Conflict;
-    if (!change(fields))
-        return EditResult::Dropped;
-    return classifyClient->saveDocument(docId, fields) ? EditResult::Saved : EditResult::SaveFailed;
+    return RecordEditor(classifyClient, m_infoView->getModel()->columnCount() + 1);
 }
 
-bool KelvaClientMain::editDocument(const QString &docId, const RecordChange &change,
+RecordEditor::Result KelvaClientMain::editDocument(const QString &docId, const RecordEditor::Change &change)
+{
+    return recordEditor().edit(
+        docId, [&](const QString &version) { return !checkIfChanged(version, docId); }, change);
+}
+
+bool KelvaClientMain::editDocument(const QString &docId, const RecordEditor::Change &change,
                                    const QString &readFailure, const QString &saveFailure, bool update)
 {
-    const EditResult result = editDocument(docId, change);
-    if (result == EditResult::Dropped)
+    const RecordEditor::Result result = editDocument(docId, change);
+    if (result == RecordEditor::Result::Dropped)
         return false; // neither saved nor refreshed
-    if (result == EditResult::ReadFailed || result == EditResult::SaveFailed)
-        plainbox::critical(this, tr("Error"), result == EditResult::ReadFailed ? readFailure : saveFailure);
+    if (result == RecordEditor::Result::ReadFailed || result == RecordEditor::Result::SaveFailed)
+        plainbox::critical(this, tr("Error"),
+                           result == RecordEditor::Result::ReadFailed ? readFailure : saveFailure);
     if (update)
         updateDocuments({});
-    return result == EditResult::Saved;
+    return result == RecordEditor::Result::Saved;
 }
 
 void KelvaClientMain::updateBemerkung(const QString &docId, const QString &value)
@@ -153,13 +151,13 @@ void KelvaClientMain::updateDocFolder(const QString &id, const QString &folder, 
 
 void KelvaClientMain::updateMandant(const QString &docId, const QString &folder, bool update)
 {
-    const EditResult result = editDocument(docId, [&](QStringList &fields) {
+    const RecordEditor::Result result = editDocument(docId, [&](QStringList &fields) {
         edit::replaceField(fields, edit::mainFolder, folder);
         edit::replaceField(fields, edit::folder, folder);
         return true;
     });
     // After the warning of a conflict as well.
-    if (result != EditResult::Saved)
+    if (result != RecordEditor::Result::Saved)
         plainbox::critical(this, tr("Error"), tr("The main folder could not be changed!"));
     if (update)
         updateDocuments({});
@@ -176,13 +174,13 @@ void KelvaClientMain::updateStatus(const QString &docId, const QString &status, 
         edit::setStatus(fields, status, date);
         return true;
     };
-    const EditResult result = editDocument(docId, change);
-    if (result == EditResult::Dropped)
+    const RecordEditor::Result result = editDocument(docId, change);
+    if (result == RecordEditor::Result::Dropped)
         return;
-    if (result == EditResult::ReadFailed)
+    if (result == RecordEditor::Result::ReadFailed)
         plainbox::critical(this, tr("Error"),
                            tr("The status could not be changed! (%1)").arg(classifyClient->lastMessage()));
-    else if (result == EditResult::SaveFailed)
+    else if (result == RecordEditor::Result::SaveFailed)
         plainbox::critical(this, tr("Error"), tr("The status could not be changed!"));
     if (update)
         updateDocuments({});
@@ -202,11 +200,11 @@ bool KelvaClientMain::askResubmissionDate(const QString &title, QString &date)
 
 void KelvaClientMain::updateFromColumn(const QString &value, int column, const QString &docId)
 {
-    const EditResult result = editDocument(docId, [&](QStringList &fields) {
+    const RecordEditor::Result result = editDocument(docId, [&](QStringList &fields) {
         edit::setColumn(fields, column, value);
         return true;
     });
-    if (result == EditResult::ReadFailed || result == EditResult::SaveFailed)
+    if (result == RecordEditor::Result::ReadFailed || result == RecordEditor::Result::SaveFailed)
         plainbox::critical(this, tr("Error"),
                            tr("The document could not be classified: ") + classifyClient->lastError());
     updateDocuments({});
@@ -214,5 +212,5 @@ void KelvaClientMain::updateFromColumn(const QString &value, int column, const Q
 
 QMap<QString, QString> KelvaClientMain::getCurrentBemerkungen(bool onlyWritable) const
 {
-    return offlineMode ? QMap<QString, QString>() : m_infoView->getCurrentBemerkungen(onlyWritable);
+    return m_session.offline ? QMap<QString, QString>() : m_infoView->getCurrentBemerkungen(onlyWritable);
 }

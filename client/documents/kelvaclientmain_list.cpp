@@ -207,9 +207,9 @@ bool KelvaClientMain::loadRows()
 
     QStringList opened;
     bool openedKnown = false;
-    if (!offlineMode && statusBarExt->getShowUnReadCheckBox()->isChecked() && !archiveIds.isEmpty()) {
+    if (!m_session.offline && statusBarExt->getShowUnReadCheckBox()->isChecked() && !archiveIds.isEmpty()) {
         QStringList actions;
-        openedKnown = archiveWorker->getDocumentActions(archiveIds, actions, 0, loginName);
+        openedKnown = archiveWorker->getDocumentActions(archiveIds, actions, 0, m_session.login);
         for (const QString &action : qAsConst(actions))
             opened << action.section(recordformat::fieldSeparator, 0, 0);
     }
@@ -298,8 +298,8 @@ void KelvaClientMain::docSelChanged(const QItemSelection &)
     facts.hasLiveDocuments = !getCurrentDocIds(false, true).isEmpty();
     facts.hasDocuments = !getCurrentDocIds(false, false).isEmpty();
     facts.trash = m_trashButton->isChecked();
-    facts.offline = offlineMode;
-    facts.mayClassify = mayDo(userright::classify);
+    facts.offline = m_session.offline;
+    facts.mayClassify = m_session.mayDo(userright::classify);
     const DocumentActionState state = documentActionState(facts);
 
     // Enabling a hidden action has no effect, so what a right has hidden stays off.

@@ -216,7 +216,7 @@ bool KelvaClientMain::runSearch(bool special)
     search.column = column;
     search.value = value;
     search.editor = editorOf(m_SearchString->itemDelegateForColumn(0));
-    search.offline = offlineMode;
+    search.offline = m_session.offline;
     search.decimalPoint = QLocale().decimalPoint();
     m_query.searchWhere = oneLineClause(search);
     {
@@ -256,11 +256,11 @@ bool KelvaClientMain::takeFullText(const QString &words, int typed)
         return false;
     }
     // The service's own search takes the words itself; then no hit of the local one is asked for.
-    const bool atService = actionErweitererte_Volltextsuche->isChecked() && !offlineMode;
+    const bool atService = actionErweitererte_Volltextsuche->isChecked() && !m_session.offline;
     const WaitCursor cursor;
     const QStringList hits = atService ? QStringList() : archiveWorker->searchDocs(words);
     m_query.searchFault = atService || !hits.isEmpty() ? QString() : archiveWorker->getLastError();
-    m_query.selectionOption = fullTextSelection(hits, offlineMode);
+    m_query.selectionOption = fullTextSelection(hits, m_session.offline);
     m_query.fullTextOption = atService ? fullTextOption(words) : QString();
     return true;
 }

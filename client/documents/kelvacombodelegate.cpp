@@ -40,7 +40,7 @@ QString KelvaComboDelegate::getValue(const QString &display) const
 {
     for (const QString &value : m_values) {
         const QStringList fields = value.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
-        if (fields.value(fields.size() > 1 ? 1 : 0) == display)
+        if (recordformat::secondOrOnly(fields) == display)
             return fields.first();
     }
     return searchtext::notAssigned();
@@ -51,7 +51,7 @@ QString KelvaComboDelegate::getData(const QString &key) const
     const auto entry = m_entries.constFind(key);
     if (entry == m_entries.constEnd())
         return searchtext::notAssigned();
-    return entry->value(entry->size() > 1 ? 1 : 0);
+    return recordformat::secondOrOnly(*entry);
 }
 
 QString KelvaComboDelegate::getData(const QString &key, int field) const
@@ -76,7 +76,7 @@ QWidget *KelvaComboDelegate::createEditor(QWidget *parent, const QStyleOptionVie
         if (fields.size() == 1 && box->count() == 0)
             box->addItem(QString(), QString());
         const QString &key = fields.first();
-        box->addItem(getIcon(key), fields.value(fields.size() > 1 ? 1 : 0), key);
+        box->addItem(getIcon(key), recordformat::secondOrOnly(fields), key);
     }
     box->setCurrentIndex(-1);
     connect(box, SIGNAL(givenUp()), this, SLOT(doGiveUp()));

@@ -9,11 +9,11 @@
 #include "folders/kelvanewfolder.h"
 #include "folders/workbenchdata.h"
 #include "search/kelvaextsearch.h"
+#include "server/archiveentry.h"
 #include "server/classifyinterface.h"
 #include "server/folderoid.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/plainbox.h"
-#include "server/recordformat.h"
 #include "server/userrights.h"
 #include "server/waitcursor.h"
 
@@ -59,7 +59,7 @@ bool KelvaClientMain::initFolders()
 void KelvaClientMain::showFolderTree(const WorkbenchData &workbench)
 {
     auto *tree = new KelvaDocTree(tr("Folders"), true, QString(), QString(), m_tWOrdner);
-    if (mayDo(userright::createFolder)) {
+    if (m_session.mayDo(userright::createFolder)) {
         tree->setCanCreateFolder(true);
         connect(tree, SIGNAL(doCreateFolder(QString)), this, SLOT(doCreateFolder(QString)));
     }
@@ -107,8 +107,8 @@ void KelvaClientMain::fillSubArchives(const QStringList &names)
 {
     m_currentSubArchiv->clear();
     for (const QString &name : names) {
-        const QStringList fields = name.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
-        m_currentSubArchiv->addItem(fields.value(0), fields.value(fields.size() > 1 ? 1 : 0));
+        const ArchiveEntry entry = ArchiveEntry::parse(name);
+        m_currentSubArchiv->addItem(entry.name, entry.key);
     }
 }
 
@@ -118,7 +118,8 @@ void KelvaClientMain::subArchiveChanged(int, bool reload)
     action_MoveToArchive->menu()->clear();
     QString archive = getArchiveString();
     if (!archive.isEmpty()) {
-        archiveWorker->setConnectionSettings(archiveHost, archivePort, loginName, loginPassword);
+        archiveWorker->setConnectionSettings(m_session.host, m_session.port, m_session.login,
+                                             m_session.password);
         m_infoView->setArchiveClient(archiveWorker, classifyClient);
         enterSubArchive(archive);
         QStringList names;

@@ -33,14 +33,14 @@ void KelvaClientMain::initStatus()
 void KelvaClientMain::initExtendedSearch()
 {
     delete m_extSearch;
-    m_extSearch = new KelvaExtSearch(offlineMode, this);
+    m_extSearch = new KelvaExtSearch(m_session.offline, this);
     m_extSearch->setDelegateLookup(
         [this](const QString &field) { return getDelegateForColumn(getColumnIndex(field)); });
 }
 
 void KelvaClientMain::loadFilters()
 {
-    if (offlineMode)
+    if (m_session.offline)
         statusBarExt->setOffline(true);
     else
         statusBarExt->setMinMaxDates(classifyClient->getMinMaxDates());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QChar>
+#include <QStringList>
 
 /// How records and lists are written into texts wherever data crosses the service interfaces.
 namespace recordformat {
@@ -13,5 +14,11 @@ constexpr QChar listSeparator{0xFFFD};
 constexpr QChar rowSeparator{0xFFFC};
 /// Between archive id and classification id in a document id.
 constexpr QChar documentIdSeparator{u'#'};
+
+/// Many entries are a key and a text, or one that is both.
+inline QString secondOrOnly(const QStringList &fields)
+{
+    return fields.value(fields.size() > 1 ? 1 : 0);
+}
 
 } // namespace recordformat

@@ -1,0 +1,14 @@
+#include "app/actionvisibility.h"
+
+#include "server/session.h"
+#include "server/userrights.h"
+
+ActionVisibility actionVisibility(const Session &session)
+{
+    ActionVisibility visible;
+    visible.administration = session.mayDo(userright::administrate);
+    visible.classification = session.mayDo(userright::classify);
+    visible.history = session.mayDo(userright::history) && !session.offline;
+    visible.serviceOnly = !session.offline;
+    return visible;
+}
