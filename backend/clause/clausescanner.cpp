@@ -30,14 +30,25 @@ int ClauseScanner::nameEnd(int from) const
 
 int ClauseScanner::numberEnd(int from) const
 {
-    int end = at(from) == QLatin1Char('-') ? from + 1 : from;
-    if (!isDigit(at(end)))
+    const auto digitsEnd = [this](int index) {
+        while (isDigit(at(index)))
+            ++index;
+        return index;
+    };
+    const int first = at(from) == QLatin1Char('-') ? from + 1 : from;
+    int end = digitsEnd(first);
+    const bool hasDigits = end > first;
+    // As people type it: a point may end a number or begin it.
+    if (at(end) == QLatin1Char('.') && (hasDigits || isDigit(at(end + 1))))
+        end = digitsEnd(end + 1);
+    if (end == first)
         return from;
-    while (isDigit(at(end)))
-        ++end;
-    if (at(end) == QLatin1Char('.') && isDigit(at(end + 1)))
-        for (++end; isDigit(at(end));)
-            ++end;
+    if (at(end).toLower() == QLatin1Char('e')) {
+        const bool isSigned = at(end + 1) == QLatin1Char('-') || at(end + 1) == QLatin1Char('+');
+        const int exponent = end + (isSigned ? 2 : 1);
+        if (isDigit(at(exponent)))
+            end = digitsEnd(exponent);
+    }
     // "12abc" is neither a number nor a name.
     return isNamePart(at(end)) || at(end) == QLatin1Char('.') ? from : end;
 }

@@ -1,5 +1,7 @@
 #include "clause/clausevalues.h"
 
+#include "store/textmatch.h"
+
 #include <QDate>
 #include <QRegularExpression>
 
@@ -28,8 +30,15 @@ std::optional<QVariant> numberValue(const QString &text)
 
 QString plainNumber(const QString &number)
 {
+    if (number.contains(QLatin1Char('e'), Qt::CaseInsensitive)) {
+        bool fits = false;
+        const double value = number.toDouble(&fits);
+        return fits ? numberText(value) : number;
+    }
     const bool negative = number.startsWith(QLatin1Char('-'));
     QString digits = negative ? number.mid(1) : number;
+    if (digits.startsWith(QLatin1Char('.')))
+        digits.prepend(QLatin1Char('0'));
     int from = 0;
     while (from + 1 < digits.size() && digits.at(from) == QLatin1Char('0') &&
            digits.at(from + 1) != QLatin1Char('.'))

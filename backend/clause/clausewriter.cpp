@@ -315,6 +315,9 @@ std::optional<SqlPart> ClauseWriter::writeWordMatch(const ClauseNode &node, bool
     const QString known = left->field->column + QLatin1String(" IS NOT NULL");
     if (words.value().matchesNothing())
         return negated ? sqlPart(known) : constantPart(false);
+    if (words.value().matchesAnyText())
+        return sqlPart(column(*left, Type::Text) +
+                       (negated ? QLatin1String(" = ''") : QLatin1String(" <> ''")));
     if (left->field->wordTable.isEmpty())
         return sqlPart((negated ? QStringLiteral("NOT ") : QString()) + QLatin1String("kelva_words(?, ") +
                            column(*left, Type::Text) + QLatin1Char(')'),

@@ -1,10 +1,9 @@
 #include "service/attributes.h"
 
 #include "service/documentcolumns.h"
+#include "service/operation.h"
 #include "service/records.h"
 #include "service/recordvalues.h"
-#include "service/rights.h"
-#include "service/session.h"
 #include "store/schema.h"
 
 namespace kelva {
@@ -43,89 +42,90 @@ void addColumn(Database &database, qint64 id, AttributeKind kind)
     }
 }
 
+/// made: ids of new attributes by the negative ones that they came with.
+Result<void> saveAttribute(Database &database, const QStringList &fields, QHash<qint64, qint64> *made)
+{
+    bool isNumber = false;
+    const qint64 id = fields.value(0).toLongLong(&isNumber);
+    const QVariant name = storedText(fields.value(1), maximumName);
+    if (!isNumber || name.toString().trimmed().isEmpty())
+        return Error{ErrorCode::BadInput, QStringLiteral("The attribute needs a name.")};
+    const int notUnique = isSet(fields.value(3)) ? 1 : 0;
+    const int notActive = isSet(fields.value(4)) ? 1 : 0;
+    if (id >= 0) {
+        // The kind stays what it is: the values are of that kind.
+        database.run(
+            QStringLiteral("UPDATE attribute SET name = ?, not_unique = ?, not_active = ? WHERE id = ?"),
+            {name, notUnique, notActive, id});
+        if (database.affected() == 0)
+            return Error{ErrorCode::NotFound, QStringLiteral("The attribute %1 does not exist.").arg(id)};
+        return {};
+    }
+    const std::optional<AttributeKind> kind = attributeKind(fields.value(2));
+    if (!kind)
+        return Error{
+            ErrorCode::BadInput,
+            QStringLiteral("There are no attributes of the kind \"%1\".").arg(fields.value(2).left(40))};
+    database.run(
+        QStringLiteral("INSERT INTO attribute(name, kind, not_unique, not_active) VALUES(?, ?, ?, ?)"),
+        {name, attributeKindName(*kind), notUnique, notActive});
+    made->insert(id, database.lastInsertId());
+    addColumn(database, database.lastInsertId(), *kind);
+    return {};
+}
+
 } // namespace
 
 Result<QStringList> Attributes::list()
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    QStringList records;
-    for (Query row = database.query(
-             QStringLiteral("SELECT id, name, kind, not_unique, not_active FROM attribute ORDER BY id"));
-         row.next();)
-        records << joinFields(
-            {row.text(0), row.text(1), row.text(2), flagText(row.flag(3)), flagText(row.flag(4))});
-    return database.result(records);
+    return read(m_session, "Attributes::list", [&](Database &database) -> Result<QStringList> {
+        QStringList records;
+        for (Query row = database.query(
+                 QStringLiteral("SELECT id, name, kind, not_unique, not_active FROM attribute ORDER BY id"));
+             row.next();)
+            records << joinFields(
+                {row.text(0), row.text(1), row.text(2), flagText(row.flag(3)), flagText(row.flag(4))});
+        return records;
+    });
 }
 
 Result<QHash<qint64, qint64>> Attributes::save(const QStringList &records)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed.error();
-    QHash<qint64, qint64> made;
-    for (const QString &record : records) {
-        const QStringList fields = splitFields(record);
-        bool isNumber = false;
-        const qint64 id = fields.value(0).toLongLong(&isNumber);
-        const QVariant name = storedText(fields.value(1), maximumName);
-        if (!isNumber || name.toString().trimmed().isEmpty())
-            return Error{ErrorCode::BadInput, QStringLiteral("The attribute needs a name.")};
-        const int notUnique = isSet(fields.value(3)) ? 1 : 0;
-        const int notActive = isSet(fields.value(4)) ? 1 : 0;
-        if (id >= 0) {
-            // The kind stays what it is: the values are of that kind.
-            database.run(
-                QStringLiteral("UPDATE attribute SET name = ?, not_unique = ?, not_active = ? WHERE id = ?"),
-                {name, notUnique, notActive, id});
-            if (!database.failed() && database.affected() == 0)
-                return Error{ErrorCode::NotFound, QStringLiteral("The attribute %1 does not exist.").arg(id)};
-            continue;
-        }
-        const std::optional<AttributeKind> kind = attributeKind(fields.value(2));
-        if (!kind)
-            return Error{
-                ErrorCode::BadInput,
-                QStringLiteral("There are no attributes of the kind \"%1\".").arg(fields.value(2).left(40))};
-        database.run(
-            QStringLiteral("INSERT INTO attribute(name, kind, not_unique, not_active) VALUES(?, ?, ?, ?)"),
-            {name, attributeKindName(*kind), notUnique, notActive});
-        made.insert(id, database.lastInsertId());
-        addColumn(database, database.lastInsertId(), *kind);
-    }
-    if (database.value(QStringLiteral("SELECT count(*) FROM attribute")).toInt() > maximumAttributes)
-        return Error{ErrorCode::BadInput,
-                     QStringLiteral("There can be no more than %1 attributes.").arg(maximumAttributes)};
-    m_session.noteVocabularyChange();
-    if (const Result<void> done = writing.commit(); !done)
-        return done.error();
-    return made;
+    using Made = QHash<qint64, qint64>;
+    return change(m_session, "Attributes::save", [&](Database &database) -> Result<Made> {
+        Made made;
+        for (const QString &record : records)
+            if (const Result<void> saved = saveAttribute(database, splitFields(record), &made); !saved)
+                return saved.error();
+        if (database.value(QStringLiteral("SELECT count(*) FROM attribute")).toInt() > maximumAttributes)
+            return Error{ErrorCode::BadInput,
+                         QStringLiteral("There can be no more than %1 attributes.").arg(maximumAttributes)};
+        m_session.noteVocabularyChange();
+        return made;
+    });
 }
 
 Result<QStringList> Attributes::values(qint64 id)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    return database.result(database.texts(
-        QStringLiteral("SELECT value FROM attribute_value WHERE attribute = ? ORDER BY position"), {id}));
+    return read(m_session, "Attributes::values", [&](Database &database) -> Result<QStringList> {
+        return database.texts(
+            QStringLiteral("SELECT value FROM attribute_value WHERE attribute = ? ORDER BY position"), {id});
+    });
 }
 
 Result<void> Attributes::saveValues(qint64 id, const QStringList &nameAndValues)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    if (!database.value(QStringLiteral("SELECT 1 FROM attribute WHERE id = ?"), {id}).isValid())
-        return Error{ErrorCode::NotFound, QStringLiteral("The attribute %1 does not exist.").arg(id)};
-    database.run(QStringLiteral("DELETE FROM attribute_value WHERE attribute = ?"), {id});
-    for (int i = 1; i < nameAndValues.size(); ++i)
-        database.run(
-            QStringLiteral("INSERT INTO attribute_value(attribute, position, value) VALUES(?, ?, ?)"),
-            {id, i, storedText(nameAndValues.at(i))});
-    m_session.noteVocabularyChange();
-    return writing.commit();
+    return change(m_session, "Attributes::saveValues", [&](Database &database) -> Result<void> {
+        if (!database.value(QStringLiteral("SELECT 1 FROM attribute WHERE id = ?"), {id}).isValid())
+            return Error{ErrorCode::NotFound, QStringLiteral("The attribute %1 does not exist.").arg(id)};
+        database.run(QStringLiteral("DELETE FROM attribute_value WHERE attribute = ?"), {id});
+        for (int i = 1; i < nameAndValues.size(); ++i)
+            database.run(
+                QStringLiteral("INSERT INTO attribute_value(attribute, position, value) VALUES(?, ?, ?)"),
+                {id, i, storedText(nameAndValues.at(i))});
+        m_session.noteVocabularyChange();
+        return {};
+    });
 }
 
 } // namespace kelva

@@ -167,7 +167,7 @@ Result<void> copyBlob(Database &database, qint64 blob, const QString &path, cons
         const QVariant piece = database.value(
             QStringLiteral("SELECT data FROM blob_piece WHERE blob = ? AND number = ?"), {blob, number});
         if (database.failed())
-            return database.result(0).error();
+            return database.error();
         if (!piece.isValid())
             break;
         const QByteArray bytes = piece.toByteArray();

@@ -3,9 +3,8 @@
 #include "service/blobs.h"
 #include "service/documentcolumns.h"
 #include "service/folders.h"
+#include "service/operation.h"
 #include "service/recordvalues.h"
-#include "service/rights.h"
-#include "service/session.h"
 
 namespace kelva {
 namespace {
@@ -59,22 +58,22 @@ BulkLoad::BulkLoad(Session &session) : m_session(session) {}
 
 BulkLoad::~BulkLoad() = default;
 
-Result<void> BulkLoad::begin()
+Result<void> BulkLoad::begin(const char *operation)
 {
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
+    if (const Result<void> permitted = permit(m_session, operation); !permitted)
+        return permitted;
     if (!m_transaction)
         m_transaction = std::make_unique<Transaction>(m_session.database(), Transaction::Kind::Write);
     if (!m_statements)
         m_statements = std::make_unique<Statements>(m_session.database(),
                                                     DocumentColumns::allAttributes(m_session.database()));
-    return m_session.database().result(0).ok() ? Result<void>() : m_session.database().result(0).error();
+    return m_session.database().failed() ? m_session.database().error() : Result<void>();
 }
 
 Result<qint64> BulkLoad::add(const BulkDocument &document)
 {
     if (!m_transaction)
-        if (const Result<void> begun = begin(); !begun)
+        if (const Result<void> begun = begin("BulkLoad::add"); !begun)
             return begun.error();
     Database &database = m_session.database();
     const bool hasFile = !document.content.isNull();
@@ -111,7 +110,7 @@ Result<qint64> BulkLoad::add(const BulkDocument &document)
     if (!document.note.isEmpty())
         m_statements->note.run({record, document.creator, document.created, storedText(document.note)});
     if (database.failed())
-        return database.result(0).error();
+        return database.error();
     if (++m_pending >= documentsPerTransaction)
         if (const Result<void> written = flush(); !written)
             return written.error();
@@ -121,11 +120,11 @@ Result<qint64> BulkLoad::add(const BulkDocument &document)
 Result<void> BulkLoad::addEvent(qint64 archiveId, int action, const QString &time, const QString &user)
 {
     if (!m_transaction)
-        if (const Result<void> begun = begin(); !begun)
+        if (const Result<void> begun = begin("BulkLoad::addEvent"); !begun)
             return begun;
     m_statements->event.run({archiveId, action, time, user});
     if (m_session.database().failed())
-        return m_session.database().result(0).error();
+        return m_session.database().error();
     return {};
 }
 
@@ -144,10 +143,11 @@ Result<void> BulkLoad::finish()
     if (const Result<void> written = flush(); !written)
         return written;
     m_statements.reset();
-    m_session.database().analyze();
-    Transaction writing(m_session.database(), Transaction::Kind::Write);
-    m_session.noteVocabularyChange();
-    return writing.commit();
+    return change(m_session, "BulkLoad::finish", [&](Database &database) -> Result<void> {
+        database.analyze();
+        m_session.noteVocabularyChange();
+        return {};
+    });
 }
 
 } // namespace kelva

@@ -48,7 +48,7 @@ public:
 
 private:
     struct Statements;
-    Result<void> begin();
+    Result<void> begin(const char *operation);
     Result<void> flush();
 
     Session &m_session;

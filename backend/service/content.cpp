@@ -4,11 +4,11 @@
 #include "service/blobs.h"
 #include "service/documentfilter.h"
 #include "service/filetexts.h"
+#include "service/operation.h"
 #include "service/records.h"
 #include "service/recordvalues.h"
 #include "service/retention.h"
 #include "service/rights.h"
-#include "service/session.h"
 #include "service/temporaryfiles.h"
 #include "service/visibledocuments.h"
 
@@ -27,6 +27,11 @@ constexpr int maximumFileName = 254;
 Error noDocument()
 {
     return {ErrorCode::NotFound, QStringLiteral("The document does not exist.")};
+}
+
+Error noFile()
+{
+    return {ErrorCode::NotFound, QStringLiteral("The document has no file, or it has been deleted.")};
 }
 
 QVector<qint64> parseIds(const QStringList &texts)
@@ -169,8 +174,8 @@ Result<qint64> attachBlob(Session &session, qint64 blob, const QString &fileName
 
 Result<qint64> Content::store(const QString &localFile, bool newDocument, const Progress &progress)
 {
-    if (const Result<void> allowed = m_session.access().require(rights::classify); !allowed)
-        return allowed.error();
+    if (const Result<void> permitted = permit(m_session, "Content::store"); !permitted)
+        return permitted.error();
     if (isArchiveItself(m_session.database(), localFile))
         return Error{ErrorCode::BadInput, QStringLiteral("The archive cannot be filed in itself.")};
     QFile file(localFile);
@@ -180,41 +185,33 @@ Result<qint64> Content::store(const QString &localFile, bool newDocument, const 
     BlobWriter writer(m_session);
     if (const Result<void> read = writer.readAll(file, progress); !read)
         return read.error();
-    Transaction writing(m_session.database(), Transaction::Kind::Write);
-    const Result<qint64> blob = writer.finish();
-    if (!blob)
-        return blob.error();
-    const Result<qint64> document = attachBlob(m_session, blob.value(), fileName, newDocument);
-    if (!document)
-        return document.error();
-    if (const Result<void> done = writing.commit(); !done)
-        return done.error();
-    writer.keep();
-    return document.value();
+    const auto document = change(m_session, "Content::store", [&](Database &) -> Result<qint64> {
+        const Result<qint64> blob = writer.finish();
+        return blob ? attachBlob(m_session, blob.value(), fileName, newDocument) : blob;
+    });
+    if (document)
+        writer.keep();
+    return document;
 }
 
 Result<QString> Content::fetch(qint64 archiveId, Action action, const Progress &progress)
 {
-    Database &database = m_session.database();
     qint64 blob = 0;
-    QString fileName;
-    {
-        Transaction reading(database, Transaction::Kind::Read);
+    const auto fileName = read(m_session, "Content::fetch", [&](Database &database) -> Result<QString> {
         if (!maySeeDocument(m_session, archiveId))
-            return database.failed() ? database.result(0).error() : noDocument();
+            return noDocument();
         blob = blobOf(database, archiveId);
-        fileName = database.value(QStringLiteral("SELECT file_name FROM document WHERE id = ?"), {archiveId})
-                       .toString();
-        if (database.failed())
-            return database.result(0).error();
-    }
-    if (blob == 0)
-        return Error{ErrorCode::NotFound,
-                     QStringLiteral("The document has no file, or it has been deleted.")};
-    const Result<QString> path = makeTemporaryFile(fileName);
+        if (blob == 0)
+            return noFile();
+        return database.value(QStringLiteral("SELECT file_name FROM document WHERE id = ?"), {archiveId})
+            .toString();
+    });
+    if (!fileName)
+        return fileName;
+    const Result<QString> path = makeTemporaryFile(fileName.value());
     if (!path)
         return path;
-    if (const Result<void> copied = copyBlob(database, blob, path.value(), progress); !copied) {
+    if (const Result<void> copied = copyBlob(m_session.database(), blob, path.value(), progress); !copied) {
         QFile::remove(path.value());
         return copied.error();
     }
@@ -230,32 +227,29 @@ Result<QString> Content::fetch(qint64 archiveId, Action action, const Progress &
 
 Result<QStringList> Content::exportVersions(qint64 archiveId, const QString &directory)
 {
-    Database &database = m_session.database();
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed.error();
-    QVector<QPair<qint64, QString>> versions;
-    {
-        Transaction reading(database, Transaction::Kind::Read);
-        if (!maySeeDocument(m_session, archiveId))
-            return database.failed() ? database.result(0).error() : noDocument();
-        for (Query row = database.query(
-                 QStringLiteral("SELECT v.blob, v.version, d.file_name FROM file_version v JOIN document d"
-                                " ON d.id = v.document WHERE d.id = ? ORDER BY v.version"),
-                 {archiveId});
-             row.next();)
-            versions.append(
-                {row.number(0),
-                 QStringLiteral("%1/%2-%3")
-                     .arg(directory, row.text(1), row.text(2).replace(QLatin1Char('/'), QLatin1Char('_')))});
-        if (const Result<void> done = reading.commit(); !done)
-            return done.error();
-    }
-    if (versions.isEmpty())
-        return Error{ErrorCode::NotFound,
-                     QStringLiteral("The document has no file, or it has been deleted.")};
+    using Versions = QVector<QPair<qint64, QString>>;
+    const auto versions =
+        read(m_session, "Content::exportVersions", [&](Database &database) -> Result<Versions> {
+            Versions found;
+            if (!maySeeDocument(m_session, archiveId))
+                return noDocument();
+            for (Query row = database.query(
+                     QStringLiteral(
+                         "SELECT v.blob, v.version, d.file_name FROM file_version v JOIN document d"
+                         " ON d.id = v.document WHERE d.id = ? ORDER BY v.version"),
+                     {archiveId});
+                 row.next();)
+                found.append(
+                    {row.number(0), QStringLiteral("%1/%2-%3")
+                                        .arg(directory, row.text(1),
+                                             row.text(2).replace(QLatin1Char('/'), QLatin1Char('_')))});
+            return found.isEmpty() ? Result<Versions>(noFile()) : found;
+        });
+    if (!versions)
+        return versions.error();
     QStringList written;
-    for (const auto &[blob, path] : qAsConst(versions)) {
-        if (const Result<void> copied = copyToNewFile(database, blob, path); !copied) {
+    for (const auto &[blob, path] : versions.value()) {
+        if (const Result<void> copied = copyToNewFile(m_session.database(), blob, path); !copied) {
             for (const QString &file : qAsConst(written))
                 QFile::remove(file);
             return copied.error();
@@ -268,101 +262,104 @@ Result<QStringList> Content::exportVersions(qint64 archiveId, const QString &dir
 
 Result<qint64> Content::size(qint64 archiveId)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    if (!maySeeDocument(m_session, archiveId))
-        return noDocument();
-    return database.result(
-        database.value(QStringLiteral("SELECT size FROM blob WHERE id = ?"), {blobOf(database, archiveId)})
-            .toLongLong());
+    return read(m_session, "Content::size", [&](Database &database) -> Result<qint64> {
+        if (!maySeeDocument(m_session, archiveId))
+            return noDocument();
+        return database
+            .value(QStringLiteral("SELECT size FROM blob WHERE id = ?"), {blobOf(database, archiveId)})
+            .toLongLong();
+    });
 }
 
 Result<QStringList> Content::info(const QStringList &archiveIds)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    QStringList records;
-    const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("d.id"));
-    Query row = database.query(QStringLiteral("SELECT d.id, d.file_name FROM document d"
-                                              " WHERE d.id IN (SELECT value FROM json_each(?)) AND %1")
-                                   .arg(visible.sql),
-                               QVariantList{jsonList(parseIds(archiveIds))} + visible.values);
-    while (row.next()) {
-        const QString name = row.text(1);
-        records << QStringList{row.text(0), name, QString(), QFileInfo(name).suffix()}.join(
-            recordformat::listSeparator);
-    }
-    return database.result(records);
+    return read(m_session, "Content::info", [&](Database &database) -> Result<QStringList> {
+        QStringList records;
+        const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("d.id"));
+        Query row = database.query(QStringLiteral("SELECT d.id, d.file_name FROM document d"
+                                                  " WHERE d.id IN (SELECT value FROM json_each(?)) AND %1")
+                                       .arg(visible.sql),
+                                   QVariantList{jsonList(parseIds(archiveIds))} + visible.values);
+        while (row.next()) {
+            const QString name = row.text(1);
+            records << QStringList{row.text(0), name, QString(), QFileInfo(name).suffix()}.join(
+                recordformat::listSeparator);
+        }
+        return records;
+    });
 }
 
 Result<QStringList> Content::actions(const QStringList &archiveIds, int action, const QString &user)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("e.document"));
-    QString sql = QStringLiteral("SELECT e.document, e.id, e.action, e.time, e.login FROM event e"
-                                 " WHERE e.document IN (SELECT value FROM json_each(?)) AND %1")
-                      .arg(visible.sql);
-    QVariantList values = QVariantList{jsonList(parseIds(archiveIds))} + visible.values;
-    if (action >= 0) {
-        sql += QStringLiteral(" AND e.action = ?");
-        values << action;
-    }
-    if (!user.isEmpty()) {
-        sql += QStringLiteral(" AND e.login = ?");
-        values << user;
-    }
-    QStringList records;
-    for (Query row = database.query(sql + QStringLiteral(" ORDER BY e.document, e.id"), values); row.next();)
-        records << joinFields({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4)});
-    return database.result(records);
+    return read(m_session, "Content::actions", [&](Database &database) -> Result<QStringList> {
+        const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("e.document"));
+        QString sql = QStringLiteral("SELECT e.document, e.id, e.action, e.time, e.login FROM event e"
+                                     " WHERE e.document IN (SELECT value FROM json_each(?)) AND %1")
+                          .arg(visible.sql);
+        QVariantList values = QVariantList{jsonList(parseIds(archiveIds))} + visible.values;
+        if (action >= 0) {
+            sql += QStringLiteral(" AND e.action = ?");
+            values << action;
+        }
+        if (!user.isEmpty()) {
+            sql += QStringLiteral(" AND e.login = ?");
+            values << user;
+        }
+        QStringList records;
+        for (Query row = database.query(sql + QStringLiteral(" ORDER BY e.document, e.id"), values);
+             row.next();)
+            records << joinFields({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4)});
+        return records;
+    });
 }
 
 Result<void> Content::record(qint64 archiveId, Action action)
 {
     // The file that goes out does not wait for the disk either.
-    Transaction writing(m_session.database(), Transaction::Kind::WriteBehind);
-    if (m_session.isOffline())
-        return m_session.access().require(rights::classify);
-    if (!maySeeDocument(m_session, archiveId))
-        return noDocument();
-    recordEvent(m_session, archiveId, action);
-    return writing.commit();
+    return change(
+        m_session, "Content::record",
+        [&](Database &) -> Result<void> {
+            if (!maySeeDocument(m_session, archiveId))
+                return noDocument();
+            recordEvent(m_session, archiveId, action);
+            return {};
+        },
+        Transaction::Kind::WriteBehind);
 }
 
 Result<void> Content::remove(const QString &archiveId, const QString &comment)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    const qint64 id = archiveId.toLongLong();
-    if (!database.value(QStringLiteral("SELECT 1 FROM document WHERE id = ? AND deleted = 0"), {id})
-             .isValid())
-        return noDocument();
-    const Retention retention = Retention::load(database);
-    for (Query row = database.query(
-             QStringLiteral("SELECT trashed, docart, cdate, folder FROM classification WHERE document = ?"),
-             {id});
-         row.next();) {
-        if (!m_session.access().maySee(row.text(3)))
+    return change(m_session, "Content::remove", [&](Database &database) -> Result<void> {
+        const qint64 id = archiveId.toLongLong();
+        if (!database.value(QStringLiteral("SELECT 1 FROM document WHERE id = ? AND deleted = 0"), {id})
+                 .isValid())
             return noDocument();
-        if (!row.flag(0))
-            return Error{ErrorCode::Refused,
-                         QStringLiteral("The document is not in the trash with all its entries.")};
-        if (retention.isInForce(row.number(1), row.text(2), m_session.today()))
-            return Error{ErrorCode::Refused,
-                         QStringLiteral("The document cannot be deleted because of its retention period.")};
-    }
-    const QVector<qint64> blobs =
-        database.numbers(QStringLiteral("SELECT blob FROM file_version WHERE document = ?"), {id});
-    database.run(QStringLiteral("DELETE FROM file_version WHERE document = ?"), {id});
-    for (const qint64 blob : blobs)
-        database.run(QStringLiteral("DELETE FROM blob WHERE id = ?"), {blob});
-    database.run(QStringLiteral("DELETE FROM file_text WHERE document = ?"), {id});
-    database.run(QStringLiteral("UPDATE document SET deleted = 1 WHERE id = ?"), {id});
-    recordEvent(m_session, id, Action::Deleted, comment);
-    return writing.commit();
+        const Retention retention = Retention::load(database);
+        for (Query row = database.query(
+                 QStringLiteral(
+                     "SELECT trashed, docart, cdate, folder FROM classification WHERE document = ?"),
+                 {id});
+             row.next();) {
+            if (!m_session.access().maySee(row.text(3)))
+                return noDocument();
+            if (!row.flag(0))
+                return Error{ErrorCode::Refused,
+                             QStringLiteral("The document is not in the trash with all its entries.")};
+            if (retention.isInForce(row.number(1), row.text(2), m_session.today()))
+                return Error{
+                    ErrorCode::Refused,
+                    QStringLiteral("The document cannot be deleted because of its retention period.")};
+        }
+        const QVector<qint64> blobs =
+            database.numbers(QStringLiteral("SELECT blob FROM file_version WHERE document = ?"), {id});
+        database.run(QStringLiteral("DELETE FROM file_version WHERE document = ?"), {id});
+        for (const qint64 blob : blobs)
+            database.run(QStringLiteral("DELETE FROM blob WHERE id = ?"), {blob});
+        database.run(QStringLiteral("DELETE FROM file_text WHERE document = ?"), {id});
+        database.run(QStringLiteral("UPDATE document SET deleted = 1 WHERE id = ?"), {id});
+        recordEvent(m_session, id, Action::Deleted, comment);
+        return {};
+    });
 }
 
 Result<QStringList> Content::search(const QString &text)
@@ -373,21 +370,22 @@ Result<QStringList> Content::search(const QString &text)
     const QString &expression = words.value();
     if (expression.isEmpty())
         return Error{ErrorCode::BadInput, QStringLiteral("There is nothing to look for.")};
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    const TimeLimit patience(database, longestSearchMs(database));
-    // The words of a file are those of every entry, a description is seen with its own entry alone.
-    const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("t.rowid"));
-    const QVector<qint64> ids = database.numbers(
-        QStringLiteral("SELECT t.rowid FROM words_text t WHERE words_text MATCH ? AND %1"
-                       " UNION SELECT c.document FROM classification c WHERE c.id IN"
-                       " (SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?) AND %2 ORDER BY 1")
-            .arg(visible.sql, m_session.access().visibleCondition(QStringLiteral("c.folder"))),
-        QVariantList{expression} + visible.values + QVariantList{expression});
-    QStringList records;
-    for (const qint64 id : ids)
-        records << joinFields({QString::number(id), QString::number(id)});
-    return database.result(records);
+    return read(m_session, "Content::search", [&](Database &database) -> Result<QStringList> {
+        const TimeLimit patience(database, longestSearchMs(database));
+        // The words of a file are those of every entry, a description is seen with its own entry alone.
+        const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("t.rowid"));
+        const QVector<qint64> ids = database.numbers(
+            QStringLiteral(
+                "SELECT t.rowid FROM words_text t WHERE words_text MATCH ? AND %1"
+                " UNION SELECT c.document FROM classification c WHERE c.id IN"
+                " (SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?) AND %2 ORDER BY 1")
+                .arg(visible.sql, m_session.access().visibleCondition(QStringLiteral("c.folder"))),
+            QVariantList{expression} + visible.values + QVariantList{expression});
+        QStringList records;
+        for (const qint64 id : ids)
+            records << joinFields({QString::number(id), QString::number(id)});
+        return records;
+    });
 }
 
 } // namespace kelva

@@ -3,9 +3,9 @@
 #include "server/recordformat.h"
 #include "service/documentcolumns.h"
 #include "service/documentfilter.h"
+#include "service/operation.h"
 #include "service/retention.h"
 #include "service/rights.h"
-#include "service/session.h"
 
 #include <algorithm>
 #include <functional>
@@ -165,32 +165,30 @@ Result<QStringList> listDocuments(Session &session, const QStringList &filters)
     const Result<DocumentFilter> filter = DocumentFilter::parse(filters);
     if (!filter)
         return filter.error();
-    Database &database = session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    const DocumentColumns columns = DocumentColumns::load(database);
-    const Result<DocumentCondition> condition = conditionFor(session, filter.value(), columns);
-    if (!condition)
-        return condition.error();
+    return read(session, "listDocuments", [&](Database &database) -> Result<QStringList> {
+        const DocumentColumns columns = DocumentColumns::load(database);
+        const Result<DocumentCondition> condition = conditionFor(session, filter.value(), columns);
+        if (!condition)
+            return condition.error();
 
-    const TimeLimit patience(database, longestSearchMs(database));
-    RowSource source;
-    source.withRetention = filter.value().trash || filter.value().ignoreRights;
-    source.allOpened = condition.value().needsRights;
-    if (filter.value().limit >= 0) {
-        const QVector<qint64> ids = NewestFinder(session, condition.value(), filter.value().limit).find();
-        source.condition = {QStringLiteral("c.id IN (SELECT value FROM json_each(?))"), {jsonList(ids)}};
-    } else {
-        source.condition = condition.value().wanted;
-        if (condition.value().needsRights)
-            source.condition.sql +=
-                QStringLiteral(" AND ") + session.access().visibleCondition(QStringLiteral("c.folder"));
-    }
-    QStringList rows{columns.titles().join(recordformat::fieldSeparator) + recordformat::fieldSeparator +
-                     QStringLiteral("Rights")};
-    rows += readRows(session, columns, source);
-    if (const Result<void> done = reading.commit(); !done)
-        return done.error();
-    return rows;
+        const TimeLimit patience(database, longestSearchMs(database));
+        RowSource source;
+        source.withRetention = filter.value().trash || filter.value().ignoreRights;
+        source.allOpened = condition.value().needsRights;
+        if (filter.value().limit >= 0) {
+            const QVector<qint64> ids = NewestFinder(session, condition.value(), filter.value().limit).find();
+            source.condition = {QStringLiteral("c.id IN (SELECT value FROM json_each(?))"), {jsonList(ids)}};
+        } else {
+            source.condition = condition.value().wanted;
+            if (condition.value().needsRights)
+                source.condition.sql +=
+                    QStringLiteral(" AND ") + session.access().visibleCondition(QStringLiteral("c.folder"));
+        }
+        QStringList rows{columns.titles().join(recordformat::fieldSeparator) + recordformat::fieldSeparator +
+                         QStringLiteral("Rights")};
+        rows += readRows(session, columns, source);
+        return rows;
+    });
 }
 
 } // namespace kelva

@@ -3,11 +3,11 @@
 #include "service/documentcolumns.h"
 #include "service/documentfilter.h"
 #include "service/folders.h"
+#include "service/operation.h"
 #include "service/records.h"
 #include "service/recordvalues.h"
 #include "service/retention.h"
 #include "service/rights.h"
-#include "service/session.h"
 #include "service/visibledocuments.h"
 
 #include <QJsonDocument>
@@ -29,7 +29,7 @@ struct DocumentRecord
     bool closed = false;
     bool hasNote = false;
 
-    QString token() const { return QStringLiteral("1_%1").arg(revision); }
+    QString token() const { return versionToken(revision); }
 };
 
 namespace {
@@ -68,8 +68,7 @@ Result<DocumentRecord> findRecord(Session &session, const QString &classificatio
                        " FROM classification WHERE id = ?"),
         {id});
     if (!row.next())
-        return session.database().result(DocumentRecord()).ok() ? noDocument
-                                                                : session.database().result(0).error();
+        return noDocument;
     DocumentRecord record;
     record.id = row.number(0);
     record.document = row.number(1);
@@ -82,7 +81,7 @@ Result<DocumentRecord> findRecord(Session &session, const QString &classificatio
     record.closed = row.flag(8);
     record.hasNote = row.number(9) > 0;
     if (!session.access().maySee(record.folder))
-        return session.database().failed() ? session.database().result(0).error() : noDocument;
+        return noDocument;
     return record;
 }
 
@@ -91,8 +90,6 @@ Result<DocumentRecord> findWritable(Session &session, const QString &classificat
     Result<DocumentRecord> record = findRecord(session, classificationId);
     if (!record)
         return record;
-    if (session.isOffline())
-        return session.access().require(rights::classify).error();
     if (!session.access().mayWrite(record.value().folder))
         return readOnlyDocument;
     if (record.value().closed)
@@ -273,190 +270,186 @@ Result<void> collectAttributes(const DocumentColumns &columns, const QStringList
 
 Result<QStringList> Documents::get(const QString &classificationId)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    const Result<DocumentRecord> record = findRecord(m_session, classificationId);
-    if (!record)
-        return record.error();
-    // As in the list that the caller goes by, attributes that were switched off since included.
-    const std::optional<RecordLayouts::Layout> &list = m_session.recordLayouts().ofList();
-    const DocumentColumns columns =
-        list ? DocumentColumns::withAttributes(database, *list) : DocumentColumns::load(database);
-    Query row = database.query(
-        QStringLiteral("SELECT %1 FROM classification c WHERE c.id = ?").arg(columns.rowExpression()),
-        {columns.rowFormat(), record.value().id});
-    if (!row.next())
-        return database.failed() ? database.result(0).error() : noDocument;
-    QString letters;
-    if (m_session.access().mayWrite(record.value().folder))
-        letters += QLatin1Char('W');
-    if (record.value().hasNote)
-        letters += QLatin1Char('N');
-    if (record.value().trashed &&
-        Retention::load(database).isInForce(record.value().type, record.value().date, m_session.today()))
-        letters += QLatin1Char('F');
-    m_session.recordLayouts().noteRecord(record.value().id, columns.attributeIds());
-    return splitFields(row.text(0)) << letters;
+    return read(m_session, "Documents::get", [&](Database &database) -> Result<QStringList> {
+        const Result<DocumentRecord> record = findRecord(m_session, classificationId);
+        if (!record)
+            return record.error();
+        // As in the list that the caller goes by, attributes that were switched off since included.
+        const std::optional<RecordLayouts::Layout> &list = m_session.recordLayouts().ofList();
+        const DocumentColumns columns =
+            list ? DocumentColumns::withAttributes(database, *list) : DocumentColumns::load(database);
+        Query row = database.query(
+            QStringLiteral("SELECT %1 FROM classification c WHERE c.id = ?").arg(columns.rowExpression()),
+            {columns.rowFormat(), record.value().id});
+        if (!row.next())
+            return noDocument;
+        QString letters;
+        if (m_session.access().mayWrite(record.value().folder))
+            letters += QLatin1Char('W');
+        if (record.value().hasNote)
+            letters += QLatin1Char('N');
+        if (record.value().trashed &&
+            Retention::load(database).isInForce(record.value().type, record.value().date, m_session.today()))
+            letters += QLatin1Char('F');
+        m_session.recordLayouts().noteRecord(record.value().id, columns.attributeIds());
+        return splitFields(row.text(0)) << letters;
+    });
 }
 
 Result<void> Documents::save(const QString &classificationId, const QStringList &fields)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    const Result<DocumentRecord> found = findWritable(m_session, classificationId);
-    if (!found)
-        return found.error();
-    const DocumentRecord &record = found.value();
-    const Result<DocumentColumns> columns = columnsOf(m_session, record, fields);
-    if (!columns)
-        return columns.error();
-    if (fields.at(Token) != record.token())
-        return Error{ErrorCode::Conflict,
-                     QStringLiteral("The entry has been changed by another user in the meantime.")};
-    Changes changes;
-    if (const Result<void> collected = collectFixed(m_session, record, fields, &changes); !collected)
-        return collected;
-    if (const Result<void> collected = collectAttributes(columns.value(), fields, &changes); !collected)
-        return collected;
-    changes.set(QStringLiteral("revision"), record.revision + 1);
-    changes.set(QStringLiteral("changeid"), m_session.login());
-    changes.set(QStringLiteral("ctimestamp"), m_session.timestamp());
-    keepRevision(database, record.id);
-    changes.apply(database, record);
-    return writing.commit();
+    return change(m_session, "Documents::save", [&](Database &database) -> Result<void> {
+        const Result<DocumentRecord> found = findWritable(m_session, classificationId);
+        if (!found)
+            return found.error();
+        const DocumentRecord &record = found.value();
+        const Result<DocumentColumns> columns = columnsOf(m_session, record, fields);
+        if (!columns)
+            return columns.error();
+        if (fields.at(Token) != record.token())
+            return Error{ErrorCode::Conflict,
+                         QStringLiteral("The entry has been changed by another user in the meantime.")};
+        Changes changes;
+        if (const Result<void> collected = collectFixed(m_session, record, fields, &changes); !collected)
+            return collected;
+        if (const Result<void> collected = collectAttributes(columns.value(), fields, &changes); !collected)
+            return collected;
+        changes.set(QStringLiteral("revision"), record.revision + 1);
+        changes.set(QStringLiteral("changeid"), m_session.login());
+        changes.set(QStringLiteral("ctimestamp"), m_session.timestamp());
+        keepRevision(database, record.id);
+        changes.apply(database, record);
+        return {};
+    });
 }
 
 Result<void> Documents::classify(qint64 archiveId, const QString &fileName, const QString &folder)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::classify); !allowed)
-        return allowed;
-    Query stored = database.query(
-        QStringLiteral("SELECT subarchive FROM document WHERE id = ? AND deleted = 0"), {archiveId});
-    if (!stored.next())
-        return database.failed() ? database.result(0).error() : noDocument;
-    const qint64 subArchive = stored.number(0);
-    if (!maySeeDocument(m_session, archiveId))
-        return noDocument;
-    const QStringList folders = database.texts(
-        QStringLiteral("SELECT folder FROM classification WHERE document = ? AND trashed = 0"), {archiveId});
-    const QString target = folder.isEmpty() ? QStringLiteral("0") : folder;
-    if (const Result<void> allowed = checkFolder(m_session, target); !allowed)
-        return allowed;
-    // A new version of a file that is filed there already keeps its record.
-    if (folders.contains(target))
-        return writing.commit();
-    database.run(
-        QStringLiteral("INSERT INTO classification(document, subarchive, folder, mandant, bemerkung, cdate,"
-                       " creator, changeid, ctimestamp) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?)"),
-        {archiveId, subArchive, target, mainFolderOf(target), storedText(fileName, maximumDescription),
-         m_session.today().toString(Qt::ISODate), m_session.login(), m_session.login(),
-         m_session.timestamp()});
-    return writing.commit();
+    return change(m_session, "Documents::classify", [&](Database &database) -> Result<void> {
+        Query stored = database.query(
+            QStringLiteral("SELECT subarchive FROM document WHERE id = ? AND deleted = 0"), {archiveId});
+        if (!stored.next())
+            return noDocument;
+        const qint64 subArchive = stored.number(0);
+        if (!maySeeDocument(m_session, archiveId))
+            return noDocument;
+        const QStringList folders = database.texts(
+            QStringLiteral("SELECT folder FROM classification WHERE document = ? AND trashed = 0"),
+            {archiveId});
+        const QString target = folder.isEmpty() ? QStringLiteral("0") : folder;
+        if (const Result<void> allowed = checkFolder(m_session, target); !allowed)
+            return allowed;
+        // A new version of a file that is filed there already keeps its record.
+        if (folders.contains(target))
+            return {};
+        database.run(QStringLiteral(
+                         "INSERT INTO classification(document, subarchive, folder, mandant, bemerkung, cdate,"
+                         " creator, changeid, ctimestamp) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+                     {archiveId, subArchive, target, mainFolderOf(target),
+                      storedText(fileName, maximumDescription), m_session.today().toString(Qt::ISODate),
+                      m_session.login(), m_session.login(), m_session.timestamp()});
+        return {};
+    });
 }
 
 Result<void> Documents::setTrashed(const QStringList &classificationIds, bool trashed)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    for (const QString &id : classificationIds) {
-        const Result<DocumentRecord> record = findWritable(m_session, id);
-        if (!record)
-            return record.error();
-        if (!trashed && record.value().status == deletedStatus)
-            return Error{ErrorCode::Refused, QStringLiteral("A deleted document cannot be restored.")};
-        database.run(QStringLiteral("UPDATE classification SET trashed = ? WHERE id = ?"),
-                     {trashed ? 1 : 0, record.value().id});
-    }
-    return writing.commit();
+    return change(m_session, "Documents::setTrashed", [&](Database &database) -> Result<void> {
+        for (const QString &id : classificationIds) {
+            const Result<DocumentRecord> record = findWritable(m_session, id);
+            if (!record)
+                return record.error();
+            if (!trashed && record.value().status == deletedStatus)
+                return Error{ErrorCode::Refused, QStringLiteral("A deleted document cannot be restored.")};
+            database.run(QStringLiteral("UPDATE classification SET trashed = ? WHERE id = ?"),
+                         {trashed ? 1 : 0, record.value().id});
+        }
+        return {};
+    });
 }
 
 Result<void> Documents::close(const QString &classificationId)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    const Result<DocumentRecord> record = findRecord(m_session, classificationId);
-    if (!record)
-        return record.error();
-    if (record.value().status != deletedStatus)
-        return Error{ErrorCode::Refused, QStringLiteral("Only a deleted document can be closed.")};
-    database.run(QStringLiteral("UPDATE classification SET closed = 1 WHERE id = ?"), {record.value().id});
-    return writing.commit();
+    return change(m_session, "Documents::close", [&](Database &database) -> Result<void> {
+        const Result<DocumentRecord> record = findRecord(m_session, classificationId);
+        if (!record)
+            return record.error();
+        if (record.value().status != deletedStatus)
+            return Error{ErrorCode::Refused, QStringLiteral("Only a deleted document can be closed.")};
+        database.run(QStringLiteral("UPDATE classification SET closed = 1 WHERE id = ?"),
+                     {record.value().id});
+        return {};
+    });
 }
 
 Result<qint64> Documents::count(const QString &clause)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    const Result<SqlCondition> condition =
-        translateClause(clause, DocumentColumns::load(database).clauseFields(), m_session.today());
-    if (!condition)
-        return condition.error();
-    const TimeLimit patience(database, longestSearchMs(database));
-    const Access &access = m_session.access();
-    const QString visible =
-        access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));
-    const qint64 count = database
-                             .value(QStringLiteral("SELECT count(*) FROM classification c WHERE %1 AND %2")
-                                        .arg(condition.value().sql, visible),
-                                    condition.value().values)
-                             .toLongLong();
-    return database.result(count);
+    return read(m_session, "Documents::count", [&](Database &database) -> Result<qint64> {
+        const Result<SqlCondition> condition =
+            translateClause(clause, DocumentColumns::load(database).clauseFields(), m_session.today());
+        if (!condition)
+            return condition.error();
+        const TimeLimit patience(database, longestSearchMs(database));
+        const Access &access = m_session.access();
+        const QString visible =
+            access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));
+        return database
+            .value(QStringLiteral("SELECT count(*) FROM classification c WHERE %1 AND %2")
+                       .arg(condition.value().sql, visible),
+                   condition.value().values)
+            .toLongLong();
+    });
 }
 
 Result<qint64> Documents::countInFolder(const QString &pattern)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    const bool below = pattern.endsWith(QLatin1String(".%"));
-    const QString oid = below ? pattern.chopped(2) : pattern;
-    if (!isFolderOid(oid))
-        return Error{ErrorCode::BadInput, QStringLiteral("The folder is not valid.")};
-    const TimeLimit patience(database, longestSearchMs(database));
-    const Access &access = m_session.access();
-    const QString visible =
-        access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));
-    const QString sql = QStringLiteral("SELECT count(*) FROM classification c WHERE %1 AND %2");
-    // "/" is the character after ".", so this is everything that begins with the oid and a dot.
-    const qint64 count =
-        (below ? database.value(sql.arg(QStringLiteral("c.folder > ? AND c.folder < ?"), visible),
-                                {oid + QLatin1Char('.'), oid + QLatin1Char('/')})
-               : database.value(sql.arg(QStringLiteral("c.folder = ?"), visible), {oid}))
-            .toLongLong();
-    return database.result(count);
+    return read(m_session, "Documents::countInFolder", [&](Database &database) -> Result<qint64> {
+        const bool below = pattern.endsWith(QLatin1String(".%"));
+        const QString oid = below ? pattern.chopped(2) : pattern;
+        if (!isFolderOid(oid))
+            return Error{ErrorCode::BadInput, QStringLiteral("The folder is not valid.")};
+        const TimeLimit patience(database, longestSearchMs(database));
+        const Access &access = m_session.access();
+        const QString visible =
+            access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));
+        const QString sql = QStringLiteral("SELECT count(*) FROM classification c WHERE %1 AND %2");
+        // "/" is the character after ".", so this is everything that begins with the oid and a dot.
+        const qint64 count =
+            (below ? database.value(sql.arg(QStringLiteral("c.folder > ? AND c.folder < ?"), visible),
+                                    {oid + QLatin1Char('.'), oid + QLatin1Char('/')})
+                   : database.value(sql.arg(QStringLiteral("c.folder = ?"), visible), {oid}))
+                .toLongLong();
+        return count;
+    });
 }
 
 Result<void> Documents::moveToSubArchive(qint64 archiveId, qint64 subArchive)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::classify); !allowed)
-        return allowed;
-    if (!exists(database, QStringLiteral("subarchive"), subArchive))
-        return Error{ErrorCode::NotFound, QStringLiteral("The archive does not exist.")};
-    QStringList folders =
-        database.texts(QStringLiteral("SELECT folder FROM classification WHERE document = ?"), {archiveId});
-    bool any = false;
-    for (const QString &folder : qAsConst(folders))
-        any = any || m_session.access().mayWrite(folder);
-    if (!any)
-        return noDocument;
-    const qint64 before =
-        database.value(QStringLiteral("SELECT subarchive FROM document WHERE id = ?"), {archiveId})
-            .toLongLong();
-    if (before != subArchive) {
-        constexpr int archiveChanged = 8;
-        database.run(QStringLiteral("UPDATE document SET subarchive = ? WHERE id = ?"),
-                     {subArchive, archiveId});
-        database.run(QStringLiteral("UPDATE classification SET subarchive = ? WHERE document = ?"),
-                     {subArchive, archiveId});
-        database.run(QStringLiteral("INSERT INTO event(document, action, time, login) VALUES(?, ?, ?, ?)"),
-                     {archiveId, archiveChanged, m_session.timestamp(), m_session.login()});
-    }
-    return writing.commit();
+    return change(m_session, "Documents::moveToSubArchive", [&](Database &database) -> Result<void> {
+        if (!exists(database, QStringLiteral("subarchive"), subArchive))
+            return Error{ErrorCode::NotFound, QStringLiteral("The archive does not exist.")};
+        QStringList folders = database.texts(
+            QStringLiteral("SELECT folder FROM classification WHERE document = ?"), {archiveId});
+        bool any = false;
+        for (const QString &folder : qAsConst(folders))
+            any = any || m_session.access().mayWrite(folder);
+        if (!any)
+            return noDocument;
+        const qint64 before =
+            database.value(QStringLiteral("SELECT subarchive FROM document WHERE id = ?"), {archiveId})
+                .toLongLong();
+        if (before != subArchive) {
+            constexpr int archiveChanged = 8;
+            database.run(QStringLiteral("UPDATE document SET subarchive = ? WHERE id = ?"),
+                         {subArchive, archiveId});
+            database.run(QStringLiteral("UPDATE classification SET subarchive = ? WHERE document = ?"),
+                         {subArchive, archiveId});
+            database.run(
+                QStringLiteral("INSERT INTO event(document, action, time, login) VALUES(?, ?, ?, ?)"),
+                {archiveId, archiveChanged, m_session.timestamp(), m_session.login()});
+        }
+        return {};
+    });
 }
 
 } // namespace kelva

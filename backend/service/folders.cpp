@@ -1,8 +1,8 @@
 #include "service/folders.h"
 
+#include "service/operation.h"
 #include "service/recordvalues.h"
 #include "service/rights.h"
-#include "service/session.h"
 
 #include <QHash>
 #include <QMap>
@@ -172,6 +172,20 @@ Result<void> saveRow(Database &database, const QStringList &fields, const QByteA
     return database.affected() > 0 ? Result<void>() : unknownFolder();
 }
 
+/// The first free oid below a folder; a main folder's without a parent.
+QString nextBelow(Database &database, const QString &parent)
+{
+    const QString prefix = parent.isEmpty() ? QString() : parent + QLatin1Char('.');
+    const QString end = parent.isEmpty() ? QStringLiteral(":") : parent + QLatin1Char('/');
+    qint64 largest = 0;
+    // Records count too: the number of a deleted folder must not come back and inherit anything.
+    for (const char *source : {"SELECT oid FROM folder WHERE oid > ? AND oid < ?",
+                               "SELECT DISTINCT folder FROM classification WHERE folder > ? AND folder < ?"})
+        for (const QString &oid : database.texts(QLatin1String(source), {prefix, end}))
+            largest = std::max(largest, oid.mid(prefix.size()).section(QLatin1Char('.'), 0, 0).toLongLong());
+    return prefix + QString::number(largest + 1);
+}
+
 } // namespace
 
 QString mainFolderOf(const QString &oid)
@@ -191,7 +205,7 @@ QStringList folderFaults(Database &database)
                 faults << QStringLiteral("The folder \"%1\" has no valid number.").arg(row.text(1).left(80));
     }
     if (database.failed())
-        faults << database.result(0).error().text;
+        faults << database.error().text;
     return faults;
 }
 
@@ -209,169 +223,144 @@ bool isFolderOid(const QString &oid)
 
 Result<Records> Folders::list(Scope scope)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
     const bool all = scope == Scope::All;
-    if (all)
-        if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-            return allowed.error();
-    FolderTree tree(readFolders(m_session, all));
-    if (database.failed())
-        return database.result(Records()).error();
-    Records records;
-    QSet<QString> inactive;
-    for (const FolderRow *row : tree.inOrder()) {
-        QString flag = row->flag;
-        // What lies below an inactive folder is out of use with it.
-        if (!all && (flag.contains(inactiveLetter) || inactive.contains(parentOf(row->oid)))) {
-            inactive.insert(row->oid);
-            if (scope == Scope::InUse)
+    return read(m_session, all ? "Folders::list, all" : "Folders::list", [&](Database &) -> Result<Records> {
+        FolderTree tree(readFolders(m_session, all));
+        Records records;
+        QSet<QString> inactive;
+        for (const FolderRow *row : tree.inOrder()) {
+            QString flag = row->flag;
+            // What lies below an inactive folder is out of use with it.
+            if (!all && (flag.contains(inactiveLetter) || inactive.contains(parentOf(row->oid)))) {
+                inactive.insert(row->oid);
+                if (scope == Scope::InUse)
+                    continue;
+                if (!flag.contains(inactiveLetter))
+                    flag += inactiveLetter;
+            }
+            if (!all && !row->visible && !row->leads)
                 continue;
-            if (!flag.contains(inactiveLetter))
-                flag += inactiveLetter;
+            const bool locked = !all && !row->visible;
+            records.add({row->oid, row->name, flag, row->key, parentOf(row->oid), QStringLiteral("0"),
+                         locked ? QStringLiteral("L") : QString(),
+                         row->occupied ? QString() : QStringLiteral("E"), row->keywords},
+                        row->picture);
         }
-        if (!all && !row->visible && !row->leads)
-            continue;
-        const bool locked = !all && !row->visible;
-        records.add({row->oid, row->name, flag, row->key, parentOf(row->oid), QStringLiteral("0"),
-                     locked ? QStringLiteral("L") : QString(),
-                     row->occupied ? QString() : QStringLiteral("E"), row->keywords},
-                    row->picture);
-    }
-    return records;
+        return records;
+    });
 }
 
 Result<void> Folders::save(const Records &records)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    for (int i = 0; i < records.rows.size(); ++i)
-        if (const Result<void> saved = saveRow(database, records.fields(i, 8), records.pictures.value(i));
-            !saved)
-            return saved;
-    m_session.noteVocabularyChange();
-    return writing.commit();
+    return change(m_session, "Folders::save", [&](Database &database) -> Result<void> {
+        for (int i = 0; i < records.rows.size(); ++i)
+            if (const Result<void> saved = saveRow(database, records.fields(i, 8), records.pictures.value(i));
+                !saved)
+                return saved;
+        m_session.noteVocabularyChange();
+        return {};
+    });
 }
 
 Result<QString> Folders::create(const QString &parentOid, const QString &name, const QString &key,
                                 const QString &keywords)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    const bool isMain = parentOid == QLatin1String("-1");
-    const Access &access = m_session.access();
-    if (!access.isAdmin())
-        if (const Result<void> allowed = access.require(rights::createFolder); !allowed)
-            return allowed.error();
-    if (!isMain) {
-        if (!database.value(QStringLiteral("SELECT 1 FROM folder WHERE oid = ?"), {parentOid}).isValid())
-            return unknownFolder();
-        if (!access.isAdmin() && !access.maySee(parentOid))
-            return unknownFolder();
-    }
-    const QVariant cleanName = storedText(name.trimmed(), maximumName);
-    if (cleanName.toString().isEmpty())
-        return Error{ErrorCode::BadInput, QStringLiteral("The folder needs a name.")};
-    if (keywords.size() > maximumKeywords)
-        return Error{ErrorCode::BadInput,
-                     QStringLiteral("The keywords are longer than %1 characters.").arg(maximumKeywords)};
-    const QString prefix = isMain ? QString() : parentOid + QLatin1Char('.');
-    qint64 largest = 0;
-    // Records count too: the number of a deleted folder must not come back and inherit anything.
-    for (const char *source : {"SELECT oid FROM folder WHERE oid > ? AND oid < ?",
-                               "SELECT DISTINCT folder FROM classification WHERE folder > ? AND folder < ?"})
-        for (const QString &oid :
-             database.texts(QLatin1String(source),
-                            {prefix, isMain ? QStringLiteral(":") : parentOid + QLatin1Char('/')}))
-            largest = std::max(largest, oid.mid(prefix.size()).section(QLatin1Char('.'), 0, 0).toLongLong());
-    const QString oid = prefix + QString::number(largest + 1);
-    if (oid.size() > maximumLength)
-        return Error{ErrorCode::BadInput, QStringLiteral("The folders would lie too deep in each other.")};
-    if (!isStorableOid(oid))
-        return badFolder(oid);
-    database.run(QStringLiteral("INSERT INTO folder(oid, name, flag, key, keywords) VALUES(?, ?, ?, ?, ?)"),
-                 {oid, cleanName, isMain ? QStringLiteral("M") : QStringLiteral("0"),
-                  storedText(key, maximumName), storedText(keywords)});
-    m_session.noteVocabularyChange();
-    if (const Result<void> done = writing.commit(); !done)
-        return done.error();
-    return oid;
+    return change(m_session, "Folders::create", [&](Database &database) -> Result<QString> {
+        const bool isMain = parentOid == QLatin1String("-1");
+        const Access &access = m_session.access();
+        if (!isMain) {
+            if (!database.value(QStringLiteral("SELECT 1 FROM folder WHERE oid = ?"), {parentOid}).isValid())
+                return unknownFolder();
+            if (!access.isAdmin() && !access.maySee(parentOid))
+                return unknownFolder();
+        }
+        const QVariant cleanName = storedText(name.trimmed(), maximumName);
+        if (cleanName.toString().isEmpty())
+            return Error{ErrorCode::BadInput, QStringLiteral("The folder needs a name.")};
+        if (keywords.size() > maximumKeywords)
+            return Error{ErrorCode::BadInput,
+                         QStringLiteral("The keywords are longer than %1 characters.").arg(maximumKeywords)};
+        const QString oid = nextBelow(database, isMain ? QString() : parentOid);
+        if (oid.size() > maximumLength)
+            return Error{ErrorCode::BadInput,
+                         QStringLiteral("The folders would lie too deep in each other.")};
+        if (!isStorableOid(oid))
+            return badFolder(oid);
+        database.run(
+            QStringLiteral("INSERT INTO folder(oid, name, flag, key, keywords) VALUES(?, ?, ?, ?, ?)"),
+            {oid, cleanName, isMain ? QStringLiteral("M") : QStringLiteral("0"), storedText(key, maximumName),
+             storedText(keywords)});
+        m_session.noteVocabularyChange();
+        return oid;
+    });
 }
 
 Result<QString> Folders::nextOid()
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    qint64 largest = 0;
-    for (const QString &oid : database.texts(QStringLiteral("SELECT oid FROM folder")))
-        largest = std::max(largest, oid.section(QLatin1Char('.'), -1).toLongLong());
-    return database.result(QString::number(largest + 1));
+    return read(m_session, "Folders::nextOid", [&](Database &database) -> Result<QString> {
+        qint64 largest = 0;
+        for (const QString &oid : database.texts(QStringLiteral("SELECT oid FROM folder")))
+            largest = std::max(largest, oid.section(QLatin1Char('.'), -1).toLongLong());
+        return QString::number(largest + 1);
+    });
 }
 
 Result<QStringList> Folders::roles(const QString &oid)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed.error();
-    return database.result(
-        database.texts(QStringLiteral("SELECT role FROM folder_role WHERE folder = ? ORDER BY role"), {oid}));
+    return read(m_session, "Folders::roles", [&](Database &database) -> Result<QStringList> {
+        return database.texts(QStringLiteral("SELECT role FROM folder_role WHERE folder = ? ORDER BY role"),
+                              {oid});
+    });
 }
 
 Result<void> Folders::setRoles(const QString &oid, const QStringList &roles)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    if (!database.value(QStringLiteral("SELECT 1 FROM folder WHERE oid = ?"), {oid}).isValid())
-        return unknownFolder();
-    database.run(QStringLiteral("DELETE FROM folder_role WHERE folder = ?"), {oid});
-    for (const QString &role : roles) {
-        if (role != rights::publicFolder &&
-            !database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
-            return Error{ErrorCode::NotFound,
-                         QStringLiteral("The role %1 does not exist.").arg(role.left(80))};
-        database.run(QStringLiteral("INSERT OR IGNORE INTO folder_role(folder, role) VALUES(?, ?)"),
-                     {oid, role});
-    }
-    m_session.noteVocabularyChange();
-    return writing.commit();
+    return change(m_session, "Folders::setRoles", [&](Database &database) -> Result<void> {
+        if (!database.value(QStringLiteral("SELECT 1 FROM folder WHERE oid = ?"), {oid}).isValid())
+            return unknownFolder();
+        database.run(QStringLiteral("DELETE FROM folder_role WHERE folder = ?"), {oid});
+        for (const QString &role : roles) {
+            if (role != rights::publicFolder &&
+                !database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
+                return Error{ErrorCode::NotFound,
+                             QStringLiteral("The role %1 does not exist.").arg(role.left(80))};
+            database.run(QStringLiteral("INSERT OR IGNORE INTO folder_role(folder, role) VALUES(?, ?)"),
+                         {oid, role});
+        }
+        m_session.noteVocabularyChange();
+        return {};
+    });
 }
 
 Result<Records> Folders::structure(const QString &oid)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    Records records;
-    for (Query row = database.query(
-             QStringLiteral(
-                 "SELECT record, picture FROM folder_structure WHERE folder = ? ORDER BY position"),
-             {oid});
-         row.next();) {
-        records.rows << row.text(0);
-        records.pictures << row.bytes(1);
-    }
-    return database.result(records);
+    return read(m_session, "Folders::structure", [&](Database &database) -> Result<Records> {
+        Records records;
+        for (Query row = database.query(
+                 QStringLiteral(
+                     "SELECT record, picture FROM folder_structure WHERE folder = ? ORDER BY position"),
+                 {oid});
+             row.next();) {
+            records.rows << row.text(0);
+            records.pictures << row.bytes(1);
+        }
+        return records;
+    });
 }
 
 Result<void> Folders::saveStructure(const QString &oid, const Records &records)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    if (!isStorableOid(oid))
-        return badFolder(oid);
-    database.run(QStringLiteral("DELETE FROM folder_structure WHERE folder = ?"), {oid});
-    for (int i = 0; i < records.rows.size(); ++i)
-        database.run(
-            QStringLiteral(
-                "INSERT INTO folder_structure(folder, position, record, picture) VALUES(?, ?, ?, ?)"),
-            {oid, i, records.rows.at(i), records.pictures.value(i)});
-    return writing.commit();
+    return change(m_session, "Folders::saveStructure", [&](Database &database) -> Result<void> {
+        if (!isStorableOid(oid))
+            return badFolder(oid);
+        database.run(QStringLiteral("DELETE FROM folder_structure WHERE folder = ?"), {oid});
+        for (int i = 0; i < records.rows.size(); ++i)
+            database.run(
+                QStringLiteral(
+                    "INSERT INTO folder_structure(folder, position, record, picture) VALUES(?, ?, ?, ?)"),
+                {oid, i, records.rows.at(i), records.pictures.value(i)});
+        return {};
+    });
 }
 
 } // namespace kelva

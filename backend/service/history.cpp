@@ -1,8 +1,8 @@
 #include "service/documentcolumns.h"
 #include "service/documents.h"
+#include "service/operation.h"
 #include "service/records.h"
-#include "service/rights.h"
-#include "service/session.h"
+#include "service/recordvalues.h"
 #include "store/textmatch.h"
 
 #include <QHash>
@@ -75,7 +75,7 @@ QString historyRow(const Query &row, const DocumentColumns &columns, DisplayName
                        names->folder(row.text(MainFolder)),
                        row.text(Description),
                        names->status(row.text(Status)),
-                       QStringLiteral("1_") + row.text(Number),
+                       versionToken(row.number(Number)),
                        names->folder(row.text(Folder)),
                        names->type(row.text(Type)),
                        row.text(User),
@@ -112,30 +112,27 @@ QString currentAttributes(const DocumentColumns &columns)
 
 Result<QStringList> Documents::history(const QString &classificationId)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    if (!m_session.isOffline())
-        if (const Result<void> allowed = m_session.access().require(rights::history); !allowed)
-            return allowed.error();
-    const qint64 id = classificationId.toLongLong();
-    Query record =
-        database.query(QStringLiteral("SELECT document, folder FROM classification WHERE id = ?"), {id});
-    if (!record.next() || !m_session.access().maySee(record.text(1)))
-        return database.failed() ? database.result(0).error()
-                                 : Error{ErrorCode::NotFound, QStringLiteral("The document does not exist.")};
-    const QString documentId = QStringLiteral("%1#%2").arg(record.number(0)).arg(id);
-    const DocumentColumns columns = DocumentColumns::load(database);
-    DisplayNames names(database);
-    const QString versions = QStringLiteral("SELECT number, mandant, bemerkung, status, folder, docart, "
-                                            "changeid, cdate, ctimestamp, defdate, attributes"
-                                            " FROM revision WHERE classification = ? UNION ALL"
-                                            " SELECT revision, mandant, bemerkung, status, folder, docart, "
-                                            "changeid, cdate, ctimestamp, defdate, %1"
-                                            " FROM classification WHERE id = ? ORDER BY 1");
-    QStringList rows;
-    for (Query row = database.query(versions.arg(currentAttributes(columns)), {id, id}); row.next();)
-        rows << historyRow(row, columns, &names, documentId);
-    return database.result(rows);
+    return read(m_session, "Documents::history", [&](Database &database) -> Result<QStringList> {
+        const qint64 id = classificationId.toLongLong();
+        Query record =
+            database.query(QStringLiteral("SELECT document, folder FROM classification WHERE id = ?"), {id});
+        if (!record.next() || !m_session.access().maySee(record.text(1)))
+            return Error{ErrorCode::NotFound, QStringLiteral("The document does not exist.")};
+        const QString documentId = QStringLiteral("%1#%2").arg(record.number(0)).arg(id);
+        const DocumentColumns columns = DocumentColumns::load(database);
+        DisplayNames names(database);
+        const QString versions =
+            QStringLiteral("SELECT number, mandant, bemerkung, status, folder, docart, "
+                           "changeid, cdate, ctimestamp, defdate, attributes"
+                           " FROM revision WHERE classification = ? UNION ALL"
+                           " SELECT revision, mandant, bemerkung, status, folder, docart, "
+                           "changeid, cdate, ctimestamp, defdate, %1"
+                           " FROM classification WHERE id = ? ORDER BY 1");
+        QStringList rows;
+        for (Query row = database.query(versions.arg(currentAttributes(columns)), {id, id}); row.next();)
+            rows << historyRow(row, columns, &names, documentId);
+        return rows;
+    });
 }
 
 } // namespace kelva

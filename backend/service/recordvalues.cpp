@@ -8,6 +8,11 @@
 
 namespace kelva {
 
+QString versionToken(qint64 revision)
+{
+    return QStringLiteral("1_%1").arg(revision);
+}
+
 QVariant storedText(const QString &text, int maximum)
 {
     return cleanText(text, maximum);

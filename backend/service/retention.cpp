@@ -33,15 +33,19 @@ Result<RetentionSpan> RetentionSpan::parse(const QString &text)
     return span;
 }
 
+RetentionSpan RetentionSpan::of(const Query &row, int column)
+{
+    const auto number = [&](int place) { return static_cast<int>(row.number(column + place)); };
+    return {number(0), number(1), number(2)};
+}
+
 Retention Retention::load(Database &database)
 {
     Retention retention;
     for (Query row = database.query(QStringLiteral("SELECT id, years, months, days FROM document_type"
                                                    " WHERE years > 0 OR months > 0 OR days > 0"));
          row.next();)
-        retention.m_byType.insert(row.number(0),
-                                  {static_cast<int>(row.number(1)), static_cast<int>(row.number(2)),
-                                   static_cast<int>(row.number(3))});
+        retention.m_byType.insert(row.number(0), RetentionSpan::of(row, 1));
     return retention;
 }
 

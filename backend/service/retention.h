@@ -8,6 +8,7 @@
 namespace kelva {
 
 class Database;
+class Query;
 
 /// How long documents of a type must be kept.
 struct RetentionSpan
@@ -24,6 +25,8 @@ struct RetentionSpan
     QString text() const { return QStringLiteral("%1;%2;%3").arg(years).arg(months).arg(days); }
     /// What is left out counts as none; BadInput for anything but three whole numbers.
     static Result<RetentionSpan> parse(const QString &text);
+    /// From three columns of a row, which begin at this one.
+    static RetentionSpan of(const Query &row, int column);
 };
 
 /// How long records must be kept, by their document type, counted from their document date.

@@ -1,10 +1,10 @@
 #include "service/searches.h"
 
 #include "server/recordformat.h"
+#include "service/operation.h"
 #include "service/records.h"
 #include "service/recordvalues.h"
 #include "service/rights.h"
-#include "service/session.h"
 
 namespace kelva {
 namespace {
@@ -73,8 +73,6 @@ Result<void> storeRoles(Session &session, qint64 id, const QStringList &roles)
 /// Administrators may, and others what is theirs alone: a search of theirs that was shared is no longer.
 Result<void> checkMayChange(Session &session, qint64 id)
 {
-    if (session.isOffline())
-        return session.access().require(rights::admin);
     if (!session.database().value(QStringLiteral("SELECT 1 FROM search WHERE id = ?"), {id}).isValid())
         return Error{ErrorCode::NotFound, QStringLiteral("The search does not exist.")};
     const QStringList roles = rolesOfSearch(session.database(), id);
@@ -91,77 +89,71 @@ Result<void> checkMayChange(Session &session, qint64 id)
 
 Result<QStringList> Searches::list(const QString &login)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    const Access &access = m_session.access();
-    // Another user's searches are the administrators' to see.
-    const QString user = login.isEmpty() || !access.isAdmin() ? m_session.login() : login;
-    QStringList roles = database.texts(QStringLiteral("SELECT role FROM account_role r JOIN account a"
-                                                      " ON a.id = r.account WHERE a.login = ?"),
-                                       {user});
-    const bool administers = roles.contains(rights::admin) || m_session.isOffline();
-    roles << rights::everyUser << rights::personalPrefix + user;
-    QStringList records;
-    for (Query row =
-             database.query(QStringLiteral("SELECT id, name, definition FROM search ORDER BY name, id"));
-         row.next();) {
-        const QStringList own = rolesOfSearch(database, row.number(0));
-        bool open = administers && !isPersonalOfOthers(own, user);
-        for (const QString &role : own)
-            open = open || roles.contains(role);
-        if (open)
-            records << joinFields(
-                {row.text(0), row.text(1), row.text(2), own.join(recordformat::listSeparator)});
-    }
-    return database.result(records);
+    return read(m_session, "Searches::list", [&](Database &database) -> Result<QStringList> {
+        const Access &access = m_session.access();
+        // Another user's searches are the administrators' to see.
+        const QString user = login.isEmpty() || !access.isAdmin() ? m_session.login() : login;
+        QStringList roles = database.texts(QStringLiteral("SELECT role FROM account_role r JOIN account a"
+                                                          " ON a.id = r.account WHERE a.login = ?"),
+                                           {user});
+        const bool administers = roles.contains(rights::admin) || m_session.isOffline();
+        roles << rights::everyUser << rights::personalPrefix + user;
+        QStringList records;
+        for (Query row =
+                 database.query(QStringLiteral("SELECT id, name, definition FROM search ORDER BY name, id"));
+             row.next();) {
+            const QStringList own = rolesOfSearch(database, row.number(0));
+            bool open = administers && !isPersonalOfOthers(own, user);
+            for (const QString &role : own)
+                open = open || roles.contains(role);
+            if (open)
+                records << joinFields(
+                    {row.text(0), row.text(1), row.text(2), own.join(recordformat::listSeparator)});
+        }
+        return records;
+    });
 }
 
 Result<qint64> Searches::save(const QString &name, const QString &definition, const QStringList &roles)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (m_session.isOffline())
-        return m_session.access().require(rights::admin).error();
-    const Result<QString> cleanedName = cleanName(name);
-    const Result<QString> cleaned = cleanDefinition(definition);
-    if (!cleanedName || !cleaned)
-        return cleanedName ? cleaned.error() : cleanedName.error();
-    database.run(QStringLiteral("INSERT INTO search(name, definition, owner) VALUES(?, ?, ?)"),
-                 {cleanedName.value(), cleaned.value(), m_session.login()});
-    const qint64 id = database.lastInsertId();
-    if (const Result<void> stored = storeRoles(m_session, id, roles); !stored)
-        return stored.error();
-    if (const Result<void> done = writing.commit(); !done)
-        return done.error();
-    return id;
+    return change(m_session, "Searches::save", [&](Database &database) -> Result<qint64> {
+        const Result<QString> cleanedName = cleanName(name);
+        const Result<QString> cleaned = cleanDefinition(definition);
+        if (!cleanedName || !cleaned)
+            return cleanedName ? cleaned.error() : cleanedName.error();
+        database.run(QStringLiteral("INSERT INTO search(name, definition, owner) VALUES(?, ?, ?)"),
+                     {cleanedName.value(), cleaned.value(), m_session.login()});
+        const qint64 id = database.lastInsertId();
+        if (const Result<void> stored = storeRoles(m_session, id, roles); !stored)
+            return stored.error();
+        return id;
+    });
 }
 
 Result<void> Searches::update(qint64 id, const QString &name, const QString &definition,
                               const QStringList &roles)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = checkMayChange(m_session, id); !allowed)
-        return allowed;
-    const Result<QString> cleanedName = cleanName(name);
-    const Result<QString> cleaned = cleanDefinition(definition);
-    if (!cleanedName || !cleaned)
-        return cleanedName ? cleaned.error() : cleanedName.error();
-    database.run(QStringLiteral("UPDATE search SET name = ?, definition = ? WHERE id = ?"),
-                 {cleanedName.value(), cleaned.value(), id});
-    if (const Result<void> stored = storeRoles(m_session, id, roles); !stored)
-        return stored;
-    return writing.commit();
+    return change(m_session, "Searches::update", [&](Database &database) -> Result<void> {
+        if (const Result<void> allowed = checkMayChange(m_session, id); !allowed)
+            return allowed;
+        const Result<QString> cleanedName = cleanName(name);
+        const Result<QString> cleaned = cleanDefinition(definition);
+        if (!cleanedName || !cleaned)
+            return cleanedName ? cleaned.error() : cleanedName.error();
+        database.run(QStringLiteral("UPDATE search SET name = ?, definition = ? WHERE id = ?"),
+                     {cleanedName.value(), cleaned.value(), id});
+        return storeRoles(m_session, id, roles);
+    });
 }
 
 Result<void> Searches::remove(const QString &id)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = checkMayChange(m_session, id.toLongLong()); !allowed)
-        return allowed;
-    database.run(QStringLiteral("DELETE FROM search WHERE id = ?"), {id.toLongLong()});
-    return writing.commit();
+    return change(m_session, "Searches::remove", [&](Database &database) -> Result<void> {
+        if (const Result<void> allowed = checkMayChange(m_session, id.toLongLong()); !allowed)
+            return allowed;
+        database.run(QStringLiteral("DELETE FROM search WHERE id = ?"), {id.toLongLong()});
+        return {};
+    });
 }
 
 } // namespace kelva

@@ -19,81 +19,80 @@ Error accountGone()
 
 } // namespace
 
-Session::Session(std::unique_ptr<Database> database) : m_database(std::move(database)) {}
+Session::Session(std::unique_ptr<Database> database, Access::Scope scope, QString login)
+    : m_database(std::move(database)),
+      m_login(std::move(login)),
+      m_scope(scope)
+{
+}
+
+Result<std::unique_ptr<Session>> Session::open(const QString &path, Access::Scope scope, const QString &login,
+                                               const Identify &identify)
+{
+    const bool readOnly = scope == Access::Scope::ReadOnly;
+    auto database = Database::open(path, readOnly ? Database::Mode::ReadOnly : Database::Mode::ReadWrite);
+    if (!database)
+        return database.error();
+    std::unique_ptr<Session> session(new Session(std::move(database.value()), scope, login));
+    if (identify) {
+        const Result<qint64> account = identify(session->database());
+        if (!account)
+            return account.error();
+        session->m_userId = account.value();
+    }
+    if (const Result<void> loaded = session->refresh(); !loaded)
+        return loaded.error();
+    return {std::move(session)};
+}
 
 Result<std::unique_ptr<Session>> Session::login(const QString &path, const QString &user,
                                                 const QString &password)
 {
-    auto database = Database::open(path, Database::Mode::ReadWrite);
-    if (!database)
-        return database.error();
-    std::unique_ptr<Session> session(new Session(std::move(database.value())));
-    QString hash;
-    bool expired = false;
-    {
-        Transaction reading(session->database(), Transaction::Kind::Read);
-        Query row = session->database().query(
-            QStringLiteral("SELECT id, password, expired FROM account WHERE login = ? AND directory = 0"),
-            {user});
-        if (row.next()) {
-            session->m_userId = row.number(0);
-            hash = row.text(1);
-            expired = row.flag(2);
+    return open(path, Access::Scope::Roles, user, [&](Database &database) -> Result<qint64> {
+        qint64 account = 0;
+        QString hash;
+        bool expired = false;
+        {
+            Transaction reading(database, Transaction::Kind::Read);
+            Query row = database.query(
+                QStringLiteral("SELECT id, password, expired FROM account WHERE login = ? AND directory = 0"),
+                {user});
+            if (row.next()) {
+                account = row.number(0);
+                hash = row.text(1);
+                expired = row.flag(2);
+            }
+            if (database.failed())
+                return database.error();
         }
-        if (session->database().failed())
-            return session->database().result(std::unique_ptr<Session>()).error();
-    }
-    if (const Result<void> checked = checkPassword(session->database(), user, password, hash); !checked)
-        return checked.error();
-    if (expired)
-        return Error{ErrorCode::PasswordExpired,
-                     QStringLiteral("Password expired. Please choose a new one.")};
-    session->m_login = user;
-    if (const Result<void> loaded = session->refresh(); !loaded)
-        return loaded.error();
-    return {std::move(session)};
+        if (const Result<void> checked = checkPassword(database, user, password, hash); !checked)
+            return checked.error();
+        if (expired)
+            return Error{ErrorCode::PasswordExpired,
+                         QStringLiteral("Password expired. Please choose a new one.")};
+        return account;
+    });
 }
 
 Result<std::unique_ptr<Session>> Session::openOffline(const QString &path)
 {
-    auto database = Database::open(path, Database::Mode::ReadOnly);
-    if (!database)
-        return database.error();
-    std::unique_ptr<Session> session(new Session(std::move(database.value())));
-    session->m_scope = Access::Scope::ReadOnly;
-    if (const Result<void> loaded = session->refresh(); !loaded)
-        return loaded.error();
-    return {std::move(session)};
+    return open(path, Access::Scope::ReadOnly, QString(), {});
 }
 
 Result<std::unique_ptr<Session>> Session::openAsOwner(const QString &path, const QString &name)
 {
-    auto database = Database::open(path, Database::Mode::ReadWrite);
-    if (!database)
-        return database.error();
-    std::unique_ptr<Session> session(new Session(std::move(database.value())));
-    session->m_scope = Access::Scope::Owner;
-    session->m_login = name;
-    if (const Result<void> loaded = session->refresh(); !loaded)
-        return loaded.error();
-    return {std::move(session)};
+    return open(path, Access::Scope::Owner, name, {});
 }
 
 Result<std::unique_ptr<Session>> Session::openAsUser(const QString &path, const QString &user)
 {
-    auto database = Database::open(path, Database::Mode::ReadWrite);
-    if (!database)
-        return database.error();
-    std::unique_ptr<Session> session(new Session(std::move(database.value())));
-    session->m_login = user;
-    session->m_userId = session->database()
-                            .value(QStringLiteral("SELECT id FROM account WHERE login = ?"), {user})
-                            .toLongLong();
-    if (session->m_userId == 0)
-        return Error{ErrorCode::NotFound, QStringLiteral("There is no user %1.").arg(user)};
-    if (const Result<void> loaded = session->refresh(); !loaded)
-        return loaded.error();
-    return {std::move(session)};
+    return open(path, Access::Scope::Roles, user, [&](Database &database) -> Result<qint64> {
+        const QVariant account =
+            database.value(QStringLiteral("SELECT id FROM account WHERE login = ?"), {user});
+        if (!account.isValid())
+            return Error{ErrorCode::NotFound, QStringLiteral("There is no user %1.").arg(user)};
+        return account.toLongLong();
+    });
 }
 
 Result<void> Session::refresh()
@@ -128,6 +127,13 @@ Result<void> Session::requireAccount()
 {
     (void)access();
     return m_accountGone ? Result<void>(accountGone()) : Result<void>();
+}
+
+Result<void> Session::requireWritable() const
+{
+    if (isOffline())
+        return Error{ErrorCode::Refused, QStringLiteral("The archive is read-only.")};
+    return {};
 }
 
 const Access &Session::access()

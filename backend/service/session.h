@@ -42,6 +42,8 @@ public:
     const Access &access();
     /// Refused when the account is gone.
     Result<void> requireAccount();
+    /// Refused when the archive is read offline.
+    Result<void> requireWritable() const;
     /// Role names of the user as of login or the last refresh(): rights, free roles, "r_" + login.
     const QStringList &roles() const { return m_roles; }
     /// Reads the user's roles anew.
@@ -67,7 +69,12 @@ public:
     void setClock(std::function<QDateTime()> now) { m_now = std::move(now); }
 
 private:
-    explicit Session(std::unique_ptr<Database> database);
+    /// Id of the account that a session is for, or why there is none.
+    using Identify = std::function<Result<qint64>(Database &)>;
+
+    Session(std::unique_ptr<Database> database, Access::Scope scope, QString login);
+    static Result<std::unique_ptr<Session>> open(const QString &path, Access::Scope scope,
+                                                 const QString &login, const Identify &identify);
     bool hasAccount(qint64 *vocabulary);
 
     std::unique_ptr<Database> m_database;

@@ -1,9 +1,8 @@
 #include "service/subarchives.h"
 
+#include "service/operation.h"
 #include "service/records.h"
 #include "service/recordvalues.h"
-#include "service/rights.h"
-#include "service/session.h"
 #include "service/visibledocuments.h"
 
 namespace kelva {
@@ -31,96 +30,91 @@ Result<QString> checkName(Database &database, const QString &name, qint64 except
 
 Result<QStringList> SubArchives::list()
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    QStringList records;
-    for (Query row = database.query(QStringLiteral("SELECT name, id FROM subarchive ORDER BY name"));
-         row.next();)
-        records << joinFields({row.text(0), row.text(1)});
-    return database.result(records);
+    return read(m_session, "SubArchives::list", [&](Database &database) -> Result<QStringList> {
+        QStringList records;
+        for (Query row = database.query(QStringLiteral("SELECT name, id FROM subarchive ORDER BY name"));
+             row.next();)
+            records << joinFields({row.text(0), row.text(1)});
+        return records;
+    });
 }
 
 Result<qint64> SubArchives::find(const QString &key)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    bool isNumber = false;
-    const qint64 id = key.trimmed().toLongLong(&isNumber);
-    if (!isNumber || !database.value(QStringLiteral("SELECT 1 FROM subarchive WHERE id = ?"), {id}).isValid())
-        return database.failed() ? database.result(qint64(0)).error() : unknownArchive();
-    return id;
+    return read(m_session, "SubArchives::find", [&](Database &database) -> Result<qint64> {
+        bool isNumber = false;
+        const qint64 id = key.trimmed().toLongLong(&isNumber);
+        if (!isNumber ||
+            !database.value(QStringLiteral("SELECT 1 FROM subarchive WHERE id = ?"), {id}).isValid())
+            return unknownArchive();
+        return id;
+    });
 }
 
 Result<QString> SubArchives::name(qint64 id)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    const QVariant name = database.value(QStringLiteral("SELECT name FROM subarchive WHERE id = ?"), {id});
-    return name.isValid() ? database.result(name.toString()) : unknownArchive();
+    return read(m_session, "SubArchives::name", [&](Database &database) -> Result<QString> {
+        const QVariant name =
+            database.value(QStringLiteral("SELECT name FROM subarchive WHERE id = ?"), {id});
+        if (!name.isValid())
+            return unknownArchive();
+        return name.toString();
+    });
 }
 
 Result<qint64> SubArchives::create(const QString &name, const QString &comment)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed.error();
-    const Result<QString> clean = checkName(database, name, 0);
-    if (!clean)
-        return clean.error();
-    database.run(QStringLiteral("INSERT INTO subarchive(name, comment) VALUES(?, ?)"),
-                 {clean.value(), storedText(comment)});
-    const qint64 id = database.lastInsertId();
-    if (const Result<void> done = writing.commit(); !done)
-        return done.error();
-    return id;
+    return change(m_session, "SubArchives::create", [&](Database &database) -> Result<qint64> {
+        const Result<QString> clean = checkName(database, name, 0);
+        if (!clean)
+            return clean.error();
+        database.run(QStringLiteral("INSERT INTO subarchive(name, comment) VALUES(?, ?)"),
+                     {clean.value(), storedText(comment)});
+        return database.lastInsertId();
+    });
 }
 
 Result<void> SubArchives::rename(qint64 id, const QString &name)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    const Result<QString> clean = checkName(database, name, id);
-    if (!clean)
-        return clean.error();
-    database.run(QStringLiteral("UPDATE subarchive SET name = ? WHERE id = ?"), {clean.value(), id});
-    if (!database.failed() && database.affected() == 0)
-        return unknownArchive();
-    return writing.commit();
+    return change(m_session, "SubArchives::rename", [&](Database &database) -> Result<void> {
+        const Result<QString> clean = checkName(database, name, id);
+        if (!clean)
+            return clean.error();
+        database.run(QStringLiteral("UPDATE subarchive SET name = ? WHERE id = ?"), {clean.value(), id});
+        if (database.affected() == 0)
+            return unknownArchive();
+        return {};
+    });
 }
 
 Result<void> SubArchives::remove(qint64 id)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    if (!database.value(QStringLiteral("SELECT 1 FROM subarchive WHERE id = ?"), {id}).isValid())
-        return unknownArchive();
-    if (database.value(QStringLiteral("SELECT 1 FROM document WHERE subarchive = ? LIMIT 1"), {id}).isValid())
-        return Error{ErrorCode::InUse, QStringLiteral("There are documents in the archive.")};
-    if (database.value(QStringLiteral("SELECT count(*) FROM subarchive")).toInt() <= 1)
-        return Error{ErrorCode::Refused, QStringLiteral("The last archive cannot be deleted.")};
-    database.run(QStringLiteral("DELETE FROM subarchive WHERE id = ?"), {id});
-    return writing.commit();
+    return change(m_session, "SubArchives::remove", [&](Database &database) -> Result<void> {
+        if (!database.value(QStringLiteral("SELECT 1 FROM subarchive WHERE id = ?"), {id}).isValid())
+            return unknownArchive();
+        if (database.value(QStringLiteral("SELECT 1 FROM document WHERE subarchive = ? LIMIT 1"), {id})
+                .isValid())
+            return Error{ErrorCode::InUse, QStringLiteral("There are documents in the archive.")};
+        if (database.value(QStringLiteral("SELECT count(*) FROM subarchive")).toInt() <= 1)
+            return Error{ErrorCode::Refused, QStringLiteral("The last archive cannot be deleted.")};
+        database.run(QStringLiteral("DELETE FROM subarchive WHERE id = ?"), {id});
+        return {};
+    });
 }
 
 Result<int> SubArchives::countDocuments(qint64 id)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    // Administrators count what stands in the way of a deletion, others what they see.
-    const SqlCondition visible = m_session.access().isAdmin()
-                                     ? SqlCondition{QStringLiteral("1"), {}}
-                                     : visibleDocuments(m_session, QStringLiteral("d.id"));
-    return database.result(
-        database
+    return read(m_session, "SubArchives::countDocuments", [&](Database &database) -> Result<int> {
+        // Administrators count what stands in the way of a deletion, others what they see.
+        const SqlCondition visible = m_session.access().isAdmin()
+                                         ? SqlCondition{QStringLiteral("1"), {}}
+                                         : visibleDocuments(m_session, QStringLiteral("d.id"));
+        return database
             .value(QStringLiteral("SELECT count(*) FROM document d WHERE d.subarchive = ? AND %1")
                        .arg(visible.sql),
                    QVariantList{id} + visible.values)
-            .toInt());
+            .toInt();
+    });
 }
 
 } // namespace kelva

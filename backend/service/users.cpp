@@ -1,10 +1,10 @@
 #include "service/users.h"
 
 #include "service/loginthrottle.h"
+#include "service/operation.h"
 #include "service/records.h"
 #include "service/recordvalues.h"
 #include "service/rights.h"
-#include "service/session.h"
 #include "store/password.h"
 
 namespace kelva {
@@ -90,11 +90,10 @@ Result<void> storePassword(Database &database, qint64 account, const QString &pa
     return {};
 }
 
-/// Compares with the stored hash and stores the new password in one step.
+/// Compares with the stored hash and stores the new password.
 Result<void> replacePassword(Database &database, const QString &login, const QString &oldPassword,
                              const QString &newPassword)
 {
-    Transaction writing(database, Transaction::Kind::Write);
     Query row = database.query(
         QStringLiteral("SELECT id, password FROM account WHERE login = ? AND directory = 0"), {login});
     const bool found = row.next();
@@ -103,9 +102,7 @@ Result<void> replacePassword(Database &database, const QString &login, const QSt
             checkPassword(database, login, oldPassword, found ? row.text(1) : QString());
         !checked)
         return checked;
-    if (const Result<void> stored = storePassword(database, account, newPassword); !stored)
-        return stored;
-    return writing.commit();
+    return storePassword(database, account, newPassword);
 }
 
 Result<void> giveRoles(Database &database, qint64 account, const QString &login, const QStringList &roles)
@@ -142,112 +139,97 @@ Result<void> checkPassword(const Database &database, const QString &login, const
 
 Result<QStringList> Users::list()
 {
-    Transaction reading(m_session.database(), Transaction::Kind::Read);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed.error();
-    return m_session.database().result(readUsers(m_session.database(), QStringLiteral("1"), {}));
+    return read(m_session, "Users::list", [&](Database &database) -> Result<QStringList> {
+        return readUsers(database, QStringLiteral("1"), {});
+    });
 }
 
 Result<qint64> Users::create(const NewUser &user)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed.error();
-    if (const Result<void> valid = checkName(user.login, QStringLiteral("user")); !valid)
-        return valid.error();
-    if (accountOf(database, user.login) != 0)
-        return Error{ErrorCode::BadInput, QStringLiteral("There is a user %1 already.").arg(user.login)};
-    database.run(QStringLiteral("INSERT INTO account(login, password, name, short_name) VALUES(?, '', ?, ?)"),
-                 {user.login, storedText(user.name, maximumName), storedText(user.shortName, maximumName)});
-    const qint64 account = database.lastInsertId();
-    if (const Result<void> stored = storePassword(database, account, user.password); !stored)
-        return stored.error();
-    const QString personal = rights::personalPrefix + user.login;
-    database.run(QStringLiteral("INSERT OR IGNORE INTO role(name) VALUES(?)"), {personal});
-    database.run(QStringLiteral("INSERT INTO account_role(account, role) VALUES(?, ?)"), {account, personal});
-    m_session.noteVocabularyChange();
-    if (const Result<void> done = writing.commit(); !done)
-        return done.error();
-    return account;
+    return change(m_session, "Users::create", [&](Database &database) -> Result<qint64> {
+        if (const Result<void> valid = checkName(user.login, QStringLiteral("user")); !valid)
+            return valid.error();
+        if (accountOf(database, user.login) != 0)
+            return Error{ErrorCode::BadInput, QStringLiteral("There is a user %1 already.").arg(user.login)};
+        database.run(
+            QStringLiteral("INSERT INTO account(login, password, name, short_name) VALUES(?, '', ?, ?)"),
+            {user.login, storedText(user.name, maximumName), storedText(user.shortName, maximumName)});
+        const qint64 account = database.lastInsertId();
+        if (const Result<void> stored = storePassword(database, account, user.password); !stored)
+            return stored.error();
+        const QString personal = rights::personalPrefix + user.login;
+        database.run(QStringLiteral("INSERT OR IGNORE INTO role(name) VALUES(?)"), {personal});
+        database.run(QStringLiteral("INSERT INTO account_role(account, role) VALUES(?, ?)"),
+                     {account, personal});
+        m_session.noteVocabularyChange();
+        return account;
+    });
 }
 
 Result<void> Users::update(qint64 id, const NewUser &user)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    const QVariant login = database.value(QStringLiteral("SELECT login FROM account WHERE id = ?"), {id});
-    if (!login.isValid())
-        return unknownUser();
-    // Records, events and the personal role carry the login.
-    if (login.toString() != user.login)
-        return Error{ErrorCode::Refused, QStringLiteral("The login name of a user cannot be changed.")};
-    database.run(QStringLiteral("UPDATE account SET name = ?, short_name = ? WHERE id = ?"),
-                 {storedText(user.name, maximumName), storedText(user.shortName, maximumName), id});
-    if (!user.password.isEmpty())
-        if (const Result<void> stored = storePassword(database, id, user.password); !stored)
-            return stored;
-    return writing.commit();
+    return change(m_session, "Users::update", [&](Database &database) -> Result<void> {
+        const QVariant login = database.value(QStringLiteral("SELECT login FROM account WHERE id = ?"), {id});
+        if (!login.isValid())
+            return unknownUser();
+        // Records, events and the personal role carry the login.
+        if (login.toString() != user.login)
+            return Error{ErrorCode::Refused, QStringLiteral("The login name of a user cannot be changed.")};
+        database.run(QStringLiteral("UPDATE account SET name = ?, short_name = ? WHERE id = ?"),
+                     {storedText(user.name, maximumName), storedText(user.shortName, maximumName), id});
+        return user.password.isEmpty() ? Result<void>() : storePassword(database, id, user.password);
+    });
 }
 
 Result<void> Users::remove(const QStringList &ids)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    for (const QString &id : ids) {
-        const QVariant login =
-            database.value(QStringLiteral("SELECT login FROM account WHERE id = ?"), {id.toLongLong()});
-        if (!login.isValid())
-            return unknownUser();
-        if (login.toString() == m_session.login())
-            return Error{ErrorCode::Refused, QStringLiteral("You cannot delete yourself.")};
-        const QString personal = rights::personalPrefix + login.toString();
-        if (const Result<void> free = checkNoFolderNeeds(database, personal); !free)
-            return free;
-        database.run(QStringLiteral("DELETE FROM account WHERE id = ?"), {id.toLongLong()});
-        removeRole(database, personal);
-    }
-    if (const Result<void> remains = checkAdministratorRemains(database); !remains)
-        return remains;
-    m_session.noteVocabularyChange();
-    return writing.commit();
+    return change(m_session, "Users::remove", [&](Database &database) -> Result<void> {
+        for (const QString &id : ids) {
+            const QVariant login =
+                database.value(QStringLiteral("SELECT login FROM account WHERE id = ?"), {id.toLongLong()});
+            if (!login.isValid())
+                return unknownUser();
+            if (login.toString() == m_session.login())
+                return Error{ErrorCode::Refused, QStringLiteral("You cannot delete yourself.")};
+            const QString personal = rights::personalPrefix + login.toString();
+            if (const Result<void> free = checkNoFolderNeeds(database, personal); !free)
+                return free;
+            database.run(QStringLiteral("DELETE FROM account WHERE id = ?"), {id.toLongLong()});
+            removeRole(database, personal);
+        }
+        if (const Result<void> remains = checkAdministratorRemains(database); !remains)
+            return remains;
+        m_session.noteVocabularyChange();
+        return {};
+    });
 }
 
 Result<void> Users::setPassword(const QString &login, const QString &password)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    const qint64 account = accountOf(database, login);
-    if (account == 0)
-        return unknownUser();
-    if (const Result<void> stored = storePassword(database, account, password); !stored)
-        return stored;
-    return writing.commit();
+    return change(m_session, "Users::setPassword", [&](Database &database) -> Result<void> {
+        const qint64 account = accountOf(database, login);
+        if (account == 0)
+            return unknownUser();
+        return storePassword(database, account, password);
+    });
 }
 
 Result<void> Users::setPasswordExpired(const QString &login, bool expired)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    database.run(QStringLiteral("UPDATE account SET expired = ? WHERE login = ?"), {expired ? 1 : 0, login});
-    if (!database.failed() && database.affected() == 0)
-        return unknownUser();
-    return writing.commit();
+    return change(m_session, "Users::setPasswordExpired", [&](Database &database) -> Result<void> {
+        database.run(QStringLiteral("UPDATE account SET expired = ? WHERE login = ?"),
+                     {expired ? 1 : 0, login});
+        if (database.affected() == 0)
+            return unknownUser();
+        return {};
+    });
 }
 
 Result<void> Users::changeOwnPassword(const QString &oldPassword, const QString &newPassword)
 {
-    if (m_session.isOffline())
-        return Error{ErrorCode::Refused, QStringLiteral("The archive is read-only.")};
-    return replacePassword(m_session.database(), m_session.login(), oldPassword, newPassword);
+    return change(m_session, "Users::changeOwnPassword", [&](Database &database) {
+        return replacePassword(database, m_session.login(), oldPassword, newPassword);
+    });
 }
 
 Result<void> Users::changeExpiredPassword(const QString &path, const QString &login,
@@ -258,114 +240,106 @@ Result<void> Users::changeExpiredPassword(const QString &path, const QString &lo
         return database.error();
     if (oldPassword == newPassword)
         return Error{ErrorCode::BadInput, QStringLiteral("The new password is the old one.")};
-    return replacePassword(*database.value(), login, oldPassword, newPassword);
+    Transaction writing(*database.value(), Transaction::Kind::Write);
+    if (const Result<void> replaced = replacePassword(*database.value(), login, oldPassword, newPassword);
+        !replaced)
+        return replaced;
+    return writing.commit();
 }
 
 Result<QStringList> Users::roles()
 {
-    Transaction reading(m_session.database(), Transaction::Kind::Read);
-    return m_session.database().result(
-        m_session.database().texts(QStringLiteral("SELECT name FROM role ORDER BY name")));
+    return read(m_session, "Users::roles", [&](Database &database) -> Result<QStringList> {
+        return database.texts(QStringLiteral("SELECT name FROM role ORDER BY name"));
+    });
 }
 
 Result<void> Users::createRoles(const QStringList &names)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    for (const QString &name : names) {
-        if (const Result<void> valid = checkName(name, QStringLiteral("role")); !valid)
-            return valid;
-        if (rights::isSystemRole(name))
-            return Error{ErrorCode::BadInput, QStringLiteral("The name %1 is reserved.").arg(name)};
-        if (database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {name}).isValid())
-            return Error{ErrorCode::BadInput, QStringLiteral("There is a role %1 already.").arg(name)};
-        database.run(QStringLiteral("INSERT INTO role(name) VALUES(?)"), {name});
-    }
-    m_session.noteVocabularyChange();
-    return writing.commit();
+    return change(m_session, "Users::createRoles", [&](Database &database) -> Result<void> {
+        for (const QString &name : names) {
+            if (const Result<void> valid = checkName(name, QStringLiteral("role")); !valid)
+                return valid;
+            if (rights::isSystemRole(name))
+                return Error{ErrorCode::BadInput, QStringLiteral("The name %1 is reserved.").arg(name)};
+            if (database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {name}).isValid())
+                return Error{ErrorCode::BadInput, QStringLiteral("There is a role %1 already.").arg(name)};
+            database.run(QStringLiteral("INSERT INTO role(name) VALUES(?)"), {name});
+        }
+        m_session.noteVocabularyChange();
+        return {};
+    });
 }
 
 Result<void> Users::removeRoles(const QStringList &names)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    for (const QString &name : names) {
-        if (rights::isSystemRole(name))
-            return Error{ErrorCode::Refused, QStringLiteral("The role %1 cannot be deleted.").arg(name)};
-        if (const Result<void> free = checkNoFolderNeeds(database, name); !free)
-            return free;
-        removeRole(database, name);
-    }
-    m_session.noteVocabularyChange();
-    return writing.commit();
+    return change(m_session, "Users::removeRoles", [&](Database &database) -> Result<void> {
+        for (const QString &name : names) {
+            if (rights::isSystemRole(name))
+                return Error{ErrorCode::Refused, QStringLiteral("The role %1 cannot be deleted.").arg(name)};
+            if (const Result<void> free = checkNoFolderNeeds(database, name); !free)
+                return free;
+            removeRole(database, name);
+        }
+        m_session.noteVocabularyChange();
+        return {};
+    });
 }
 
 Result<QStringList> Users::rolesOf(const QString &login)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    if (login != m_session.login())
-        if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-            return allowed.error();
-    return database.result(
-        database.texts(QStringLiteral("SELECT role FROM account_role r JOIN account a"
-                                      " ON a.id = r.account WHERE a.login = ? ORDER BY role"),
-                       {login}));
+    const char *const operation = login == m_session.login() ? "Users::rolesOf, own" : "Users::rolesOf";
+    return read(m_session, operation, [&](Database &database) -> Result<QStringList> {
+        return database.texts(QStringLiteral("SELECT role FROM account_role r JOIN account a"
+                                             " ON a.id = r.account WHERE a.login = ? ORDER BY role"),
+                              {login});
+    });
 }
 
 Result<void> Users::setRolesOf(const QString &login, const QStringList &roles)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    const qint64 account = accountOf(database, login);
-    if (account == 0)
-        return unknownUser();
-    if (const Result<void> given = giveRoles(database, account, login, roles); !given)
-        return given;
-    if (const Result<void> remains = checkAdministratorRemains(database); !remains)
-        return remains;
-    m_session.noteVocabularyChange();
-    return writing.commit();
+    return change(m_session, "Users::setRolesOf", [&](Database &database) -> Result<void> {
+        const qint64 account = accountOf(database, login);
+        if (account == 0)
+            return unknownUser();
+        if (const Result<void> given = giveRoles(database, account, login, roles); !given)
+            return given;
+        if (const Result<void> remains = checkAdministratorRemains(database); !remains)
+            return remains;
+        m_session.noteVocabularyChange();
+        return {};
+    });
 }
 
 Result<QStringList> Users::usersOf(const QString &role)
 {
-    Database &database = m_session.database();
-    Transaction reading(database, Transaction::Kind::Read);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed.error();
-    return database.result(readUsers(
-        database, QStringLiteral("id IN (SELECT account FROM account_role WHERE role = ?)"), {role}));
+    return read(m_session, "Users::usersOf", [&](Database &database) -> Result<QStringList> {
+        return readUsers(database, QStringLiteral("id IN (SELECT account FROM account_role WHERE role = ?)"),
+                         {role});
+    });
 }
 
 Result<void> Users::setUsersOf(const QString &role, const QStringList &logins)
 {
-    Database &database = m_session.database();
-    Transaction writing(database, Transaction::Kind::Write);
-    if (const Result<void> allowed = m_session.access().require(rights::admin); !allowed)
-        return allowed;
-    if (!database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
-        return Error{ErrorCode::NotFound, QStringLiteral("The role %1 does not exist.").arg(role.left(80))};
-    if (role.startsWith(rights::personalPrefix))
-        return Error{ErrorCode::Refused, QStringLiteral("The role %1 belongs to its user.").arg(role)};
-    database.run(QStringLiteral("DELETE FROM account_role WHERE role = ?"), {role});
-    for (const QString &login : logins) {
-        const qint64 account = accountOf(database, login);
-        if (account == 0)
-            return unknownUser();
-        database.run(QStringLiteral("INSERT OR IGNORE INTO account_role(account, role) VALUES(?, ?)"),
-                     {account, role});
-    }
-    if (const Result<void> remains = checkAdministratorRemains(database); !remains)
-        return remains;
-    m_session.noteVocabularyChange();
-    return writing.commit();
+    return change(m_session, "Users::setUsersOf", [&](Database &database) -> Result<void> {
+        if (!database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
+            return Error{ErrorCode::NotFound,
+                         QStringLiteral("The role %1 does not exist.").arg(role.left(80))};
+        if (role.startsWith(rights::personalPrefix))
+            return Error{ErrorCode::Refused, QStringLiteral("The role %1 belongs to its user.").arg(role)};
+        database.run(QStringLiteral("DELETE FROM account_role WHERE role = ?"), {role});
+        for (const QString &login : logins) {
+            const qint64 account = accountOf(database, login);
+            if (account == 0)
+                return unknownUser();
+            database.run(QStringLiteral("INSERT OR IGNORE INTO account_role(account, role) VALUES(?, ?)"),
+                         {account, role});
+        }
+        if (const Result<void> remains = checkAdministratorRemains(database); !remains)
+            return remains;
+        m_session.noteVocabularyChange();
+        return {};
+    });
 }
 
 } // namespace kelva

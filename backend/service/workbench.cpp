@@ -3,8 +3,8 @@
 #include "server/recordformat.h"
 #include "service/documentcolumns.h"
 #include "service/folders.h"
+#include "service/operation.h"
 #include "service/records.h"
-#include "service/session.h"
 #include "service/vocabulary.h"
 
 #include <QDataStream>
@@ -83,36 +83,35 @@ Records mainFolders(const Records &folders)
 
 Result<QByteArray> workbenchBlock(Session &session)
 {
-    Transaction reading(session.database(), Transaction::Kind::Read);
-    const DocumentColumns columns = DocumentColumns::load(session.database());
-    Result<Records> status = Vocabulary(session).status();
-    if (!status)
-        return status.error();
-    Result<Records> types = Vocabulary(session).types();
-    if (!types)
-        return types.error();
-    Result<Records> folders = Folders(session).list(Folders::Scope::WithInactive);
-    if (!folders)
-        return folders.error();
-    const Records main = mainFolders(folders.value());
+    return read(session, "workbenchBlock", [&](Database &database) -> Result<QByteArray> {
+        const DocumentColumns columns = DocumentColumns::load(database);
+        Result<Records> status = Vocabulary(session).status();
+        if (!status)
+            return status.error();
+        Result<Records> types = Vocabulary(session).types();
+        if (!types)
+            return types.error();
+        Result<Records> folders = Folders(session).list(Folders::Scope::WithInactive);
+        if (!folders)
+            return folders.error();
+        const Records main = mainFolders(folders.value());
 
-    const QStringList titles = columns.titles();
-    const QStringList keys = columns.keys();
-    QStringList searchColumns;
-    for (int i = 0; i < keys.size(); ++i)
-        searchColumns << joinFields({titles.at(i), keys.at(i)});
-    searchColumns << joinFields({QStringLiteral("Rights"), QStringLiteral("rights")});
-    const Editors editors = editorsOf(session, columns);
-    QByteArray block;
-    QDataStream stream(&block, QIODevice::WriteOnly);
-    stream << (titles + QStringList{QStringLiteral("Rights")}) << searchColumns << keys << editors.choices
-           << editors.lines << editors.checks << editors.dates
-           << QList<QStringList>{main.rows, status.value().rows, types.value().rows, folders.value().rows}
-           << QList<QList<QByteArray>>{main.pictures, status.value().pictures, types.value().pictures,
-                                       folders.value().pictures};
-    if (const Result<void> done = reading.commit(); !done)
-        return done.error();
-    return block;
+        const QStringList titles = columns.titles();
+        const QStringList keys = columns.keys();
+        QStringList searchColumns;
+        for (int i = 0; i < keys.size(); ++i)
+            searchColumns << joinFields({titles.at(i), keys.at(i)});
+        searchColumns << joinFields({QStringLiteral("Rights"), QStringLiteral("rights")});
+        const Editors editors = editorsOf(session, columns);
+        QByteArray block;
+        QDataStream stream(&block, QIODevice::WriteOnly);
+        stream << (titles + QStringList{QStringLiteral("Rights")}) << searchColumns << keys << editors.choices
+               << editors.lines << editors.checks << editors.dates
+               << QList<QStringList>{main.rows, status.value().rows, types.value().rows, folders.value().rows}
+               << QList<QList<QByteArray>>{main.pictures, status.value().pictures, types.value().pictures,
+                                           folders.value().pictures};
+        return block;
+    });
 }
 
 QString workbenchKey(const QString &login, const QString &host, int port, qint64 profileId)

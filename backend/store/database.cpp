@@ -309,10 +309,11 @@ bool Database::mayRun()
     return !m_error;
 }
 
-bool Database::run(const QString &sql, const QVariantList &values)
+/// Empty, and the failure noted, when it cannot be run.
+std::optional<QSqlQuery> Database::execute(const QString &sql, const QVariantList &values)
 {
     if (!mayRun())
-        return false;
+        return std::nullopt;
     QSqlQuery statement(connection());
     statement.setForwardOnly(true);
     bool done = statement.prepare(sql);
@@ -321,10 +322,16 @@ bool Database::run(const QString &sql, const QVariantList &values)
             statement.bindValue(i, bound(values.at(i)));
         done = statement.exec();
     }
-    if (!done) {
-        noteFailure(statement);
+    if (done)
+        return statement;
+    noteFailure(statement);
+    return std::nullopt;
+}
+
+bool Database::run(const QString &sql, const QVariantList &values)
+{
+    if (!execute(sql, values))
         return false;
-    }
     m_lastInsertId = sqlite3_last_insert_rowid(handle());
     m_affected = sqlite3_changes(handle());
     return true;
@@ -332,19 +339,7 @@ bool Database::run(const QString &sql, const QVariantList &values)
 
 Query Database::query(const QString &sql, const QVariantList &values)
 {
-    if (!mayRun())
-        return Query(QSqlQuery(connection()), *this);
-    QSqlQuery statement(connection());
-    statement.setForwardOnly(true);
-    bool done = statement.prepare(sql);
-    if (done) {
-        for (int i = 0; i < values.size(); ++i)
-            statement.bindValue(i, bound(values.at(i)));
-        done = statement.exec();
-    }
-    if (!done)
-        noteFailure(statement);
-    return Query(std::move(statement), *this);
+    return Query(execute(sql, values).value_or(QSqlQuery(connection())), *this);
 }
 
 QVariant Database::value(const QString &sql, const QVariantList &values)

@@ -116,6 +116,8 @@ public:
     int rollbacks() const { return m_rollbacks; }
 
     bool failed() const { return m_error.has_value(); }
+    /// To be asked when failed().
+    const Error &error() const { return *m_error; }
     /// Makes the transaction fail for a reason of the caller's; the first error wins.
     void fail(Error error);
     /// The value, or the first error since the transaction began.
@@ -145,6 +147,7 @@ private:
     Result<void> connect(Mode mode, int busyTimeoutMs, int version);
     Result<void> bringUpToDate(Mode mode, int target);
     bool mayRun();
+    std::optional<QSqlQuery> execute(const QString &sql, const QVariantList &values);
     using Prepared = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
     Prepared prepare(const QString &sql, const QVariantList &values);
     void noteFailure(const QSqlQuery &query);

@@ -198,11 +198,12 @@ Result<WordQuery> WordQuery::parse(const QString &query)
             const bool prefix = part.endsWith(QLatin1String(":*"));
             Phrase phrase{wordsOf(prefix ? part.chopped(2) : part), prefix};
             count += phrase.words.size();
+            result.m_anyEnding = result.m_anyEnding || part == QLatin1String(":*");
             if (!phrase.words.empty())
                 result.m_phrases.push_back(std::move(phrase));
         }
     }
-    if (missing && result.m_phrases.empty())
+    if (missing && result.matchesNothing())
         return Error{ErrorCode::BadInput,
                      QStringLiteral("a word is missing beside \"&\" or the query is empty")};
     if (count > mostWords)
@@ -221,6 +222,8 @@ bool WordQuery::occurs(const Phrase &phrase, const std::vector<QString> &words)
 
 bool WordQuery::matches(const QString &text) const
 {
+    if (matchesAnyText())
+        return !text.isEmpty();
     const std::vector<QString> words = wordsOf(text);
     return !m_phrases.empty() && std::all_of(m_phrases.begin(), m_phrases.end(),
                                              [&](const Phrase &phrase) { return occurs(phrase, words); });

@@ -61,10 +61,12 @@ public:
     static Result<WordQuery> parse(const QString &query);
 
     /// Without a letter or digit in it, a query matches no text at all.
-    bool matchesNothing() const { return m_phrases.empty(); }
+    bool matchesNothing() const { return m_phrases.empty() && !m_anyEnding; }
+    /// ":*" and no word beside it, whatever begins with nothing: every text that is not empty.
+    bool matchesAnyText() const { return m_phrases.empty() && m_anyEnding; }
     bool matches(const QString &text) const;
 
-    /// The query for MATCH of a full-text table. Not to be asked when matchesNothing().
+    /// The query for MATCH of a full-text table. Not to be asked without words: when one of the above holds.
     QString matchExpression() const;
 
 private:
@@ -77,6 +79,7 @@ private:
     static bool occurs(const Phrase &phrase, const std::vector<QString> &words);
 
     std::vector<Phrase> m_phrases;
+    bool m_anyEnding = false; ///< a part was ":*" alone
 };
 
 /// A number as text: no exponent, no zeros at the end of a fraction, no sign for zero.

@@ -105,10 +105,12 @@ ClauseEvaluator::Truth ClauseEvaluator::evaluateWords(const Value &text, const Q
     bool anyWanted = false;
     bool anyEmpty = false;
     bool allFound = true;
+    bool star = false;
     for (const QString &side : query.split('&')) {
         anyEmpty = anyEmpty || side.simplified().isEmpty();
         for (const QString &part : side.simplified().split(' ', Qt::SkipEmptyParts)) {
             const QStringList wanted = splitWords(part);
+            star = star || part == ":*";
             if (wanted.isEmpty())
                 continue;
             anyWanted = true;
@@ -123,8 +125,8 @@ ClauseEvaluator::Truth ClauseEvaluator::evaluateWords(const Value &text, const Q
             allFound = allFound && found;
         }
     }
-    m_refused = m_refused || (anyEmpty && !anyWanted);
-    return text.isNull ? Truth::Unknown : truth(anyWanted && allFound);
+    m_refused = m_refused || (anyEmpty && !anyWanted && !star);
+    return text.isNull ? Truth::Unknown : truth(anyWanted ? allFound : star && !text.text.isEmpty());
 }
 
 ClauseEvaluator::Truth ClauseEvaluator::compare(Value left, Value right, Comparator comparator)

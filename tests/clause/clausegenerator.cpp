@@ -107,8 +107,9 @@ QString ClauseGenerator::value()
 
 QString ClauseGenerator::number()
 {
-    return oneOf<QString>({"0", "1", "2", "3", "5", "12", "-1", "-3", "12.5", "12.50", "007", "0.10", "1.5",
-                           "1000000", "99999999999", "-0.0", "2.25"});
+    return oneOf<QString>({"0",    "1",     "2",   "3",    "5",   "12",      "-1",          "-3",
+                           "12.5", "12.50", "007", "0.10", "1.5", "1000000", "99999999999", "-0.0",
+                           "2.25", "12.",   ".5",  "-.5",  "1e6", "125E-1",  "-0.e+3"});
 }
 
 QString ClauseGenerator::text(const ClauseNode &node)

@@ -56,6 +56,8 @@ private slots:
             {"to_tsvector(bemerkung) @@ to_tsquery('- &  & ')", 38,
              "a word is missing beside \"&\" or the query is empty"},
             {"docart = 'abc'", 10, "'abc' is no number"},
+            {"docart = 1e", 10, "a field or a value is expected, but \"1\" was met"},
+            {"attr9 = .", 9, "a field or a value is expected, but \".\" was met"},
             {"attr9 = 'nan' or attr9 = 'inf'", 9, "'nan' is no number"},
             {"trashed = 'maybe'", 11, "'maybe' is neither true nor false"},
             {"trashed = 1", 1, "trashed cannot be compared with 1"},
