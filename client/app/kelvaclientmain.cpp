@@ -1,11 +1,11 @@
 #include "app/kelvaclientmain.h"
 
-#include "app/dockwidthkeeper.h"
 #include "app/kelvaabout.h"
 #include "app/panelswitcher.h"
 #include "app/programversion.h"
 #include "app/proxysettings.h"
 #include "app/startoptions.h"
+#include "app/windowlayout.h"
 #include "documents/kelvatrashbutton.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
@@ -87,7 +87,8 @@ void KelvaClientMain::setupPanels()
 
     m_tWOrdner->setSaveState(true, "kelvaMainFolderView");
     setDockNestingEnabled(true);
-    m_folderWidth = new DockWidthKeeper(this, m_dockFolder, m_dockDocuments);
+    m_layout = std::make_unique<WindowLayout>(
+        this, WindowLayout::Panels{m_dockFolder, m_dockStatus, m_dockSearch, m_dockDocuments, m_twStatus});
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     m_infoView->horizontalHeader()->setSectionsMovable(true);
     m_infoView->horizontalHeader()->setContextMenuPolicy(Qt::ActionsContextMenu);
@@ -270,7 +271,7 @@ bool KelvaClientMain::event(QEvent *event)
 void KelvaClientMain::closeEvent(QCloseEvent *event)
 {
     if (isVisible() && initialized)
-        noteLayout();
+        m_layout->note();
     QMainWindow::closeEvent(event);
     emit closed();
 }

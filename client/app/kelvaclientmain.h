@@ -15,7 +15,6 @@
 
 class ClassifyInterface;
 class ColumnEditors;
-class DockWidthKeeper;
 class KelvaArchiveWorker;
 class KelvaDelegate;
 class KelvaDocLogin;
@@ -29,6 +28,7 @@ class QTimer;
 class QToolBar;
 class QtToolBarManager;
 class RefreshGate;
+class WindowLayout;
 class kelvaArchiveClientInterface;
 class kelvastatusbarext;
 struct CellEdit;
@@ -162,14 +162,9 @@ private:
     void fillContextMenus();
     void connectActions();
     void setShortcuts();
-    void showShortcuts();
     void registerToolBars();
     void loadScreenSettings();
     void saveScreenSettings();
-    void restoreLayout(const QByteArray &state);
-    void stackPanels();
-    /// Takes down the layout while the window is still there.
-    void noteLayout();
 
     // documents/kelvaclientmain_list.cpp
     DocumentQuery currentQuery() const;
@@ -178,8 +173,6 @@ private:
     void refreshTable(const QStringList &docIds, bool resetPlugins, bool afterEdit);
     bool loadRows();
     void showCount();
-    /// Whether the answer has the attributes of the vocabulary; otherwise a reload is due.
-    bool knowsAttributes(const QString &header) const;
     void updateFolderColumn();
     void restoreSelection(const QStringList &ids, const QString &currentId, int currentColumn);
     void disableDocumentActions();
@@ -268,11 +261,8 @@ private:
     QAction *m_contextLink = nullptr;
     bool useHttpLinks = false;
     QString emailCommand;
-    int DockFolderWidth = 0;
-    QByteArray m_layout;           ///< QMainWindow::saveState() of the window that was closed
-    bool m_searchDockShown = true; ///< as it was before an offline session hid it
     QLabel *m_selectedCount = nullptr;
-    DockWidthKeeper *m_folderWidth = nullptr;
+    std::unique_ptr<WindowLayout> m_layout;
 
     // Query
     DocumentQuery m_query; ///< but for what the status bar and the status list hold

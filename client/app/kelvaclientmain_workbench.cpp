@@ -1,8 +1,7 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/actionvisibility.h"
-#include "app/defaultlayout.h"
-#include "app/dockwidthkeeper.h"
+#include "app/windowlayout.h"
 #include "documents/kelvatrashbutton.h"
 #include "extensions/qttoolbarmanager.h"
 #include "search/kelvastatusbarext.h"
@@ -12,17 +11,13 @@
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QGuiApplication>
-#include <QLayout>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSaveFile>
-#include <QScreen>
 #include <QSettings>
 #include <QSignalBlocker>
 #include <QSpinBox>
 #include <QToolBar>
-#include <QWindow>
 
 namespace {
 
@@ -45,11 +40,17 @@ const char pictureTable[] =
     "0, y2: 1, stop: 0 #6ea1f1, stop: 1 #567dbc);}\n\n\nQTableView::indicator {subcontrol-position: center; "
     "subcontrol-origin: padding;}";
 
-/// Of the status panel, in pixels. Others come from a damaged file, or from a panel that was floating or
-/// closed.
-bool isPlausibleDockWidth(int width)
+/// Behind the tips of the tool bar's buttons.
+void showShortcuts(const QToolBar &bar, const QAction *without)
 {
-    return width >= 60 && width <= QGuiApplication::primaryScreen()->availableGeometry().width() / 2;
+    for (QAction *action : bar.actions()) {
+        const QString tip =
+            action->property(plainTip).isValid() ? action->property(plainTip).toString() : action->toolTip();
+        action->setProperty(plainTip, tip);
+        const QString keys = action->shortcut().toString(QKeySequence::NativeText);
+        if (!keys.isEmpty() && action != without)
+            action->setToolTip(QStringLiteral("%1 (%2)").arg(tip, keys));
+    }
 }
 
 } // namespace
@@ -94,6 +95,7 @@ void KelvaClientMain::loadToolBar()
     action_MoveToArchive->setEnabled(false);
     connectActions();
     setShortcuts();
+    showShortcuts(*m_toolBar, action_docView); // whose text is its tip, and nothing else
     registerToolBars();
 }
 
@@ -136,19 +138,6 @@ void KelvaClientMain::applyOfflineMode()
     actionErweitererte_Volltextsuche->setVisible(false);
     m_dockSearch->hide();
     m_dockSearch->setEnabled(false);
-}
-
-void KelvaClientMain::showShortcuts()
-{
-    for (QAction *action : m_toolBar->actions()) {
-        const QString tip =
-            action->property(plainTip).isValid() ? action->property(plainTip).toString() : action->toolTip();
-        action->setProperty(plainTip, tip);
-        const QString keys = action->shortcut().toString(QKeySequence::NativeText);
-        // The text of the view action is its tip, and nothing else.
-        if (!keys.isEmpty() && action != action_docView)
-            action->setToolTip(QStringLiteral("%1 (%2)").arg(tip, keys));
-    }
 }
 
 void KelvaClientMain::fillContextMenus()
@@ -246,7 +235,6 @@ void KelvaClientMain::setShortcuts()
     m_bSuchen->setShortcut(QKeySequence(tr("Ctrl+F")));
     action_OrdnerSuchen->setShortcut(QKeySequence(tr("Ctrl+Alt+f")));
     action_Weitersuchen->setShortcut(QKeySequence(tr("F3")));
-    showShortcuts();
 }
 
 void KelvaClientMain::registerToolBars()
@@ -267,24 +255,7 @@ void KelvaClientMain::registerToolBars()
 void KelvaClientMain::loadScreenSettings()
 {
     const QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
-    DockFolderWidth = settings.value("DockFolderWidth", DockFolderWidth).toInt();
-    if (isPlausibleDockWidth(DockFolderWidth)) {
-        const QMargins frame = m_twStatus->parentWidget()->layout()->contentsMargins();
-        m_folderWidth->setWidth(frame.left() + DockFolderWidth + frame.right());
-    }
-    if (settings.contains("DockSettings")) {
-        if (settings.value("isMaximized", false).toBool())
-            setWindowState(windowState() | Qt::WindowMaximized); // the window is shown only after the login
-        else
-            restoreGeometry(settings.value("DockGeometry").toByteArray());
-        restoreLayout(settings.value("DockSettings").toByteArray());
-    } else {
-        restoreLayout(QByteArray::fromBase64(defaultlayout::state));
-    }
-    if (m_session.offline) {
-        m_searchDockShown = !m_dockSearch->isHidden();
-        m_dockSearch->hide(); // whatever the restored state says
-    }
+    m_layout->load(settings, m_session.offline);
     setUpdatesEnabled(false);
     if (settings.contains("InfoViewAutoResize"))
         m_infoView->setAutoResize(settings.value("InfoViewAutoResize").toBool());
@@ -315,63 +286,17 @@ void KelvaClientMain::loadScreenSettings()
     setUpdatesEnabled(true);
 }
 
-void KelvaClientMain::restoreLayout(const QByteArray &state)
-{
-    restoreState(state, 0);  // what Qt refuses leaves the layout as it is
-    m_dockDocuments->show(); // no menu would bring it back
-    stackPanels();
-    m_folderWidth->settle();
-}
-
-/// On a screen that is too low for the panels above each other they lie behind each other.
-void KelvaClientMain::stackPanels()
-{
-    const QScreen *own = windowHandle() ? windowHandle()->screen() : QGuiApplication::primaryScreen();
-    if (minimumSizeHint().height() <= own->availableGeometry().height())
-        return;
-    QDockWidget *first = nullptr;
-    for (QDockWidget *dock : {m_dockFolder, m_dockStatus, m_dockSearch}) {
-        if (dock->isFloating() || dock->isHidden())
-            continue;
-        if (first)
-            tabifyDockWidget(first, dock);
-        else
-            first = dock;
-    }
-    if (first)
-        first->raise();
-}
-
-void KelvaClientMain::noteLayout()
-{
-    // Offline the filter dock is hidden by force; that is not how the user left it.
-    if (m_session.offline)
-        m_dockSearch->setVisible(m_searchDockShown);
-    m_layout = saveState();
-    if (m_session.offline)
-        m_dockSearch->hide();
-    if (m_dockStatus->isVisible() && !m_dockStatus->isFloating())
-        DockFolderWidth = m_twStatus->width();
-}
-
 void KelvaClientMain::saveScreenSettings()
 {
     if (!initialized)
         return;
     QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
-    // A window that was closed has taken its floating panels with it, and would bring them back hidden.
-    if (isVisible() || m_layout.isEmpty())
-        noteLayout();
-    settings.setValue("DockSettings", m_layout);
-    settings.setValue("isMaximized", isMaximized());
-    settings.setValue("DockGeometry", saveGeometry());
+    m_layout->save(settings);
     settings.setValue("InfoViewAutoResize", m_infoView->getAutoResize());
     settings.setValue("HideEmptyFolders", false);
     settings.setValue("PrivateDocs", action_docView->isChecked());
     settings.setValue("DOCLASSIFYSEARCHFULLTEXT", actionErweitererte_Volltextsuche->isChecked());
     settings.setValue("DOCCLASSIFYMAXCOUNT", statusBarExt->getMaxSearchBox()->value());
-    if (isPlausibleDockWidth(DockFolderWidth))
-        settings.setValue("DockFolderWidth", DockFolderWidth);
     settings.setValue("DOCSHOWUNREAD", statusBarExt->getShowUnReadCheckBox()->isChecked());
     if (!m_session.offline)
         settings.setValue("DOCSENABLETIMELINE", statusBarExt->getTimeLineCheckBox()->isChecked());
@@ -398,7 +323,7 @@ void KelvaClientMain::saveWorkbench()
     }
     QSaveFile file(name);              // the old file stays whole until the new one is
     file.setDirectWriteFallback(true); // where nothing but the file itself may be written
-    const QByteArray state = saveState(0);
+    const QByteArray state = m_layout->state();
     if (!file.open(QIODevice::WriteOnly) || file.write(state) != state.size() || !file.commit())
         plainbox::critical(this, tr("Error"), tr("Cannot write to file: ") + name);
 }
@@ -419,9 +344,7 @@ void KelvaClientMain::loadWorkbench()
         plainbox::critical(this, tr("Error"), tr("Cannot read from file: ") + name);
         return;
     }
-    restoreLayout(state);
-    if (m_session.offline)
-        m_dockSearch->hide();
+    m_layout->restore(state);
 }
 
 void KelvaClientMain::resetSettings()

@@ -214,7 +214,7 @@ bool KelvaClientMain::loadRows()
             opened << action.section(recordformat::fieldSeparator, 0, 0);
     }
     if (!docs.isEmpty()) {
-        const bool known = knowsAttributes(docs.first());
+        const bool known = sameAttributes(docs.first(), m_searchColumns);
         m_editors->setAttributesDetached(!known);
         m_infoView->setAttributesReadOnly(!known);
     }
@@ -244,11 +244,6 @@ void KelvaClientMain::updateFolderColumn()
 {
     m_infoView->setCellFaces(
         [this](int column, const QString &key) { return m_editors->display(column, key); });
-}
-
-bool KelvaClientMain::knowsAttributes(const QString &header) const
-{
-    return sameAttributes(header, m_searchColumns);
 }
 
 void KelvaClientMain::restoreSelection(const QStringList &ids, const QString &currentId, int currentColumn)
