@@ -9,6 +9,7 @@
 #include "documents/kelvatrashbutton.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
+#include "documents/searchcell.h"
 #include "extensions/qttoolbarmanager.h"
 #include "folders/columneditors.h"
 #include "folders/kelvadoctree.h"
@@ -76,14 +77,7 @@ KelvaClientMain::KelvaClientMain(QWidget *parent)
 
 void KelvaClientMain::setupPanels()
 {
-    m_SearchString->resize(200, 40);
-    m_SearchString->setColumnCount(1);
-    m_SearchString->setRowCount(1);
-    m_SearchString->setItem(0, 0, new QTableWidgetItem);
-    m_SearchString->setRowHeight(0, 22);
-    m_SearchString->horizontalHeader()->setStretchLastSection(true);
-    m_SearchString->horizontalHeader()->hide();
-    m_SearchString->verticalHeader()->hide();
+    m_searchCell = new SearchCell(m_SearchString);
 
     m_tWOrdner->setSaveState(true, "kelvaMainFolderView");
     setDockNestingEnabled(true);

@@ -28,6 +28,7 @@ class QTimer;
 class QToolBar;
 class QtToolBarManager;
 class RefreshGate;
+class SearchCell;
 class WindowLayout;
 class kelvaArchiveClientInterface;
 class kelvastatusbarext;
@@ -103,7 +104,6 @@ public slots:
     void searchComboChanged(int index, bool focus);
     void searchComboChanged(int index);
     void searchTextChanged();
-    void searchEnteredText();
     void doCheckSearch();
 
     // folders/kelvaclientmain_folders.cpp
@@ -216,10 +216,6 @@ private:
     /// Sets up the full-text options; false, with a box, when fewer than three characters were typed.
     bool takeFullText(const QString &words, int typed);
     void showSearch();
-    void enableSearchCell(bool enable);
-    void replaceSearchCell(KelvaDelegate *delegate);
-    KelvaDelegate *searchDelegate(const QString &column) const;
-    void presetChoice(QTableWidgetItem *cell, const KelvaDelegate *delegate);
 
     // folders/kelvaclientmain_folders.cpp
     bool initFolders();
@@ -273,8 +269,8 @@ private:
     bool m_reloading = false;             ///< updateAll() is at work and lets events run
     bool m_changedWhileReloading = false; ///< somebody changed the vocabulary meanwhile
     bool m_connectionLost = false;
-    RefreshGate *m_gate;        ///< a child of the window
-    bool m_searchWaits = false; ///< what was entered into the search cell is searched for in a moment
+    RefreshGate *m_gate;                ///< a child of the window
+    SearchCell *m_searchCell = nullptr; ///< a child of its table
     int selectTimerId = -1;
 
     // Vocabulary

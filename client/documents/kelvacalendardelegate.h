@@ -12,6 +12,7 @@ public:
     /// away.
     KelvaCalendarDelegate(QWidget *parent, bool minToday, bool extended, bool withNull);
 
+    FieldKind kind() const override { return FieldKind::Date; }
     KelvaDelegate *clone(QWidget *parent) const override;
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;

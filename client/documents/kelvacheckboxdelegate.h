@@ -11,6 +11,7 @@ public:
     /// The bool is reserved.
     KelvaCheckBoxDelegate(bool reserved, QObject *parent);
 
+    FieldKind kind() const override { return FieldKind::CheckBox; }
     KelvaDelegate *clone(QWidget *parent) const override;
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;

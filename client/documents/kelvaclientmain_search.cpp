@@ -1,25 +1,17 @@
 #include "app/kelvaclientmain.h"
 
-#include "documents/itemroles.h"
-#include "documents/kelvacalendardelegate.h"
-#include "documents/kelvacheckboxdelegate.h"
-#include "documents/kelvacombodelegate.h"
-#include "documents/kelvalinedelegate.h"
-#include "documents/kelvasimplecombodelegate.h"
+#include "documents/kelvadelegate.h"
 #include "documents/onelinesearch.h"
+#include "documents/searchcell.h"
 #include "documents/searchtexts.h"
-#include "folders/kelvaviewdelegate.h"
 #include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/plainbox.h"
-#include "server/recordformat.h"
 #include "server/waitcursor.h"
 
 #include <QLocale>
 #include <QSignalBlocker>
-
-#include <utility>
 
 namespace {
 
@@ -29,15 +21,20 @@ const char groupBoxSheet[] =
     "5px;margin-top: "
     "1ex;}";
 
-OneLineSearch::Editor editorOf(const QAbstractItemDelegate *delegate)
+OneLineSearch::Editor editorOf(FieldKind kind)
 {
-    if (const auto *line = qobject_cast<const KelvaLineDelegate *>(delegate))
-        return line->getIsNumeric() ? OneLineSearch::Editor::NumericLine : OneLineSearch::Editor::Line;
-    if (qobject_cast<const KelvaCheckBoxDelegate *>(delegate))
+    switch (kind) {
+    case FieldKind::Number:
+        return OneLineSearch::Editor::NumericLine;
+    case FieldKind::Text:
+        return OneLineSearch::Editor::Line;
+    case FieldKind::CheckBox:
         return OneLineSearch::Editor::CheckBox;
-    if (qobject_cast<const KelvaCalendarDelegate *>(delegate))
+    case FieldKind::Date:
         return OneLineSearch::Editor::Calendar;
-    return OneLineSearch::Editor::Other;
+    default:
+        return OneLineSearch::Editor::Other;
+    }
 }
 
 } // namespace
@@ -51,111 +48,37 @@ void KelvaClientMain::searchComboChanged(int index, bool focus)
 {
     const QString column = m_SearchCombo->itemData(index).toString();
     if (column == searchtext::extendedSearchKey) {
-        replaceSearchCell(nullptr);
-        enableSearchCell(false);
-        if (!focus)
-            return;
-        searchAnew(false);
+        m_searchCell->takeLike(nullptr);
+        m_searchCell->setEnabled(false);
+        if (focus)
+            searchAnew(false);
         return;
     }
     // A text is kept only from one line editor to the next: it means nothing to a list of choices.
-    const bool wasLine = qobject_cast<KelvaLineDelegate *>(m_SearchString->itemDelegateForColumn(0));
-    const QString text = wasLine ? m_SearchString->item(0, 0)->text() : QString();
-    enableSearchCell(true);
-    KelvaDelegate *delegate = searchDelegate(column);
-    replaceSearchCell(delegate);
-    QTableWidgetItem *cell = m_SearchString->item(0, 0);
-    {
-        const QSignalBlocker blocker(m_SearchString);
-        if (qobject_cast<KelvaLineDelegate *>(delegate))
-            cell->setText(text);
-        else
-            presetChoice(cell, delegate);
-    }
+    const QString text = m_searchCell->isTyped() ? m_searchCell->text() : QString();
+    m_searchCell->setEnabled(true);
+    if (column == searchtext::fullText())
+        m_searchCell->takeWords();
+    else
+        m_searchCell->takeLike(getDelegateForColumn(getColumnIndex(column)));
+    if (m_searchCell->isTyped())
+        m_searchCell->setText(text);
     const bool active = m_bClearSuchen->isEnabled();
-    const bool putBack = !text.isEmpty() && cell->text() == text;
-    if (active ? cell->text().isEmpty() : !putBack) {
+    const bool putBack = !text.isEmpty() && m_searchCell->text() == text;
+    if (active ? m_searchCell->text().isEmpty() : !putBack)
         doClearSearch(true);
-    } else {
+    else
         searchAnew(false);
-    }
     if (!focus)
         return;
     m_SearchString->setFocus(Qt::OtherFocusReason);
-    if (qobject_cast<KelvaCalendarDelegate *>(delegate) || qobject_cast<KelvaViewDelegate *>(delegate))
-        m_SearchString->editItem(cell);
-}
-
-void KelvaClientMain::enableSearchCell(bool enable)
-{
-    if (!enable)
-        m_SearchString->setCurrentCell(-1, -1); // nothing is chosen in what cannot be used
-    m_SearchString->setEnabled(enable);
-}
-
-/// An empty cell with this delegate, or with none.
-void KelvaClientMain::replaceSearchCell(KelvaDelegate *delegate)
-{
-    const QSignalBlocker blocker(m_SearchString);
-    m_SearchString->closePersistentEditor(m_SearchString->item(0, 0));
-    m_SearchString->setItem(0, 0, new QTableWidgetItem);
-    // Before the old one dies: the table would keep an entry without a delegate and paint with it.
-    QAbstractItemDelegate *old = m_SearchString->itemDelegateForColumn(0);
-    m_SearchString->setItemDelegateForColumn(0, delegate);
-    if (old)
-        old->deleteLater();
-}
-
-/// A list of choices stands open in the search cell, on its first entry.
-void KelvaClientMain::presetChoice(QTableWidgetItem *cell, const KelvaDelegate *delegate)
-{
-    if (const auto *combo = qobject_cast<const KelvaComboDelegate *>(delegate)) {
-        if (combo->getValues().isEmpty())
-            return;
-        const QString key = combo->getValues().first().section(recordformat::fieldSeparator, 0, 0);
-        cell->setText(combo->getData(key));
-        cell->setData(itemrole::rawValue, key);
-    } else if (!qobject_cast<const KelvaSimpleComboDelegate *>(delegate)) {
-        return;
-    }
-    m_SearchString->openPersistentEditor(cell);
-    // The first entry stands there already: choosing it changes nothing in the cell.
-    const QModelIndex place = m_SearchString->model()->index(0, 0);
-    connect(m_SearchString->indexWidget(place), SIGNAL(activated(int)), this, SLOT(searchTextChanged()));
-}
-
-/// A delegate for the search cell: words for the full text, otherwise a clone of the column's, or null.
-KelvaDelegate *KelvaClientMain::searchDelegate(const QString &column) const
-{
-    KelvaDelegate *delegate = nullptr;
-    if (column == searchtext::fullText())
-        delegate = new KelvaLineDelegate({}, m_SearchString, 254, false);
-    else if (const KelvaDelegate *source = getDelegateForColumn(getColumnIndex(column)))
-        delegate = source->clone(m_SearchString);
-    // In the search bar the list opens when the user wants it to.
-    if (auto *combo = qobject_cast<KelvaComboDelegate *>(delegate))
-        combo->setShowPopup(false);
-    if (auto *combo = qobject_cast<KelvaSimpleComboDelegate *>(delegate))
-        combo->setShowPopup(false);
-    if (delegate)
-        delegate->setDelegateColumn(0);
-    return delegate;
+    if (m_searchCell->kind() == FieldKind::Date || m_searchCell->kind() == FieldKind::Folder)
+        m_searchCell->edit();
 }
 
 void KelvaClientMain::searchTextChanged()
 {
-    // The cell's editor is still at work: a search may replace cell and editor.
-    if (std::exchange(m_searchWaits, true))
-        return;
-    QMetaObject::invokeMethod(this, "searchEnteredText", Qt::QueuedConnection);
-}
-
-void KelvaClientMain::searchEnteredText()
-{
-    m_searchWaits = false;
-    const QTableWidgetItem *cell = m_SearchString->item(0, 0);
-    if (cell && !cell->text().isEmpty())
-        doSearch(false);
+    doSearch(false);
 }
 
 void KelvaClientMain::doCheckSearch()
@@ -195,17 +118,7 @@ bool KelvaClientMain::runSearch(bool special)
     const QString column = m_SearchCombo->currentData().toString();
     if (column == searchtext::extendedSearchKey)
         return searchExtended(special);
-    const QTableWidgetItem *cell = m_SearchString->item(0, 0);
-    QString value = cell ? cell->data(itemrole::rawValue).toString() : QString();
-    if (value.isEmpty() && cell)
-        value = cell->text();
-    const auto *choices = qobject_cast<KelvaComboDelegate *>(m_SearchString->itemDelegateForColumn(0));
-    if (choices && cell && cell->data(itemrole::rawValue).toString().isEmpty()) {
-        // A name that was typed instead of chosen.
-        const QString key = choices->getValue(value);
-        if (key != searchtext::notAssigned())
-            value = key;
-    }
+    const QString value = m_searchCell->value();
     if (column == searchtext::fullText()) {
         if (!takeFullText(value, value.size()))
             return false;
@@ -215,7 +128,7 @@ bool KelvaClientMain::runSearch(bool special)
     OneLineSearch search;
     search.column = column;
     search.value = value;
-    search.editor = editorOf(m_SearchString->itemDelegateForColumn(0));
+    search.editor = editorOf(m_searchCell->kind());
     search.offline = m_session.offline;
     search.decimalPoint = QLocale().decimalPoint();
     m_query.searchWhere = oneLineClause(search);
@@ -233,7 +146,7 @@ bool KelvaClientMain::searchExtended(bool special)
         doClearSearch(true);
         return true;
     }
-    enableSearchCell(false);
+    m_searchCell->setEnabled(false);
     const QString where = m_extSearch->getFilter();
     const QString words = m_extSearch->getFullText();
     if (words.isEmpty()) {
@@ -278,7 +191,7 @@ void KelvaClientMain::doClearSearch(bool update)
     m_treeSearch->clearSelection();
     m_treeSearch->clearActive();
     m_SearchString->setStyleSheet(QString());
-    enableSearchCell(m_SearchCombo->currentData() != searchtext::extendedSearchKey);
+    m_searchCell->setEnabled(m_SearchCombo->currentData() != searchtext::extendedSearchKey);
     if (update)
         selChanged();
 }

@@ -18,6 +18,7 @@ public:
     KelvaComboDelegate(QStringList values, QList<QByteArray> pics, QObject *parent, bool reserved,
                        QIcon defaultIcon, bool commitOnActivate, bool closeOnChange);
 
+    FieldKind kind() const override { return FieldKind::Choice; }
     KelvaDelegate *clone(QWidget *parent) const override;
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;
@@ -37,7 +38,7 @@ public:
     QIcon getIcon(const QString &key) const;
 
     /// Whether the list opens by itself with the editor.
-    void setShowPopup(bool show) { m_showPopup = show; }
+    void setShowPopup(bool show) override { m_showPopup = show; }
 
 private:
     const QStringList m_values;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "documents/fieldkind.h"
+
 #include <QStyledItemDelegate>
 
 /// Base of all cell delegates. They are made for a column of the document table, and clones of them serve the
@@ -11,6 +13,9 @@ class KelvaDelegate : public QStyledItemDelegate
 public:
     explicit KelvaDelegate(QObject *parent = nullptr) : QStyledItemDelegate(parent) {}
 
+    virtual FieldKind kind() const { return FieldKind::Plain; }
+    /// Whether a list of choices opens by itself with the editor.
+    virtual void setShowPopup(bool) {}
     /// The one column this delegate edits; -1, the default, means any.
     void setDelegateColumn(int column) { delegateColumn = column; }
     /// A new delegate of the same kind and configuration, a child of parent.

@@ -17,6 +17,7 @@ public:
 
     KelvaLineDelegate(const QStringList &completions, QObject *parent, int maxLength, bool numeric);
 
+    FieldKind kind() const override { return m_numeric ? FieldKind::Number : FieldKind::Text; }
     KelvaDelegate *clone(QWidget *parent) const override;
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;

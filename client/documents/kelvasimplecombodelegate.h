@@ -14,6 +14,7 @@ public:
     KelvaSimpleComboDelegate(QStringList values, QObject *parent, bool commitOnActivate, bool closeOnChange,
                              bool sorted, bool showPopup);
 
+    FieldKind kind() const override { return FieldKind::Values; }
     KelvaDelegate *clone(QWidget *parent) const override;
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;
@@ -21,7 +22,7 @@ public:
     void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
 
     /// Whether the list opens by itself with the editor.
-    void setShowPopup(bool show) { m_showPopup = show; }
+    void setShowPopup(bool show) override { m_showPopup = show; }
 
 private:
     const QStringList m_values;

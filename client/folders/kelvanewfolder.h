@@ -4,7 +4,8 @@
 
 #include <QDialog>
 
-/// Asks for name, key and keywords of a new folder, and for a name in any case. Whoever shows it reads its fields.
+/// Asks for name, key and keywords of a new folder, and for a name in any case. Whoever shows it reads its
+/// fields.
 class KelvaNewFolder final : public QDialog, public Ui_KelvaNewFolder
 {
     Q_OBJECT

@@ -14,6 +14,7 @@ class KelvaViewDelegate final : public KelvaDelegate
 public:
     KelvaViewDelegate(KelvaDocTree *tree, QWidget *parent);
 
+    FieldKind kind() const override { return FieldKind::Folder; }
     KelvaDelegate *clone(QWidget *parent) const override;
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;

@@ -1,8 +1,8 @@
 #include "app/kelvaclientmain.h"
 
 #include "documents/itemroles.h"
-#include "documents/kelvacombodelegate.h"
-#include "documents/kelvalinedelegate.h"
+#include "documents/kelvadelegate.h"
+#include "documents/searchcell.h"
 #include "documents/searchtexts.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvaviewdelegate.h"
@@ -48,7 +48,7 @@ void KelvaClientMain::loadFilters()
     disconnect(m_extSearch, SIGNAL(filterUpdated()), m_treeSearch, SLOT(updateExpanded()));
     disconnect(m_treeSearch, SIGNAL(doubleClicked(QModelIndex)), this, SLOT(filterActivated(QModelIndex)));
     disconnect(m_SearchCombo, SIGNAL(activated(int)), this, SLOT(searchComboChanged(int)));
-    disconnect(m_SearchString, SIGNAL(itemChanged(QTableWidgetItem *)), this, SLOT(searchTextChanged()));
+    disconnect(m_searchCell, SIGNAL(entered()), this, SLOT(searchTextChanged()));
     {
         const QSignalBlocker comboBlocker(m_SearchCombo);
         const QSignalBlocker cellBlocker(m_SearchString);
@@ -62,7 +62,7 @@ void KelvaClientMain::loadFilters()
         m_treeSearch->modelIsResetted(); // before its items go
         m_extSearch->setClassifyClient(classifyClient);
         m_extSearch->setFilters(columns);
-        replaceSearchCell(new KelvaLineDelegate({}, m_SearchString, 254, false));
+        m_searchCell->takeWords();
         doClearSearch(false);
         m_treeSearch->setHeaderHidden(true);
         m_treeSearch->setModel(m_extSearch->filterModel());
@@ -72,8 +72,7 @@ void KelvaClientMain::loadFilters()
     connect(m_extSearch, SIGNAL(filterUpdated()), m_treeSearch, SLOT(updateExpanded()));
     connect(m_treeSearch, SIGNAL(doubleClicked(QModelIndex)), this, SLOT(filterActivated(QModelIndex)));
     connect(m_SearchCombo, SIGNAL(activated(int)), this, SLOT(searchComboChanged(int)), Qt::DirectConnection);
-    connect(m_SearchString, SIGNAL(itemChanged(QTableWidgetItem *)), this, SLOT(searchTextChanged()),
-            Qt::DirectConnection);
+    connect(m_searchCell, SIGNAL(entered()), this, SLOT(searchTextChanged()), Qt::DirectConnection);
 }
 
 /// Also keeps the keys, in the order of the table's columns; only what the combo shows is sorted.
@@ -98,12 +97,11 @@ void KelvaClientMain::filterActivated(const QModelIndex &index)
     if (!item)
         return;
     if (FilterModel::isGroup(item)) {
-        const QSignalBlocker blocker(m_SearchString);
-        m_SearchString->setItem(0, 0, new QTableWidgetItem);
+        m_searchCell->clear();
         doClearSearch(true);
         return;
     }
-    replaceSearchCell(nullptr);
+    m_searchCell->takeLike(nullptr);
     m_treeSearch->setActive(item);
     m_extSearch->selectEntry(item->data(itemrole::storedId).toString()); // its name may be there twice
     m_extSearch->reloadSearch(item->text());
@@ -113,7 +111,7 @@ void KelvaClientMain::filterActivated(const QModelIndex &index)
 
 void KelvaClientMain::doEditFilters()
 {
-    replaceSearchCell(nullptr);
+    m_searchCell->takeLike(nullptr);
     m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(searchtext::extendedSearchKey));
     doSearch(false);
 }

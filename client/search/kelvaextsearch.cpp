@@ -112,10 +112,9 @@ SearchRow KelvaExtSearch::searchRow(int row) const
     criteria.valueText = cellText(row, criteriacolumn::value);
     criteria.storedValue = cell(row, criteriacolumn::value)->data(itemrole::rawValue).toString();
     const KelvaDelegate *delegate = valueDelegate(row);
-    if (qobject_cast<const KelvaCheckBoxDelegate *>(delegate))
+    if (delegate && delegate->kind() == FieldKind::CheckBox)
         criteria.kind = SearchRow::Value::CheckBox;
-    else if (const auto *line = qobject_cast<const KelvaLineDelegate *>(delegate);
-             line && line->getIsNumeric())
+    else if (delegate && delegate->kind() == FieldKind::Number)
         criteria.kind = SearchRow::Value::Number;
     return criteria;
 }

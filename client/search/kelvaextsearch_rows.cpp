@@ -45,10 +45,16 @@ void copyValue(const QTableWidgetItem *from, QTableWidgetItem *to)
         to->setData(role, from->data(role));
 }
 
+FieldKind kindOf(const KelvaDelegate *delegate)
+{
+    return delegate ? delegate->kind() : FieldKind::Plain;
+}
+
 /// What is typed into it: a line, or the words of the full text.
 bool isTyped(const QString &field, const KelvaDelegate *delegate)
 {
-    return field == searchtext::fullText() || qobject_cast<const KelvaLineDelegate *>(delegate);
+    const FieldKind kind = kindOf(delegate);
+    return field == searchtext::fullText() || kind == FieldKind::Text || kind == FieldKind::Number;
 }
 
 } // namespace
@@ -141,9 +147,8 @@ void KelvaExtSearch::criterionChanged(QTableWidgetItem *item)
 /// Editors that write the text alone leave a stored value behind, which would go before it.
 void KelvaExtSearch::valueChanged(QTableWidgetItem *item)
 {
-    const KelvaDelegate *delegate = valueDelegate(item->row());
-    if (qobject_cast<const KelvaComboDelegate *>(delegate) ||
-        qobject_cast<const KelvaViewDelegate *>(delegate))
+    const FieldKind kind = kindOf(valueDelegate(item->row()));
+    if (kind == FieldKind::Choice || kind == FieldKind::Folder)
         return;
     const QSignalBlocker blocker(m_ui->m_extSearchTable);
     item->setData(itemrole::rawValue, QVariant());
@@ -233,7 +238,7 @@ void KelvaExtSearch::filterChanged(int row)
     offerOperators(row, source);
     if (auto *button =
             qobject_cast<QToolButton *>(m_ui->m_extSearchTable->cellWidget(row, criteriacolumn::several)))
-        button->defaultAction()->setEnabled(searchoperators::allowsSeveralValues(source));
+        button->defaultAction()->setEnabled(searchoperators::allowsSeveralValues(kindOf(source)));
 }
 
 void KelvaExtSearch::replaceValueDelegate(int row, const KelvaDelegate *source)
@@ -258,7 +263,7 @@ void KelvaExtSearch::offerOperators(int row, const KelvaDelegate *source)
         m_ui->m_extSearchTable->setItem(row, criteriacolumn::op, flaglessItem(searchtext::searchFor()));
         return;
     }
-    const QStringList operators = searchoperators::rows(searchoperators::listFor(source), m_offline);
+    const QStringList operators = searchoperators::rows(searchoperators::listFor(kindOf(source)), m_offline);
     auto *delegate = new KelvaComboDelegate(operators, {}, m_cells, false, QIcon(), true, false);
     delegate->setShowPopup(false);
     m_cells->addDelegate(row, criteriacolumn::op, delegate);

@@ -1,12 +1,6 @@
 #include "search/searchoperators.h"
 
-#include "documents/kelvacalendardelegate.h"
-#include "documents/kelvacheckboxdelegate.h"
-#include "documents/kelvacombodelegate.h"
-#include "documents/kelvalinedelegate.h"
-#include "documents/kelvasimplecombodelegate.h"
 #include "documents/searchtexts.h"
-#include "folders/kelvaviewdelegate.h"
 #include "server/recordformat.h"
 
 #include <QCoreApplication>
@@ -54,26 +48,25 @@ QString operatorOf(const QString &displayText, bool offline)
     return searchtext::notAssigned();
 }
 
-List listFor(const QAbstractItemDelegate *delegate)
+List listFor(FieldKind kind)
 {
-    if (qobject_cast<const KelvaComboDelegate *>(delegate))
+    switch (kind) {
+    case FieldKind::Choice:
         return List::Choice;
-    if (qobject_cast<const KelvaViewDelegate *>(delegate))
+    case FieldKind::Folder:
         return List::Folder;
-    if (qobject_cast<const KelvaCheckBoxDelegate *>(delegate))
+    case FieldKind::CheckBox:
         return List::Flag;
-    if (const auto *line = qobject_cast<const KelvaLineDelegate *>(delegate))
-        return line->getIsNumeric() ? List::All : List::Text;
-    return List::All;
+    case FieldKind::Text:
+        return List::Text;
+    default:
+        return List::All;
+    }
 }
 
-bool allowsSeveralValues(const QAbstractItemDelegate *delegate)
+bool allowsSeveralValues(FieldKind kind)
 {
-    return qobject_cast<const KelvaComboDelegate *>(delegate) ||
-           qobject_cast<const KelvaSimpleComboDelegate *>(delegate) ||
-           qobject_cast<const KelvaLineDelegate *>(delegate) ||
-           qobject_cast<const KelvaViewDelegate *>(delegate) ||
-           qobject_cast<const KelvaCalendarDelegate *>(delegate);
+    return kind != FieldKind::CheckBox && kind != FieldKind::Plain;
 }
 
 } // namespace searchoperators

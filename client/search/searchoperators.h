@@ -1,9 +1,9 @@
 #pragma once
 
+#include "documents/fieldkind.h"
+
 #include <QString>
 #include <QStringList>
-
-class QAbstractItemDelegate;
 
 /// The comparisons of the extended search. Which of them a field offers depends on what edits its values.
 namespace searchoperators {
@@ -16,9 +16,9 @@ QStringList rows(List list, bool offline);
 /// Operator of a display text; searchtext::notAssigned() when there is none.
 QString operatorOf(const QString &displayText, bool offline);
 
-/// What a field with this value delegate offers; null for a field without one.
-List listFor(const QAbstractItemDelegate *delegate);
+/// What a field of this kind offers; Plain for one that nothing edits.
+List listFor(FieldKind kind);
 /// Whether several values can be chosen for the field.
-bool allowsSeveralValues(const QAbstractItemDelegate *delegate);
+bool allowsSeveralValues(FieldKind kind);
 
 } // namespace searchoperators
