@@ -55,6 +55,20 @@ QObject *loadPlugin(const QString &fileName)
     return loader.instance();
 }
 
+/// Copies that were opened in an earlier session and changed there are the user's now.
+void sayChangedDocuments(QWidget *window)
+{
+    QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
+    const QStringList changed = openeddocuments::clearUp(settings, QDateTime::currentDateTime());
+    if (!changed.isEmpty())
+        plainbox::information(
+            window, KelvaClientMain::tr("Information"),
+            KelvaClientMain::tr(
+                "Copies of documents that you opened were changed. They are kept here, and not in "
+                "the archive:") +
+                '\n' + changed.join('\n'));
+}
+
 } // namespace
 
 KelvaClientMain::KelvaClientMain(QWidget *parent)
@@ -165,21 +179,8 @@ bool KelvaClientMain::init()
         return false;
     }
     show();
-    sayChangedDocuments();
+    sayChangedDocuments(this);
     return true;
-}
-
-/// Copies that were opened in an earlier session and changed there are the user's now.
-void KelvaClientMain::sayChangedDocuments()
-{
-    QSettings settings("Norbant GmbH", QCoreApplication::applicationName());
-    const QStringList changed = openeddocuments::clearUp(settings, QDateTime::currentDateTime());
-    if (!changed.isEmpty())
-        plainbox::information(
-            this, tr("Information"),
-            tr("Copies of documents that you opened were changed. They are kept here, and not in "
-               "the archive:") +
-                '\n' + changed.join('\n'));
 }
 
 void KelvaClientMain::show()

@@ -9,7 +9,6 @@
 #include <QMainWindow>
 #include <QMap>
 #include <QMutex>
-#include <QPersistentModelIndex>
 
 #include <memory>
 
@@ -135,7 +134,6 @@ private:
     void initProxy();
     bool loadClassificationPlugin();
     bool loadArchivePlugin();
-    void sayChangedDocuments();
 
     // app/kelvaclientmain_login.cpp
     bool doLogin();
@@ -144,11 +142,9 @@ private:
     bool reloadWorkplace(bool updateDocs);
     bool takeProfile();
     bool enterOfflineArchive();
-    bool isArchiveKnown();
     bool doLoginWithoutDialog();
     bool connectToClassification();
     bool reportFailedConnection();
-    void offerManager(const QString &text);
     void keepPassword(const QString &oldPassword, const QString &newPassword);
     bool changeExpiredPass(const QString &host, const QString &user, int port);
     void setLoginText(const QString &text);
@@ -161,7 +157,6 @@ private:
     void applyOfflineMode();
     void fillContextMenus();
     void connectActions();
-    void setShortcuts();
     void registerToolBars();
     void loadScreenSettings();
     void saveScreenSettings();
@@ -182,8 +177,8 @@ private:
     void showDocView();
 
     // documents/kelvaclientmain_export.cpp
-    /// Exports the selected documents to a directory, or opens them. index: 0 to view, 1 to export, -1 for
-    /// what fits. Returns the files that are there now.
+    /// Exports the selected documents, or opens them; index is the mode. Returns the files that are there
+    /// now.
     QStringList doExportDocument(const QString &path, bool open, int index);
 
     // documents/kelvaclientmain_edit.cpp
@@ -192,7 +187,7 @@ private:
     RecordEditor recordEditor() const;
     /// The cycle of every edit, with the warning of a conflict.
     RecordEditor::Result editDocument(const QString &docId, const RecordEditor::Change &change);
-    /// The same with a box for each failure and, with update, a refresh at the end.
+    /// With a box for each failure and, with update, a refresh at the end.
     bool editDocument(const QString &docId, const RecordEditor::Change &change, const QString &readFailure,
                       const QString &saveFailure, bool update);
     bool checkIfChanged(const QString &version, const QString &docId);
@@ -213,15 +208,13 @@ private:
     bool runSearch(bool special);
     bool searchExtended(bool special);
     void searchAnew(bool special);
-    /// Sets up the full-text options; false, with a box, when fewer than three characters were typed.
+    /// False, with a box, when fewer than three characters were typed.
     bool takeFullText(const QString &words, int typed);
     void showSearch();
 
     // folders/kelvaclientmain_folders.cpp
     bool initFolders();
     void showFolderTree(const WorkbenchData &workbench);
-    void enterSubArchive(const QString &archive);
-    void fillSubArchives(const QStringList &names);
     void fillMoveMenu();
     QString getArchiveString() const;
     KelvaDelegate *getDelegateForColumn(int column) const;
@@ -232,7 +225,6 @@ private:
     void initExtendedSearch();
     void initStatus();
     void loadFilters();
-    void fillSearchCombo(const QStringList &columns);
 
     ClassifyInterface *classifyClient = nullptr;
     kelvaArchiveClientInterface *archiveInterface = nullptr; ///< a factory
@@ -252,7 +244,6 @@ private:
     bool uiReady = false;
     bool reloadPending = false;
 
-    // Settings and bars
     QToolBar *m_settingsBar = nullptr;
     QAction *m_contextLink = nullptr;
     bool useHttpLinks = false;
@@ -260,7 +251,6 @@ private:
     QLabel *m_selectedCount = nullptr;
     std::unique_ptr<WindowLayout> m_layout;
 
-    // Query
     DocumentQuery m_query; ///< but for what the status bar and the status list hold
     QMap<QString, QString> m_retentionByDocType;
     QStringList m_columnNames; ///< field keys in the order of the table's columns
@@ -273,7 +263,6 @@ private:
     SearchCell *m_searchCell = nullptr; ///< a child of its table
     int selectTimerId = -1;
 
-    // Vocabulary
     QStringList m_searchColumns;
     std::unique_ptr<ColumnEditors> m_editors;
 };

@@ -46,6 +46,24 @@ protected:
     void closeEvent(QCloseEvent *event) override { event->ignore(); }
 };
 
+/// Whether the archive has the sub-archive that the profile names.
+bool isKnown(ClassifyInterface &service, const kelvaProfileData &profile)
+{
+    QStringList archives;
+    service.getArchiveList(archives);
+    return ArchiveEntry::isKnown(ArchiveEntry::parse(profile.archiveEntry).key, archives);
+}
+
+/// User and password are the profile's, which only the Connection Manager can change.
+void offerManager(QWidget *window, const QString &text)
+{
+    const QString hint =
+        KelvaClientMain::tr("User and password are kept in the Connection Manager. Open it now?");
+    if (plainbox::failureWithOffer(window, KelvaClientMain::tr("Error"), text, hint,
+                                   KelvaClientMain::tr("Open Connection Manager")))
+        QProcess::startDetached(QCoreApplication::applicationDirPath() + "/kelvamanager", {});
+}
+
 } // namespace
 
 bool KelvaClientMain::doLogin()
@@ -67,7 +85,7 @@ bool KelvaClientMain::doLogin()
     QCoreApplication::processEvents();
 
     const bool connected = connectToClassification() && !m_connectionLost;
-    const bool archiveKnown = connected && (m_session.offline || isArchiveKnown());
+    const bool archiveKnown = connected && (m_session.offline || isKnown(*classifyClient, m_session.profile));
     if (!archiveKnown)
         loginSplash->hide();
     if (!connected) {
@@ -143,13 +161,6 @@ bool KelvaClientMain::takeProfile()
     return true;
 }
 
-bool KelvaClientMain::isArchiveKnown()
-{
-    QStringList archives;
-    classifyClient->getArchiveList(archives);
-    return ArchiveEntry::isKnown(ArchiveEntry::parse(m_session.profile.archiveEntry).key, archives);
-}
-
 bool KelvaClientMain::doLoginWithoutDialog()
 {
     return connectToClassification();
@@ -211,19 +222,11 @@ bool KelvaClientMain::reportFailedConnection()
     }
     const QString text = tr("The connection to the server could not be established: ") + message;
     if (message == wrongPassword)
-        offerManager(text);
+        offerManager(this, text);
     else
         plainbox::critical(this, tr("Error"), text);
     classifyClient->disconnectClient();
     return false;
-}
-
-/// User and password are the profile's, which only the Connection Manager can change.
-void KelvaClientMain::offerManager(const QString &text)
-{
-    const QString hint = tr("User and password are kept in the Connection Manager. Open it now?");
-    if (plainbox::failureWithOffer(this, tr("Error"), text, hint, tr("Open Connection Manager")))
-        QProcess::startDetached(QCoreApplication::applicationDirPath() + "/kelvamanager", {});
 }
 
 bool KelvaClientMain::changeExpiredPass(const QString &host, const QString &user, int port)

@@ -53,6 +53,27 @@ void showShortcuts(const QToolBar &bar, const QAction *without)
     }
 }
 
+void setShortcuts(const Ui_KelvaClientMain &ui)
+{
+    ui.action_Neuladen->setShortcut(QKeySequence(KelvaClientMain::tr("F5")));
+    ui.action_Beenden->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+q")));
+    ui.action_Archivieren->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+a")));
+    ui.action_Anzeigen->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+s")));
+    ui.action_Print->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+p")));
+    ui.action_moveToFolder->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+Alt+o")));
+    ui.action_Exportieren->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+e")));
+    ui.action_Versenden->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+m")));
+    ui.action_Link_Clip->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+Alt+l")));
+    ui.action_Link_Email->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+Alt+m")));
+    ui.action_Zurueckstellen->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+z")));
+    ui.action_History->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+h")));
+    ui.action_Einstellungen->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+Alt+s")));
+    ui.action_docView->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+w")));
+    ui.m_bSuchen->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+F")));
+    ui.action_OrdnerSuchen->setShortcut(QKeySequence(KelvaClientMain::tr("Ctrl+Alt+f")));
+    ui.action_Weitersuchen->setShortcut(QKeySequence(KelvaClientMain::tr("F3")));
+}
+
 } // namespace
 
 void KelvaClientMain::loadSettings()
@@ -94,7 +115,7 @@ void KelvaClientMain::loadToolBar()
     disableDocumentActions();
     action_MoveToArchive->setEnabled(false);
     connectActions();
-    setShortcuts();
+    setShortcuts(*this);
     showShortcuts(*m_toolBar, action_docView); // whose text is its tip, and nothing else
     registerToolBars();
 }
@@ -214,27 +235,6 @@ void KelvaClientMain::connectActions()
     QCheckBox *unread = statusBarExt->getShowUnReadCheckBox();
     disconnect(unread, SIGNAL(clicked()), this, SLOT(doUpdateDocuments()));
     connect(unread, SIGNAL(clicked()), this, SLOT(doUpdateDocuments()), Qt::DirectConnection);
-}
-
-void KelvaClientMain::setShortcuts()
-{
-    action_Neuladen->setShortcut(QKeySequence(tr("F5")));
-    action_Beenden->setShortcut(QKeySequence(tr("Ctrl+q")));
-    action_Archivieren->setShortcut(QKeySequence(tr("Ctrl+a")));
-    action_Anzeigen->setShortcut(QKeySequence(tr("Ctrl+s")));
-    action_Print->setShortcut(QKeySequence(tr("Ctrl+p")));
-    action_moveToFolder->setShortcut(QKeySequence(tr("Ctrl+Alt+o")));
-    action_Exportieren->setShortcut(QKeySequence(tr("Ctrl+e")));
-    action_Versenden->setShortcut(QKeySequence(tr("Ctrl+m")));
-    action_Link_Clip->setShortcut(QKeySequence(tr("Ctrl+Alt+l")));
-    action_Link_Email->setShortcut(QKeySequence(tr("Ctrl+Alt+m")));
-    action_Zurueckstellen->setShortcut(QKeySequence(tr("Ctrl+z")));
-    action_History->setShortcut(QKeySequence(tr("Ctrl+h")));
-    action_Einstellungen->setShortcut(QKeySequence(tr("Ctrl+Alt+s")));
-    action_docView->setShortcut(QKeySequence(tr("Ctrl+w")));
-    m_bSuchen->setShortcut(QKeySequence(tr("Ctrl+F")));
-    action_OrdnerSuchen->setShortcut(QKeySequence(tr("Ctrl+Alt+f")));
-    action_Weitersuchen->setShortcut(QKeySequence(tr("F3")));
 }
 
 void KelvaClientMain::registerToolBars()

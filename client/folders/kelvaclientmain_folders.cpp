@@ -24,6 +24,25 @@
 #include <QSignalBlocker>
 #include <QStatusBar>
 
+namespace {
+
+void enterSubArchive(KelvaArchiveWorker &worker, const QString &archive)
+{
+    KelvaClientSettings().setCurrentSubArchive(archive);
+    worker.selectArchive(archive);
+}
+
+void fillSubArchives(QComboBox &box, const QStringList &names)
+{
+    box.clear();
+    for (const QString &name : names) {
+        const ArchiveEntry entry = ArchiveEntry::parse(name);
+        box.addItem(entry.name, entry.key);
+    }
+}
+
+} // namespace
+
 bool KelvaClientMain::initFolders()
 {
     const QByteArray panelHeader = m_tWOrdner->header()->saveState();
@@ -97,21 +116,6 @@ QString KelvaClientMain::getArchiveString() const
     return m_currentSubArchiv->currentData().toString();
 }
 
-void KelvaClientMain::enterSubArchive(const QString &archive)
-{
-    KelvaClientSettings().setCurrentSubArchive(archive);
-    archiveWorker->selectArchive(archive);
-}
-
-void KelvaClientMain::fillSubArchives(const QStringList &names)
-{
-    m_currentSubArchiv->clear();
-    for (const QString &name : names) {
-        const ArchiveEntry entry = ArchiveEntry::parse(name);
-        m_currentSubArchiv->addItem(entry.name, entry.key);
-    }
-}
-
 void KelvaClientMain::subArchiveChanged(int, bool reload)
 {
     const WaitCursor cursor;
@@ -121,19 +125,19 @@ void KelvaClientMain::subArchiveChanged(int, bool reload)
         archiveWorker->setConnectionSettings(m_session.host, m_session.port, m_session.login,
                                              m_session.password);
         m_infoView->setArchiveClient(archiveWorker, classifyClient);
-        enterSubArchive(archive);
+        enterSubArchive(*archiveWorker, archive);
         QStringList names;
         archiveWorker->getArchiveNames(names);
         const QString fault = names.isEmpty() ? archiveWorker->getLastError() : QString();
         if (!names.isEmpty()) {
             const QSignalBlocker blocker(m_currentSubArchiv);
-            fillSubArchives(names);
+            fillSubArchives(*m_currentSubArchiv, names);
             int entry = m_currentSubArchiv->findData(archive, Qt::UserRole,
                                                      Qt::MatchExactly | Qt::MatchCaseSensitive);
             if (entry < 0) {
                 entry = 0;
                 archive = m_currentSubArchiv->itemData(0).toString();
-                enterSubArchive(archive);
+                enterSubArchive(*archiveWorker, archive);
             }
             m_currentSubArchiv->setCurrentIndex(entry);
         }

@@ -15,6 +15,27 @@
 
 #include <QSignalBlocker>
 
+namespace {
+
+/// Returns the keys in the order of the table's columns; only what the combo shows is sorted.
+QStringList fillSearchCombo(QComboBox &combo, const QStringList &columns)
+{
+    combo.clear();
+    QStringList keys;
+    for (const QString &column : columns) {
+        const QStringList fields = column.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
+        keys << fields.value(1);
+        combo.addItem(fields.value(0), fields.value(1));
+    }
+    combo.setCurrentIndex(0);
+    combo.model()->sort(0);
+    combo.addItem(searchtext::extendedSearch(), searchtext::extendedSearchKey);
+    combo.setCurrentIndex(combo.findData(searchtext::fullText()));
+    return keys;
+}
+
+} // namespace
+
 void KelvaClientMain::initStatus()
 {
     disconnect(m_twStatus, SIGNAL(currentRowChanged(int)), this, SLOT(selChanged()));
@@ -57,7 +78,7 @@ void KelvaClientMain::loadFilters()
             columns.removeLast(); // the rights letters are nothing to search for
         columns << searchtext::fullText() + recordformat::fieldSeparator + searchtext::fullText();
         m_SearchCombo->setUpdatesEnabled(false);
-        fillSearchCombo(columns);
+        m_columnNames = fillSearchCombo(*m_SearchCombo, columns);
         m_SearchCombo->setUpdatesEnabled(true);
         m_treeSearch->modelIsResetted(); // before its items go
         m_extSearch->setClassifyClient(classifyClient);
@@ -73,22 +94,6 @@ void KelvaClientMain::loadFilters()
     connect(m_treeSearch, SIGNAL(doubleClicked(QModelIndex)), this, SLOT(filterActivated(QModelIndex)));
     connect(m_SearchCombo, SIGNAL(activated(int)), this, SLOT(searchComboChanged(int)), Qt::DirectConnection);
     connect(m_searchCell, SIGNAL(entered()), this, SLOT(searchTextChanged()), Qt::DirectConnection);
-}
-
-/// Also keeps the keys, in the order of the table's columns; only what the combo shows is sorted.
-void KelvaClientMain::fillSearchCombo(const QStringList &columns)
-{
-    m_SearchCombo->clear();
-    m_columnNames.clear();
-    for (const QString &column : columns) {
-        const QStringList fields = column.split(recordformat::fieldSeparator, Qt::KeepEmptyParts);
-        m_columnNames << fields.value(1);
-        m_SearchCombo->addItem(fields.value(0), fields.value(1));
-    }
-    m_SearchCombo->setCurrentIndex(0);
-    m_SearchCombo->model()->sort(0);
-    m_SearchCombo->addItem(searchtext::extendedSearch(), searchtext::extendedSearchKey);
-    m_SearchCombo->setCurrentIndex(m_SearchCombo->findData(searchtext::fullText()));
 }
 
 void KelvaClientMain::filterActivated(const QModelIndex &index)
