@@ -304,7 +304,7 @@ bool Database::mayRun()
 {
     if (m_depth == 0)
         m_error.reset();
-    if (m_deadline && !m_error && *m_deadline <= std::chrono::steady_clock::now())
+    if (!m_deadlines.empty() && !m_error && *m_deadlines.begin() <= std::chrono::steady_clock::now())
         fail(sqliteError(SQLITE_INTERRUPT));
     return !m_error;
 }

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -164,14 +165,14 @@ private:
     qint64 m_lastInsertId = 0;
     int m_affected = 0;
     std::optional<Error> m_error;
-    std::optional<std::chrono::steady_clock::time_point> m_deadline; ///< of the time limit in force
+    std::multiset<std::chrono::steady_clock::time_point> m_deadlines; ///< of the time limits in force
     qint64 m_stepsLeft = 0; ///< of the statement at work; 0 for any number, negative when used up
     qint64 m_stepsAtATime = 0;
 };
 
 /// As long as it lives, what is still at work after so many milliseconds fails with TooSlow, the full-text
-/// engine's own work included, and so does every statement after that. Within another limit the earlier one
-/// counts. Not to be used where something is written.
+/// engine's own work included, and so does every statement after that. Of several limits the earliest
+/// counts; they may end in any order. Not to be used where something is written.
 class TimeLimit
 {
 public:
@@ -184,7 +185,7 @@ private:
     void enforce();
 
     Database &m_database;
-    std::optional<std::chrono::steady_clock::time_point> m_outer;
+    std::multiset<std::chrono::steady_clock::time_point>::iterator m_deadline;
 };
 
 /// Rolls back unless commit() succeeded. Write locks the archive at once, so that what is read stays true

@@ -1,8 +1,6 @@
 #include "store/database.h"
 #include "store/watchdog.h"
 
-#include <algorithm>
-
 #include <sqlite3.h>
 
 namespace kelva {
@@ -13,25 +11,25 @@ constexpr qint64 longestReadMs = 20'000;
 
 } // namespace
 
-TimeLimit::TimeLimit(Database &database, qint64 ms) : m_database(database), m_outer(database.m_deadline)
+TimeLimit::TimeLimit(Database &database, qint64 ms) : m_database(database)
 {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
-    m_database.m_deadline = m_outer ? std::min(*m_outer, deadline) : deadline;
+    m_deadline =
+        m_database.m_deadlines.insert(std::chrono::steady_clock::now() + std::chrono::milliseconds(ms));
     enforce();
 }
 
 TimeLimit::~TimeLimit()
 {
-    m_database.m_deadline = m_outer;
+    m_database.m_deadlines.erase(m_deadline);
     enforce();
 }
 
 void TimeLimit::enforce()
 {
-    if (m_database.m_deadline)
-        Watchdog::instance().watch(m_database.handle(), *m_database.m_deadline);
-    else
+    if (m_database.m_deadlines.empty())
         Watchdog::instance().release(m_database.handle());
+    else
+        Watchdog::instance().watch(m_database.handle(), *m_database.m_deadlines.begin());
 }
 
 Transaction::Transaction(Database &database, Kind kind) : m_database(database), m_kind(kind)

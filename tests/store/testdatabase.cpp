@@ -437,6 +437,12 @@ private slots:
                      database->value(endless);
                  }),
                  ErrorCode::TooSlow);
+        // A transaction that is committed takes its own limit along, whatever was set within it.
+        std::optional<TimeLimit> outer(std::in_place, *database, 0);
+        std::optional<TimeLimit> inner(std::in_place, *database, 60'000);
+        outer.reset();
+        inner.reset();
+        QCOMPARE(database->value(QStringLiteral("SELECT 7")).toInt(), 7);
         // A first row that only comes after sorting is given up for.
         const QString some = QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
                                             "WHERE i < 9999) SELECT i FROM n %1 LIMIT 2");
