@@ -5,7 +5,7 @@
 #include "bench/restricteduser.h"
 #include "clause/clausegenerator.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/attributes.h"
 #include "service/documentlist.h"
 #include "service/records.h"

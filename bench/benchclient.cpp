@@ -6,7 +6,7 @@
 
 #include "app/kelvaclientmain.h"
 #include "documents/documentcolumns.h"
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvainfoview.h"
 #include "server/kelvaarchiveworker.h"
 #include "service/archive.h"

@@ -4,7 +4,7 @@
 #include "bench/measure.h"
 #include "bench/restricteduser.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/documentlist.h"
 
 #include <QCoreApplication>

@@ -5,7 +5,7 @@
 
 #include "folders/kelvadoctree.h"
 #include "folders/kelvafolderview.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/archive.h"
 #include "service/content.h"
 #include "service/session.h"

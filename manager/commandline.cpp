@@ -3,7 +3,7 @@
 #include "manager/managerserver.h"
 #include "manager/profilecheck.h"
 #include "manager/profilestore.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/consolepassword.h"
 
 #include <QCommandLineParser>

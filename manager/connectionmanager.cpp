@@ -1,6 +1,6 @@
 #include "manager/connectionmanager.h"
 
-#include "server/sharedblock.h"
+#include "contract/sharedblock.h"
 
 #include <QMetaMethod>
 

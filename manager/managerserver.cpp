@@ -1,6 +1,6 @@
 #include "manager/managerserver.h"
 
-#include "server/localpeer.h"
+#include "contract/localpeer.h"
 
 #include <QCoreApplication>
 #include <QDebug>

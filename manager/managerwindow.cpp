@@ -1,7 +1,7 @@
 #include "manager/managerwindow.h"
 
 #include "manager/profiledialog.h"
-#include "server/plainbox.h"
+#include "widgets/plainbox.h"
 #include "ui_managerwindow.h"
 
 #include <QAction>

@@ -1,6 +1,6 @@
 #include "manager/profile.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/archive.h"
 #include "service/workbench.h"
 

@@ -1,6 +1,6 @@
 #include "manager/profileblock.h"
 
-#include "server/sharedblock.h"
+#include "contract/sharedblock.h"
 #include "service/session.h"
 #include "service/workbench.h"
 

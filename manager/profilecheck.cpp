@@ -1,6 +1,6 @@
 #include "manager/profilecheck.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/archive.h"
 #include "service/folders.h"
 #include "service/session.h"

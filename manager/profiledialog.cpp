@@ -2,7 +2,7 @@
 
 #include "manager/profilecheck.h"
 #include "manager/runaside.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "ui_profiledialog.h"
 
 #include <QLineEdit>

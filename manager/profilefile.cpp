@@ -1,6 +1,6 @@
 #include "manager/profilefile.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>

@@ -1,6 +1,6 @@
 #include "admin/samplevocabulary.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/attributes.h"
 #include "service/folders.h"
 #include "service/records.h"

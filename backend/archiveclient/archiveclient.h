@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/kelvaarchiveclientinterface.h"
+#include "contract/kelvaarchiveclientinterface.h"
 #include "service/connection.h"
 #include "service/content.h"
 

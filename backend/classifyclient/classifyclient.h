@@ -1,7 +1,7 @@
 #pragma once
 
 #include "indexer/indexerthread.h"
-#include "server/classifyinterface.h"
+#include "contract/classifyinterface.h"
 #include "service/connection.h"
 #include "service/workbench.h"
 

@@ -1,6 +1,6 @@
 #include "service/content.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/blobs.h"
 #include "service/documentfilter.h"
 #include "service/filetexts.h"

@@ -1,6 +1,6 @@
 #include "service/documentcolumns.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "store/database.h"
 #include "store/schema.h"
 

@@ -1,6 +1,6 @@
 #include "service/documentfilter.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/documentcolumns.h"
 #include "service/session.h"
 #include "store/textmatch.h"

@@ -1,6 +1,6 @@
 #include "service/documentlist.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/documentcolumns.h"
 #include "service/documentfilter.h"
 #include "service/operation.h"

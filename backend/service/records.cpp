@@ -1,6 +1,6 @@
 #include "service/records.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 namespace kelva {
 

@@ -1,6 +1,6 @@
 #include "service/searches.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/operation.h"
 #include "service/records.h"
 #include "service/recordvalues.h"

@@ -1,6 +1,6 @@
 #include "service/workbench.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/documentcolumns.h"
 #include "service/folders.h"
 #include "service/operation.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/sharedblock.h"
+#include "contract/sharedblock.h"
 #include "store/result.h"
 
 #include <QByteArray>

@@ -1,7 +1,7 @@
 #include "app/actionvisibility.h"
 
 #include "server/session.h"
-#include "server/userrights.h"
+#include "contract/userrights.h"
 
 ActionVisibility actionVisibility(const Session &session)
 {

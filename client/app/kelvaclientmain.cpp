@@ -14,11 +14,11 @@
 #include "folders/columneditors.h"
 #include "folders/kelvadoctree.h"
 #include "search/kelvastatusbarext.h"
-#include "server/classifyinterface.h"
-#include "server/kelvaarchiveclientinterface.h"
+#include "contract/classifyinterface.h"
+#include "contract/kelvaarchiveclientinterface.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/openeddocuments.h"
-#include "server/plainbox.h"
+#include "widgets/plainbox.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>

@@ -8,10 +8,10 @@
 #include "folders/columneditors.h"
 #include "folders/kelvadoctree.h"
 #include "server/archiveentry.h"
-#include "server/classifyinterface.h"
+#include "contract/classifyinterface.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/kelvalogindata.h"
-#include "server/plainbox.h"
+#include "widgets/plainbox.h"
 
 #include <QCloseEvent>
 #include <QProcess>

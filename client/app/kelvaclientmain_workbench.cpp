@@ -5,8 +5,8 @@
 #include "documents/kelvatrashbutton.h"
 #include "extensions/qttoolbarmanager.h"
 #include "search/kelvastatusbarext.h"
-#include "server/classifyinterface.h"
-#include "server/plainbox.h"
+#include "contract/classifyinterface.h"
+#include "widgets/plainbox.h"
 
 #include <QCheckBox>
 #include <QFileDialog>

@@ -3,7 +3,7 @@
 #include "app/programversion.h"
 #include "app/qmyapplication.h"
 #include "app/screenfitter.h"
-#include "server/privatefile.h"
+#include "contract/privatefile.h"
 
 #include <QSettings>
 #include <QStyle>

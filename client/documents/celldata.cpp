@@ -1,6 +1,6 @@
 #include "documents/celldata.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 
 #include <QAbstractProxyModel>
 #include <QSignalBlocker>

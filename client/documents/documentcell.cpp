@@ -1,6 +1,6 @@
 #include "documents/documentcell.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 
 #include <QBrush>
 

@@ -1,7 +1,7 @@
 #include "documents/documentrow.h"
 
 #include "documents/documentcolumns.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QCoreApplication>
 

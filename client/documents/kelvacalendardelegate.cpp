@@ -1,6 +1,6 @@
 #include "documents/kelvacalendardelegate.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvacalendar.h"
 
 namespace {

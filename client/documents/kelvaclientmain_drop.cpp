@@ -6,9 +6,9 @@
 #include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
 #include "search/kelvastatusbarext.h"
-#include "server/classifyinterface.h"
-#include "server/plainbox.h"
-#include "server/recordformat.h"
+#include "contract/classifyinterface.h"
+#include "widgets/plainbox.h"
+#include "contract/recordformat.h"
 
 #include <QHoverEvent>
 #include <QProgressDialog>

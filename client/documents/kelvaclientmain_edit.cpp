@@ -2,13 +2,13 @@
 
 #include "documents/classificationedit.h"
 #include "documents/documentcolumns.h"
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvacalendar.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
-#include "server/classifyinterface.h"
-#include "server/plainbox.h"
-#include "server/waitcursor.h"
+#include "contract/classifyinterface.h"
+#include "widgets/plainbox.h"
+#include "widgets/waitcursor.h"
 
 #include <QStandardItem>
 

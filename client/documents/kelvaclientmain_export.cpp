@@ -4,7 +4,7 @@
 #include "documents/refreshgate.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
-#include "server/plainbox.h"
+#include "widgets/plainbox.h"
 #include "server/qfiledialogzip.h"
 
 #include <QCheckBox>

@@ -3,12 +3,12 @@
 #include "documents/kelvadelegate.h"
 #include "documents/onelinesearch.h"
 #include "documents/searchcell.h"
-#include "documents/searchtexts.h"
+#include "widgets/searchtexts.h"
 #include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
-#include "server/plainbox.h"
-#include "server/waitcursor.h"
+#include "widgets/plainbox.h"
+#include "widgets/waitcursor.h"
 
 #include <QLocale>
 #include <QSignalBlocker>

@@ -1,11 +1,11 @@
 #include "documents/kelvacombodelegate.h"
 
 #include "documents/celldata.h"
-#include "documents/itemroles.h"
-#include "documents/recordpicture.h"
-#include "documents/searchtexts.h"
+#include "widgets/itemroles.h"
+#include "widgets/recordpicture.h"
+#include "widgets/searchtexts.h"
 #include "documents/valuecombobox.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QPixmap>
 

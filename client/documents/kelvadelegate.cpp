@@ -1,6 +1,6 @@
 #include "documents/kelvadelegate.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>

@@ -1,9 +1,9 @@
 #include "documents/kelvainfoview.h"
 
 #include "documents/documentcolumns.h"
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvacheckboxdelegate.h"
-#include "documents/mysortfilterproxymodel.h"
+#include "widgets/mysortfilterproxymodel.h"
 #include "documents/plaincelldelegate.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/rowicons.h"

@@ -2,7 +2,7 @@
 
 #include "documents/documentcolumns.h"
 #include "documents/qinfoviewmodel.h"
-#include "server/plainbox.h"
+#include "widgets/plainbox.h"
 
 #include <QAction>
 #include <QCoreApplication>

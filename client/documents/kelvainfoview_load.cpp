@@ -3,12 +3,12 @@
 #include "documents/documentcell.h"
 #include "documents/documentcolumns.h"
 #include "documents/documentrow.h"
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvalinedelegate.h"
-#include "documents/mysortfilterproxymodel.h"
+#include "widgets/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/rowicons.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QHeaderView>
 #include <QLocale>

@@ -1,6 +1,6 @@
 #include "documents/onelinesearch.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QtNumeric>
 

@@ -1,10 +1,10 @@
 #include "documents/searchcell.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
-#include "documents/searchtexts.h"
-#include "server/recordformat.h"
+#include "widgets/searchtexts.h"
+#include "contract/recordformat.h"
 
 #include <QHeaderView>
 #include <QSignalBlocker>

@@ -1,6 +1,6 @@
 #include "extensions/qtfulltoolbarmanager.h"
 
-#include "server/boundedread.h"
+#include "contract/boundedread.h"
 
 #include <QAction>
 #include <QBuffer>

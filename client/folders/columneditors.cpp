@@ -7,13 +7,13 @@
 #include "documents/kelvainfoview.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvasimplecombodelegate.h"
-#include "documents/searchtexts.h"
+#include "widgets/searchtexts.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvaviewdelegate.h"
 #include "folders/workbenchdata.h"
-#include "server/folderoid.h"
-#include "server/recordformat.h"
+#include "contract/folderoid.h"
+#include "contract/recordformat.h"
 
 #include <QCoreApplication>
 #include <QDebug>

@@ -10,12 +10,12 @@
 #include "folders/workbenchdata.h"
 #include "search/kelvaextsearch.h"
 #include "server/archiveentry.h"
-#include "server/classifyinterface.h"
-#include "server/folderoid.h"
+#include "contract/classifyinterface.h"
+#include "contract/folderoid.h"
 #include "server/kelvaarchiveworker.h"
-#include "server/plainbox.h"
-#include "server/userrights.h"
-#include "server/waitcursor.h"
+#include "widgets/plainbox.h"
+#include "contract/userrights.h"
+#include "widgets/waitcursor.h"
 
 #include <QDebug>
 #include <QHeaderView>

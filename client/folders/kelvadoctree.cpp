@@ -1,9 +1,9 @@
 #include "folders/kelvadoctree.h"
 
-#include "documents/recordpicture.h"
+#include "widgets/recordpicture.h"
 #include "folders/kelvadocitem.h"
-#include "server/folderoid.h"
-#include "server/recordformat.h"
+#include "contract/folderoid.h"
+#include "contract/recordformat.h"
 
 #include <QBrush>
 #include <QCompleter>

@@ -2,9 +2,9 @@
 
 #include "documents/documentmime.h"
 #include "folders/kelvadocitem.h"
-#include "server/folderoid.h"
-#include "server/plainbox.h"
-#include "server/recordformat.h"
+#include "contract/folderoid.h"
+#include "widgets/plainbox.h"
+#include "contract/recordformat.h"
 
 #include <QBuffer>
 #include <QPixmap>

@@ -1,7 +1,7 @@
 #include "folders/kelvafolderview.h"
 
 #include "documents/kelvalinedelegate.h"
-#include "documents/mysortfilterproxymodel.h"
+#include "widgets/mysortfilterproxymodel.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvasearchdlg.h"

@@ -1,10 +1,10 @@
 #include "folders/kelvafolderview.h"
 
-#include "documents/mysortfilterproxymodel.h"
+#include "widgets/mysortfilterproxymodel.h"
 #include "folders/folderlink.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
-#include "server/plainbox.h"
+#include "widgets/plainbox.h"
 
 #include <QAction>
 #include <QClipboard>

@@ -3,7 +3,7 @@
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvasearchdlg.h"
-#include "server/waitcursor.h"
+#include "widgets/waitcursor.h"
 
 #include <QGuiApplication>
 #include <QLayout>

@@ -1,7 +1,7 @@
 #include "folders/kelvaviewdelegate.h"
 
 #include "documents/celldata.h"
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvafolderview.h"

@@ -1,6 +1,6 @@
 #include "search/filtermodel.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 
 void FilterModel::setSearches(const QList<SearchTemplate> &searches, const QString &personalRole)
 {

@@ -1,17 +1,17 @@
 #include "app/kelvaclientmain.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvadelegate.h"
 #include "documents/searchcell.h"
-#include "documents/searchtexts.h"
+#include "widgets/searchtexts.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvaviewdelegate.h"
 #include "search/filtermodel.h"
 #include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
-#include "server/classifyinterface.h"
-#include "server/plainbox.h"
-#include "server/recordformat.h"
+#include "contract/classifyinterface.h"
+#include "widgets/plainbox.h"
+#include "contract/recordformat.h"
 
 #include <QSignalBlocker>
 

@@ -1,15 +1,15 @@
 #include "search/kelvaextsearch.h"
 
 #include "documents/documentcolumns.h"
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvadelegatewrapper.h"
 #include "documents/kelvalinedelegate.h"
-#include "documents/searchtexts.h"
+#include "widgets/searchtexts.h"
 #include "search/criteriacolumns.h"
 #include "search/filtermodel.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "ui_kelvaextsearch.h"
 
 #include <QHeaderView>

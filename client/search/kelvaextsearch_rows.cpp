@@ -1,16 +1,16 @@
 #include "search/kelvaextsearch.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvadelegatewrapper.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvamultiselection.h"
-#include "documents/searchtexts.h"
+#include "widgets/searchtexts.h"
 #include "folders/kelvaviewdelegate.h"
 #include "search/criteriacolumns.h"
 #include "search/searchoperators.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "ui_kelvaextsearch.h"
 
 #include <QAction>

@@ -1,13 +1,13 @@
 #include "search/kelvaextsearch.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvacombodelegate.h"
-#include "documents/searchtexts.h"
+#include "widgets/searchtexts.h"
 #include "search/criteriacolumns.h"
 #include "search/filtermodel.h"
-#include "server/classifyinterface.h"
-#include "server/plainbox.h"
-#include "server/userrights.h"
+#include "contract/classifyinterface.h"
+#include "widgets/plainbox.h"
+#include "contract/userrights.h"
 #include "ui_kelvaextsearch.h"
 
 #include <QInputDialog>

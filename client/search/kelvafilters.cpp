@@ -1,6 +1,6 @@
 #include "search/kelvafilters.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>

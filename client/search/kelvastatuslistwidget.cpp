@@ -2,9 +2,9 @@
 
 #include "documents/documentcolumns.h"
 #include "documents/documentmime.h"
-#include "documents/itemroles.h"
-#include "documents/recordpicture.h"
-#include "server/recordformat.h"
+#include "widgets/itemroles.h"
+#include "widgets/recordpicture.h"
+#include "contract/recordformat.h"
 
 #include <QDropEvent>
 #include <QMimeData>

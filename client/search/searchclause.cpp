@@ -1,6 +1,6 @@
 #include "search/searchclause.h"
 
-#include "documents/searchtexts.h"
+#include "widgets/searchtexts.h"
 #include "search/searchoperators.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include "search/searchoperators.h"
 
-#include "documents/searchtexts.h"
-#include "server/recordformat.h"
+#include "widgets/searchtexts.h"
+#include "contract/recordformat.h"
 
 #include <QCoreApplication>
 

@@ -1,6 +1,6 @@
 #include "search/searchtemplate.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QString>
 

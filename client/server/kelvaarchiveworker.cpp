@@ -1,7 +1,7 @@
 #include "server/kelvaarchiveworker.h"
 
-#include "server/kelvaarchiveclientinterface.h"
-#include "server/plainbox.h"
+#include "contract/kelvaarchiveclientinterface.h"
+#include "widgets/plainbox.h"
 
 #include <QCoreApplication>
 #include <QDebug>

@@ -1,9 +1,9 @@
 #include "server/kelvaarchiveworker.h"
 
 #include "server/exportfilename.h"
-#include "server/kelvaarchiveclientinterface.h"
+#include "contract/kelvaarchiveclientinterface.h"
 #include "server/openeddocuments.h"
-#include "server/plainbox.h"
+#include "widgets/plainbox.h"
 
 #include <QCoreApplication>
 #include <QDebug>

@@ -1,6 +1,6 @@
 #include "server/kelvaprofiledata.h"
 
-#include "server/boundedread.h"
+#include "contract/boundedread.h"
 
 QDataStream &operator>>(QDataStream &stream, kelvaProfileData &profile)
 {

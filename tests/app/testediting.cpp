@@ -2,7 +2,7 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvafolderview.h"
 

@@ -4,7 +4,7 @@
 #include "app/proxysettings.h"
 #include "app/screenfitter.h"
 #include "app/startoptions.h"
-#include "server/plainbox.h"
+#include "widgets/plainbox.h"
 
 #include <QApplication>
 #include <QSettings>

@@ -6,7 +6,7 @@
 
 #include "app/kelvaclientmain.h"
 #include "documents/kelvainfoview.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QApplication>
 #include <QDockWidget>

@@ -2,9 +2,9 @@
 #include "support/kelvatest.h"
 #include "support/outside.h"
 
-#include "server/classifyinterface.h"
-#include "server/kelvaarchiveclientinterface.h"
-#include "server/recordformat.h"
+#include "contract/classifyinterface.h"
+#include "contract/kelvaarchiveclientinterface.h"
+#include "contract/recordformat.h"
 #include "service/archive.h"
 #include "service/bulkload.h"
 #include "service/session.h"

@@ -1,14 +1,14 @@
 #include "support/kelvatest.h"
 #include "support/onecelltable.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvamultiselection.h"
 #include "documents/kelvasimplecombodelegate.h"
 #include "documents/valuecombobox.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QAbstractItemView>
 #include <QAction>

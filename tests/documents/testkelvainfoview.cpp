@@ -1,11 +1,11 @@
 #include "support/kelvatest.h"
 
 #include "documents/documentcolumns.h"
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvainfoview.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/qinfoviewmodel.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QHeaderView>
 #include <QSettings>

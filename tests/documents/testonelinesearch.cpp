@@ -2,7 +2,7 @@
 
 #include "documents/documentquery.h"
 #include "documents/onelinesearch.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 using Editor = OneLineSearch::Editor;
 Q_DECLARE_METATYPE(Editor)

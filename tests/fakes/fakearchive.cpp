@@ -1,6 +1,6 @@
 #include "fakes/fakearchive.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 FakeArchive &FakeArchive::instance()
 {

@@ -1,6 +1,6 @@
 #include "fakes/fakearchiveclient.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "fakes/fakeclassifyclient.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QRegularExpression>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "fakes/fakearchive.h"
-#include "server/classifyinterface.h"
+#include "contract/classifyinterface.h"
 
 #include <QSet>
 

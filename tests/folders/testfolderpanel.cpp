@@ -8,7 +8,7 @@
 #include "folders/kelvafolderview.h"
 #include "folders/kelvanewfolder.h"
 #include "folders/kelvasearchdlg.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QAbstractItemModelTester>
 #include <QClipboard>

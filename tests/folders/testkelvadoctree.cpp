@@ -3,7 +3,7 @@
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvafolderview.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QAbstractItemModelTester>
 #include <QAbstractProxyModel>

@@ -8,7 +8,7 @@
 #include "folders/kelvafolderview.h"
 #include "folders/kelvafolderviewdlg.h"
 #include "folders/kelvaviewdelegate.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QAbstractProxyModel>
 #include <QLineEdit>

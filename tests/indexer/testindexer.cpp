@@ -4,7 +4,7 @@
 #include "service/testarchive.h"
 
 #include "indexer/indexer.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/content.h"
 #include "service/documentlist.h"
 #include "service/documents.h"

@@ -1,6 +1,6 @@
 #include "manager/managersurroundings.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "support/outside.h"
 
 #include <QDir>

@@ -6,8 +6,8 @@
 
 #include "folders/workbenchdata.h"
 #include "server/kelvalogindata.h"
-#include "server/localpeer.h"
-#include "server/recordformat.h"
+#include "contract/localpeer.h"
+#include "contract/recordformat.h"
 #include "service/folders.h"
 #include "service/records.h"
 

@@ -2,9 +2,9 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvacombodelegate.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QLocale>
 #include <QScopeGuard>

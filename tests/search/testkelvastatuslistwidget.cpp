@@ -3,7 +3,7 @@
 #include "documents/documentmime.h"
 #include "folders/kelvadoctree.h"
 #include "search/kelvastatuslistwidget.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QDataStream>
 #include <QDragMoveEvent>

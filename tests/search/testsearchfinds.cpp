@@ -2,7 +2,7 @@
 #include "service/testarchive.h"
 #include "support/kelvatest.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/attributes.h"
 #include "service/bulkload.h"
 #include "service/documentlist.h"

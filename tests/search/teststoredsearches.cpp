@@ -3,7 +3,7 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "search/filtermodel.h"
 #include "search/quserlistview.h"
 #include "search/searchtemplate.h"

@@ -4,7 +4,7 @@
 #include "support/outside.h"
 
 #include "server/kelvalogindata.h"
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QComboBox>
 #include <QDataStream>

@@ -3,7 +3,7 @@
 
 #include "server/exportfilename.h"
 #include "server/openeddocuments.h"
-#include "server/privatefile.h"
+#include "contract/privatefile.h"
 #include "server/transferprogress.h"
 
 #include <QFile>

@@ -3,7 +3,7 @@
 
 #include "testarchive.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/attributes.h"
 #include "service/blobs.h"
 #include "service/content.h"

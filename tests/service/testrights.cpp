@@ -3,7 +3,7 @@
 
 #include "testarchive.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/content.h"
 #include "service/documentlist.h"
 #include "service/documents.h"

@@ -2,7 +2,7 @@
 
 #include "testarchive.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 #include "service/documents.h"
 #include "service/folders.h"
 #include "service/records.h"

@@ -1,6 +1,6 @@
 #include "support/onecelltable.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 #include "documents/kelvadelegate.h"
 
 OneCellTable::OneCellTable(KelvaDelegate *delegate) : m_model(1, 1)

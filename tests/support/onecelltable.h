@@ -1,6 +1,6 @@
 #pragma once
 
-#include "documents/mysortfilterproxymodel.h"
+#include "widgets/mysortfilterproxymodel.h"
 
 #include <QStandardItemModel>
 #include <QTableView>

@@ -1,6 +1,6 @@
 #include "support/workbenchfixture.h"
 
-#include "server/recordformat.h"
+#include "contract/recordformat.h"
 
 #include <QDataStream>
 

@@ -1,4 +1,4 @@
-#include "documents/searchtexts.h"
+#include "widgets/searchtexts.h"
 
 #include <QCoreApplication>
 

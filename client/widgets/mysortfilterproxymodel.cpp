@@ -1,6 +1,6 @@
-#include "documents/mysortfilterproxymodel.h"
+#include "widgets/mysortfilterproxymodel.h"
 
-#include "documents/itemroles.h"
+#include "widgets/itemroles.h"
 
 #include <QLocale>
 

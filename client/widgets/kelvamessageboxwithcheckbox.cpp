@@ -1,4 +1,4 @@
-#include "server/kelvamessageboxwithcheckbox.h"
+#include "widgets/kelvamessageboxwithcheckbox.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "server/sharedblock.h"
+#include "contract/sharedblock.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>

@@ -1,6 +1,6 @@
-#include "server/plainbox.h"
+#include "widgets/plainbox.h"
 
-#include "server/waitcursor.h"
+#include "widgets/waitcursor.h"
 
 #include <QApplication>
 #include <QPushButton>

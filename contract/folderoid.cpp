@@ -1,4 +1,4 @@
-#include "server/folderoid.h"
+#include "contract/folderoid.h"
 
 #include <QRegularExpression>
 

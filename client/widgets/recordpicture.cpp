@@ -1,4 +1,4 @@
-#include "documents/recordpicture.h"
+#include "widgets/recordpicture.h"
 
 #include <QBuffer>
 #include <QImageReader>
