@@ -15,11 +15,8 @@ class TestOneLineSearch : public QObject
 private slots:
     void clauses_data()
     {
-        QTest::addColumn<QString>("column");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<Editor>("editor");
-        QTest::addColumn<QString>("online");
-        QTest::addColumn<QString>("offline");
+        kelvatest::columns<QString, QString, Editor, QString, QString>("column", "value", "editor", "online",
+                                                                       "offline");
         const auto same = [](const char *name, const char *column, const char *value, Editor editor,
                              const char *clause) {
             kelvatest::row(name, column, value, editor, clause, clause);
