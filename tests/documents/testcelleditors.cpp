@@ -12,6 +12,7 @@
 
 #include <QAbstractItemView>
 #include <QAction>
+#include <QBuffer>
 #include <QDesktopServices>
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -92,12 +93,47 @@ private slots:
         QTEST(table.outcome(), "outcome");
     }
 
+    void keysHaveNamesAndPictures()
+    {
+        const auto picture = [](int width) {
+            QByteArray bytes;
+            QBuffer buffer(&bytes);
+            QImage(width, 1, QImage::Format_RGB32).save(&buffer, "PNG");
+            return bytes;
+        };
+        KelvaComboDelegate combo(entries(), {picture(1024), picture(1025), "<svg>"}, nullptr, false, QIcon(),
+                                 false, false);
+        QCOMPARE(combo.getData("2") + '|' + combo.getValue("done"), QString("resubmission|3"));
+        QCOMPARE(combo.getData("4") + '|' + combo.getValue("4"), QString("not assigned|not assigned"));
+        // What is too large to be a picture, or none, is left away.
+        QVERIFY(!combo.getIcon("1").isNull() && combo.getIcon("2").isNull() && combo.getIcon("3").isNull());
+    }
+
+    void aChoiceIsWrittenBeforeTheEditorCloses()
+    {
+        for (KelvaDelegate *delegate : {static_cast<KelvaDelegate *>(new KelvaComboDelegate(
+                                            entries(), {}, nullptr, false, QIcon(), true, false)),
+                                        static_cast<KelvaDelegate *>(new KelvaSimpleComboDelegate(
+                                            {"open", "done"}, nullptr, true, false, true, false))}) {
+            OneCellTable table(delegate);
+            table.setCell("open", "");
+            auto *box = qobject_cast<ValueComboBox *>(table.edit());
+            const bool isSorted = box->itemText(0) == "done";
+            QCOMPARE(isSorted, qobject_cast<KelvaSimpleComboDelegate *>(delegate) != nullptr);
+            choose(box, "done");
+            QCOMPARE(table.cell()->text(), QString("done"));
+        }
+    }
+
     void theListOpensWithTheEditor()
     {
         OneCellTable table(makeCombo(true));
         table.setCell("open", "1");
+        table.cell()->setIcon(QPixmap(16, 16));
+        table.view().setColumnWidth(0, 20);
         auto *box = qobject_cast<ValueComboBox *>(table.edit());
         QTRY_VERIFY(box->view()->isVisible());
+        QVERIFY(box->view()->width() > 60); // wider than its column
         QTest::keyClick(box->view(), Qt::Key_Down);
         QTest::keyClick(box->view(), Qt::Key_Return);
         QVERIFY(!table.isEditing());

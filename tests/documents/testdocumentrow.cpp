@@ -37,9 +37,12 @@ private slots:
         const QColor yellow(239, 238, 172);
         const QColor green(172, 239, 182);
         const std::tuple<QString, Clock, QColor> table[] = {
-            {"2024-03-06", Clock::Red, red},       {"2024-03-07", Clock::Yellow, yellow},
-            {"2024-03-08", Clock::Yellow, yellow}, {"2024-03-09", Clock::Green, green},
-            {"2024-03-12", Clock::Green, green},   {"2024-03-13", Clock::Plain, QColor()},
+            {"2024-03-06", Clock::Red, red},
+            {"2024-03-07", Clock::Yellow, yellow},
+            {"2024-03-08", Clock::Yellow, yellow},
+            {"2024-03-09", Clock::Green, green},
+            {"2024-03-12", Clock::Green, green},
+            {"2024-03-13", Clock::Plain, QColor()},
             {"soon", Clock::Red, red},
         };
         for (const auto &[date, clock, brush] : table) {

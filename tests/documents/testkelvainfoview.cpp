@@ -1,3 +1,4 @@
+#include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
 #include "documents/documentcolumns.h"
@@ -8,6 +9,7 @@
 #include "server/recordformat.h"
 
 #include <QHeaderView>
+#include <QMenu>
 #include <QSettings>
 #include <QStandardItem>
 
@@ -66,6 +68,14 @@ private slots:
         QCOMPARE(view.itemFromSource(0, 11)->text(), QString("1234.50"));
         QCOMPARE(view.itemFromSource(0, 11)->data(itemrole::numeric).toBool(), true);
         QVERIFY(view.itemFromSource(0, 12)->isEditable());
+
+        QCOMPARE(view.itemFromSource(0, 2)->toolTip(), QString());
+        QCOMPARE(view.itemFromSource(0, 2)->background().style(), Qt::NoBrush);
+
+        load(view, {header(2), row(8, "Due", {"", ""}, "2"), row(9, "Locked", {"", ""}).chopped(1)});
+        QCOMPARE(view.itemFromSource(0, 2)->toolTip(), QString("Resubmit on: 2024-04-01"));
+        QVERIFY(view.itemFromSource(0, 2)->background().style() != Qt::NoBrush);
+        QVERIFY(!view.isReadOnly("8") && view.isReadOnly("9"));
 
         load(view, {header(2)});
         QCOMPARE(view.rowCount(), 0);
@@ -141,6 +151,66 @@ private slots:
         }
     }
 
+    void lettersAndDigitsStartAnEdit()
+    {
+        KelvaInfoView view;
+        view.setNoEdit(false);
+        KelvaLineDelegate line({}, &view, 254, false);
+        line.setDelegateColumn(documentcolumn::description);
+        view.setItemDelegateForColumn(documentcolumn::description, &line);
+        load(view, {header(0), row(1, "a", {})});
+        view.show();
+        const QModelIndex cell = view.model()->index(0, documentcolumn::description);
+        QString started;
+        for (const char key : {'/', '0', '9', ':', '@', 'A', 'Z', '[', '`', 'a', 'z', '{', ' '}) {
+            view.QTableView::setCurrentIndex(cell);
+            QTest::keyClick(&view, key);
+            if (view.indexWidget(cell))
+                started += key;
+            view.finishEditing();
+            QVERIFY(!view.indexWidget(cell));
+        }
+        QCOMPARE(started, QString("09AZaz"));
+        QCOMPARE(cell.data().toString(), QString("z")); // what is being typed is written
+    }
+
+    void theLastColumnStays()
+    {
+        KelvaInfoView view;
+        load(view, {header(0), row(1, "a", {})});
+        view.show();
+        for (int column = 0; column < view.model()->columnCount(); ++column)
+            view.setColumnHidden(column, column > documentcolumn::mainFolder);
+        DialogScript script;
+        script.expectBox("Warning", "All columns can not be hidden.");
+        // The menu comes back after the warning; then another column is shown.
+        QStringList wanted{"Id", "Main", "Date"};
+        QTimer chooser;
+        connect(&chooser, &QTimer::timeout, this, [&wanted] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            if (!menu)
+                return;
+            if (wanted.isEmpty()) {
+                menu->close();
+                return;
+            }
+            const QString title = wanted.takeFirst();
+            for (QAction *action : menu->actions())
+                if (action->text() == title)
+                    menu->setActiveAction(action);
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+        chooser.start(5);
+        view.horizontalHeader()->actions().first()->trigger();
+        QVERIFY(wanted.isEmpty());
+        QString shownColumns;
+        for (int column = 0; column < view.model()->columnCount(); ++column)
+            shownColumns += view.isColumnHidden(column)
+                                ? ""
+                                : view.model()->headerData(column, Qt::Horizontal).toString() + ' ';
+        QCOMPARE(shownColumns, QString("Main Date "));
+    }
+
     void aHeaderOfMoreColumnsMakesNoneUp()
     {
         {
@@ -157,6 +227,10 @@ private slots:
         load(view, {header(2), row(1, "a", {"1", "2"})});
         QCOMPARE(view.horizontalHeader()->count(), 13);
         QCOMPARE(view.columnWidth(0), 99);
+        load(view, {header(2), row(1, QString(60, 'x'), {"1", "2"})});
+        const int narrow = view.columnWidth(documentcolumn::description);
+        view.setAutoResize(true);
+        QVERIFY(view.columnWidth(documentcolumn::description) > narrow);
         view.setProfileIdentifier("other");
         load(view, {header(0), row(1, "a", {})});
         QVERIFY(view.columnWidth(0) != 99);
