@@ -57,7 +57,9 @@ private slots:
         QVERIFY(readWorkbenchData("kelva_test", data));
         QCOMPARE(data.folders.size(), 5);
         QCOMPARE(data.retentionByType(), (QMap<QString, QString>{{"1", "10;0;0"}}));
-        QVERIFY(!readWorkbenchData("kelva_other", data));
+        QString fault;
+        QVERIFY(!readWorkbenchData("kelva_other", data, &fault));
+        QCOMPARE(fault, QString()); // there is none yet
     }
 
     void aPlaceThatOthersHoldIsLeftAlone()
