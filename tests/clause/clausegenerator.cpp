@@ -180,23 +180,6 @@ QString ClauseGenerator::word(const QString &keyword)
     return choice == 0 ? keyword.toUpper() : choice == 1 ? keyword.toLower() : keyword;
 }
 
-QString ClauseGenerator::pieces()
-{
-    static const QStringList list =
-        QString::fromUtf8(
-            "'|'|''| | AND | or | NOT |(|)|=|!=|<=|>|like |ilike | in | is null|::varchar|::|:|,|;|--|/*|%|_|"
-            "\\|\"|1|-1|1.5|.|null|true|@@|to_tsvector(bemerkung)|to_tsquery(|*|folder|status|attr9|cdate|"
-            "trashed|bemerkung|"
-            "nothing|[HEUTE+1]|'a'|'1'|O'Brien|ü|\uFEFF|\n|?|?1|$a| 1 = 1 |status = '2'|bemerkung ilike "
-            "'%x%'|"
-            "(folder = '3.1' OR folder like '3.1.%')")
-            .split('|');
-    QString result;
-    for (int i = below(14) + 1; i > 0; --i)
-        result += oneOf(list) + oneOf<QString>({"", " "});
-    return result;
-}
-
 QString ClauseGenerator::damaged(QString clause)
 {
     static const QString characters = QStringLiteral("''()=!<>:@%_ ,.-;\"1aAü[]");

@@ -9,14 +9,17 @@
 class ClauseGenerator
 {
 public:
+    /// A number from the environment, or the usual one.
+    static int setting(const char *variable, int usual)
+    {
+        return qEnvironmentVariableIsSet(variable) ? qEnvironmentVariableIntValue(variable) : usual;
+    }
     explicit ClauseGenerator(quint32 seed) : m_random(seed) {}
 
     /// A tree of the grammar; its fields exist, but what it compares may not fit together.
     kelva::ClauseNode tree(int depth = 3);
     /// A tree as text, with blanks, case and quotes as they come.
     QString text(const kelva::ClauseNode &node);
-    /// Pieces of the dialect in no order.
-    QString pieces();
     /// A clause with a few characters changed.
     QString damaged(QString clause);
 

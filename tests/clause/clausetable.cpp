@@ -1,14 +1,12 @@
 #include "clause/clausetable.h"
 
-#include "store/sqlfunctions.h"
-
 #include <QDate>
-
-#include <sqlite3.h>
 
 using kelva::FieldType;
 
 namespace {
+
+const QStringList fullTextKeys{"bemerkung", "attr5"};
 
 const QStringList &columns()
 {
@@ -16,27 +14,6 @@ const QStringList &columns()
                                    "changeid",   "attr5",   "attr7",  "attr9",  "cdate",
                                    "ctimestamp", "defdate", "trashed"};
     return names;
-}
-
-bool hasFullText(const QString &key)
-{
-    return key == "bemerkung" || key == "attr5";
-}
-
-void bind(sqlite3_stmt *statement, const QVariantList &values)
-{
-    for (int i = 0; i < values.size(); ++i) {
-        const QVariant &value = values.at(i);
-        if (value.isNull())
-            sqlite3_bind_null(statement, i + 1);
-        else if (value.type() == QVariant::String)
-            sqlite3_bind_text16(statement, i + 1, value.toString().utf16(), value.toString().size() * 2,
-                                SQLITE_TRANSIENT);
-        else if (value.type() == QVariant::Double)
-            sqlite3_bind_double(statement, i + 1, value.toDouble());
-        else
-            sqlite3_bind_int64(statement, i + 1, value.toLongLong());
-    }
 }
 
 } // namespace
@@ -87,35 +64,36 @@ QList<QVariantMap> ClauseTable::documents()
     return rows;
 }
 
-ClauseTable::ClauseTable(const QList<QVariantMap> &rows) : m_rows(rows)
+ClauseTable::ClauseTable(const QList<QVariantMap> &rows)
+    : m_database(std::move(
+          kelva::Database::open(m_directory.filePath("1.kelva"), kelva::Database::Mode::Create).value())),
+      m_rows(rows)
 {
-    sqlite3_open(":memory:", &m_database);
-    kelva::registerSqlFunctions(m_database);
-    run("CREATE TABLE documents (docid INTEGER PRIMARY KEY, status INTEGER, docart INTEGER, folder TEXT, "
-        "bemerkung TEXT, changeid TEXT, attr5 TEXT, attr7 TEXT, attr9 REAL, cdate TEXT, ctimestamp TEXT, "
-        "defdate TEXT, trashed INTEGER)");
-    run("CREATE INDEX by_folder ON documents (folder)");
-    run("CREATE INDEX by_status ON documents (status)");
-    run("CREATE INDEX by_cdate ON documents (cdate)");
-    for (const QString key : {"bemerkung", "attr5"}) {
-        run("CREATE VIRTUAL TABLE words_" + key + " USING fts5(t, tokenize='unicode61 remove_diacritics 0')");
-        run("CREATE VIRTUAL TABLE trigrams_" + key + " USING fts5(t, tokenize='trigram')");
+    m_database->run("CREATE TEMP TABLE documents (docid INTEGER PRIMARY KEY, status INTEGER, docart INTEGER, "
+                    "folder TEXT, bemerkung TEXT, changeid TEXT, attr5 TEXT, attr7 TEXT, attr9 REAL, "
+                    "cdate TEXT, ctimestamp TEXT, defdate TEXT, trashed INTEGER)");
+    for (const QString key : {"folder", "status", "cdate"})
+        m_database->run("CREATE INDEX temp.by_" + key + " ON documents (" + key + ")");
+    for (const QString &key : fullTextKeys) {
+        m_database->run("CREATE VIRTUAL TABLE temp.words_" + key +
+                        " USING fts5(t, tokenize='unicode61 remove_diacritics 0')");
+        m_database->run("CREATE VIRTUAL TABLE temp.trigrams_" + key + " USING fts5(t, tokenize='trigram')");
     }
     for (const QVariantMap &row : rows) {
         QVariantList values;
         for (const QString &column : columns())
             values << row.value(column);
-        run("INSERT INTO documents VALUES (?" + QString(", ?").repeated(values.size() - 1) + ")", values);
-        for (const QString key : {"bemerkung", "attr5"})
+        m_database->run("INSERT INTO temp.documents VALUES (?" + QString(", ?").repeated(values.size() - 1) +
+                            ")",
+                        values);
+        for (const QString &key : fullTextKeys)
             for (const QString table : {"words_", "trigrams_"})
-                run("INSERT INTO " + table + key + " (rowid, t) VALUES (?, ?)",
-                    {row.value("docid"), row.value(key)});
+                m_database->run("INSERT INTO temp." + table + key + " (rowid, t) VALUES (?, ?)",
+                                {row.value("docid"), row.value(key)});
     }
-}
-
-ClauseTable::~ClauseTable()
-{
-    sqlite3_close(m_database);
+    const auto made = m_database->result(0);
+    if (!made)
+        qFatal("%s", qPrintable(made.error().text));
 }
 
 kelva::ClauseFields ClauseTable::fields(Indexes indexes) const
@@ -124,7 +102,7 @@ kelva::ClauseFields ClauseTable::fields(Indexes indexes) const
     fields.rowIdColumn = "d.docid";
     for (auto type = types().begin(); type != types().end(); ++type) {
         kelva::ClauseField field{type.value(), "d." + type.key(), {}, {}};
-        if (indexes == Indexes::With && hasFullText(type.key())) {
+        if (indexes == Indexes::With && fullTextKeys.contains(type.key())) {
             field.wordTable = "words_" + type.key();
             field.trigramTable = "trigrams_" + type.key();
         }
@@ -134,52 +112,21 @@ kelva::ClauseFields ClauseTable::fields(Indexes indexes) const
     return fields;
 }
 
-void ClauseTable::run(const QString &sql, const QVariantList &values) const
-{
-    if (!query(sql, values, 0, nullptr))
-        qFatal("%s: %s", qPrintable(sql), qPrintable(lastError()));
-}
-
-bool ClauseTable::query(const QString &sql, const QVariantList &values, int column, QStringList *result) const
-{
-    sqlite3_stmt *statement = nullptr;
-    const bool prepared =
-        sqlite3_prepare16_v2(m_database, sql.utf16(), -1, &statement, nullptr) == SQLITE_OK &&
-        sqlite3_bind_parameter_count(statement) == values.size();
-    int state = SQLITE_ERROR;
-    if (prepared) {
-        bind(statement, values);
-        while ((state = sqlite3_step(statement)) == SQLITE_ROW)
-            if (result)
-                *result << QString::fromUtf8(
-                    reinterpret_cast<const char *>(sqlite3_column_text(statement, column)));
-    }
-    sqlite3_finalize(statement);
-    return state == SQLITE_DONE;
-}
-
 QList<int> ClauseTable::ids(const kelva::SqlCondition &condition) const
 {
-    QStringList texts;
-    if (!query("SELECT d.docid FROM documents d WHERE " + condition.sql + " ORDER BY d.docid",
-               condition.values, 0, &texts))
-        return {-1};
-    QList<int> ids;
-    for (const QString &text : texts)
-        ids << text.toInt();
-    return ids;
+    const kelva::Transaction reading(*m_database, kelva::Transaction::Kind::Read);
+    const auto found = m_database->result(m_database->numbers(
+        "SELECT d.docid FROM documents d WHERE " + condition.sql + " ORDER BY d.docid", condition.values));
+    m_lastError = found ? QString() : found.error().text;
+    return found ? QList<int>(found.value().begin(), found.value().end()) : QList<int>{-1};
 }
 
 QString ClauseTable::plan(const kelva::SqlCondition &condition) const
 {
     QStringList lines;
-    if (!query("EXPLAIN QUERY PLAN SELECT d.docid FROM documents d WHERE " + condition.sql, condition.values,
-               3, &lines))
-        return lastError();
+    auto query = m_database->query(
+        "EXPLAIN QUERY PLAN SELECT d.docid FROM documents d WHERE " + condition.sql, condition.values);
+    while (query.next())
+        lines << query.text(3);
     return lines.join('\n');
-}
-
-QString ClauseTable::lastError() const
-{
-    return QString::fromUtf8(sqlite3_errmsg(m_database));
 }

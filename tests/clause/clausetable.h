@@ -1,21 +1,18 @@
 #pragma once
 
 #include "clause/clause.h"
+#include "store/database.h"
 
-#include <QList>
+#include <QTemporaryDir>
 #include <QVariantMap>
 
-struct sqlite3;
-
-/// A small table of documents in a database in memory, with full-text tables, and the same rows as values.
+/// A small table of documents in an archive of its own, with full-text tables, and the same rows as values.
 class ClauseTable
 {
 public:
     enum class Indexes { With, Without };
 
     explicit ClauseTable(const QList<QVariantMap> &rows = documents());
-    ~ClauseTable();
-    Q_DISABLE_COPY(ClauseTable)
 
     static const QDate &today(); ///< 2014-08-11
     static QList<QVariantMap> documents();
@@ -29,12 +26,11 @@ public:
     QList<int> ids(const kelva::SqlCondition &condition) const;
     /// What the database plans for a condition, line by line.
     QString plan(const kelva::SqlCondition &condition) const;
-    QString lastError() const;
+    const QString &lastError() const { return m_lastError; }
 
 private:
-    void run(const QString &sql, const QVariantList &values = {}) const;
-    bool query(const QString &sql, const QVariantList &values, int column, QStringList *result) const;
-
-    sqlite3 *m_database = nullptr;
+    QTemporaryDir m_directory;
+    std::unique_ptr<kelva::Database> m_database;
     QList<QVariantMap> m_rows;
+    mutable QString m_lastError;
 };

@@ -27,30 +27,24 @@ class TestKelvaCalendar : public QObject
     Q_OBJECT
 
 private slots:
-    void macros_data()
-    {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<QString>("text");
-        kelvatest::row("days ahead", "[HEUTE+7]", "[HEUTE+7]:2014-08-21");
-        kelvatest::row("no minus before nothing", "[HEUTE-0]", "[HEUTE+0]:2014-08-14");
-        kelvatest::row("years ahead", "[JAHR+1]", "[JAHR+1]:2015-08-14");
-        kelvatest::row("with the date of its choice", "[HEUTE+7]:2001-01-01", "[HEUTE+7]:2014-08-21");
-        kelvatest::row("a number too large", "[JAHR+99999999999]", "[JAHR+0]:2014-08-14");
-        kelvatest::row("the word alone", "[MONAT", "[MONAT+0]:2014-08-14");
-        kelvatest::row("a date", "2014-08-11", "");
-    }
-
     void macros()
     {
-        QFETCH(QString, stored);
-        QTEST(DateMacro::parse(stored).text(QDate(2014, 8, 14)), "text");
-        // The dialog shows what is stored and gives it back.
-        KelvaCalendar dialog(nullptr, false, false, QDate(2014, 8, 14));
-        dialog.setExtendedString(stored);
-        QFETCH(QString, text);
-        QCOMPARE(dialog.getExtendedString(), text.section(':', 0, 0));
-        QCOMPARE(dialog.selectedDate().toString("yyyy-MM-dd"),
-                 text.isEmpty() ? QString("2014-08-14") : text.section(':', 1));
+        for (const auto &[stored, text] :
+             {std::pair<const char *, QString>("[HEUTE+7]", "[HEUTE+7]:2014-08-21"),
+              {"[HEUTE-0]", "[HEUTE+0]:2014-08-14"},
+              {"[JAHR+1]", "[JAHR+1]:2015-08-14"},
+              {"[HEUTE+7]:2001-01-01", "[HEUTE+7]:2014-08-21"}, // with the date of its choice
+              {"[JAHR+99999999999]", "[JAHR+0]:2014-08-14"},
+              {"[MONAT", "[MONAT+0]:2014-08-14"},
+              {"2014-08-11", ""}}) {
+            QCOMPARE(DateMacro::parse(stored).text(QDate(2014, 8, 14)), text);
+            // The dialog shows what is stored and gives it back.
+            KelvaCalendar dialog(nullptr, false, false, QDate(2014, 8, 14));
+            dialog.setExtendedString(stored);
+            QCOMPARE(dialog.getExtendedString(), text.section(':', 0, 0));
+            QCOMPARE(dialog.selectedDate().toString("yyyy-MM-dd"),
+                     text.isEmpty() ? QString("2014-08-14") : text.section(':', 1));
+        }
     }
 
     void aMacroIsChosenAndCleared()
@@ -79,11 +73,8 @@ private slots:
 
     void dates_data()
     {
-        QTest::addColumn<QString>("kind"); // letters: m offers macros, n no date
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("raw");
-        QTest::addColumn<Act>("act");
-        QTest::addColumn<QString>("outcome");
+        // kind: letters: m offers macros, n no date
+        kelvatest::columns<QString, QString, QString, Act, QString>("kind", "text", "raw", "act", "outcome");
         const Act nothing = [](KelvaCalendar *dialog) { dialog->accept(); };
         const Act another = [](KelvaCalendar *dialog) {
             showAnotherDesktop(dialog);

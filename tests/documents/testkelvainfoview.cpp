@@ -1,3 +1,4 @@
+#include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
 #include "documents/documentcolumns.h"
@@ -8,23 +9,19 @@
 #include "contract/recordformat.h"
 
 #include <QHeaderView>
+#include <QMenu>
 #include <QSettings>
 #include <QStandardItem>
 
 namespace {
 
-QStringList titles(int attributes)
+QString header(int attributes)
 {
     QStringList list{"Id",   "Main",       "Description", "Status",  "Version",     "Folder",
                      "Type", "Changed by", "Date",        "Changed", "Resubmission"};
     for (int i = 0; i < attributes; ++i)
         list << QString("Attribute %1").arg(i);
-    return list;
-}
-
-QString header(int attributes)
-{
-    return (titles(attributes) << "Rights").join(recordformat::fieldSeparator);
+    return (list << "Rights").join(recordformat::fieldSeparator);
 }
 
 QString row(int id, const QString &description, const QStringList &attributes, const QString &status = "1")
@@ -71,6 +68,14 @@ private slots:
         QCOMPARE(view.itemFromSource(0, 11)->text(), QString("1234.50"));
         QCOMPARE(view.itemFromSource(0, 11)->data(itemrole::numeric).toBool(), true);
         QVERIFY(view.itemFromSource(0, 12)->isEditable());
+
+        QCOMPARE(view.itemFromSource(0, 2)->toolTip(), QString());
+        QCOMPARE(view.itemFromSource(0, 2)->background().style(), Qt::NoBrush);
+
+        load(view, {header(2), row(8, "Due", {"", ""}, "2"), row(9, "Locked", {"", ""}).chopped(1)});
+        QCOMPARE(view.itemFromSource(0, 2)->toolTip(), QString("Resubmit on: 2024-04-01"));
+        QVERIFY(view.itemFromSource(0, 2)->background().style() != Qt::NoBrush);
+        QVERIFY(!view.isReadOnly("8") && view.isReadOnly("9"));
 
         load(view, {header(2)});
         QCOMPARE(view.rowCount(), 0);
@@ -124,37 +129,86 @@ private slots:
         QCOMPARE(view.getCurrentDocIds(false, false), QStringList("5"));
     }
 
-    void sorting_data()
-    {
-        QTest::addColumn<bool>("numeric");
-        QTest::addColumn<QStringList>("values");
-        QTest::addColumn<QStringList>("ascending");
-        QTest::addColumn<QStringList>("descending");
-        QTest::newRow("texts") << false << QStringList{"b", "a", "C"} << QStringList{"C", "a", "b"}
-                               << QStringList{"b", "a", "C"};
-        QTest::newRow("numbers in a text column")
-            << false << QStringList{"10", "9", "2"} << QStringList{"2", "9", "10"}
-            << QStringList{"10", "9", "2"};
-        QTest::newRow("empties stand behind the numbers both ways")
-            << true << QStringList{"", "10", "9.5"} << QStringList{"9.5", "10", ""}
-            << QStringList{"10", "9.5", ""};
-    }
-
     void sorting()
     {
-        QFETCH(bool, numeric);
-        QFETCH(QStringList, values);
+        const std::tuple<bool, QStringList, QStringList, QStringList> table[] = {
+            {false, {"b", "a", "C"}, {"C", "a", "b"}, {"b", "a", "C"}},
+            {false, {"10", "9", "2"}, {"2", "9", "10"}, {"10", "9", "2"}},   // numbers in a column of texts
+            {true, {"", "10", "9.5"}, {"9.5", "10", ""}, {"10", "9.5", ""}}, // empties last both ways
+        };
+        for (const auto &[numeric, values, ascending, descending] : table) {
+            KelvaInfoView view;
+            KelvaLineDelegate delegate({}, &view, 254, numeric);
+            view.setItemDelegateForColumn(11, &delegate);
+            QStringList docs{header(1)};
+            for (int i = 0; i < values.size(); ++i)
+                docs << row(i, "d", {values.at(i)});
+            load(view, docs);
+            view.sortByColumn(11, Qt::AscendingOrder);
+            QCOMPARE(shown(view, 11), ascending);
+            view.sortByColumn(11, Qt::DescendingOrder);
+            QCOMPARE(shown(view, 11), descending);
+        }
+    }
+
+    void lettersAndDigitsStartAnEdit()
+    {
         KelvaInfoView view;
-        KelvaLineDelegate delegate({}, &view, 254, numeric);
-        view.setItemDelegateForColumn(11, &delegate);
-        QStringList docs{header(1)};
-        for (int i = 0; i < values.size(); ++i)
-            docs << row(i, "d", {values.at(i)});
-        load(view, docs);
-        view.sortByColumn(11, Qt::AscendingOrder);
-        QTEST(shown(view, 11), "ascending");
-        view.sortByColumn(11, Qt::DescendingOrder);
-        QTEST(shown(view, 11), "descending");
+        view.setNoEdit(false);
+        KelvaLineDelegate line({}, &view, 254, false);
+        line.setDelegateColumn(documentcolumn::description);
+        view.setItemDelegateForColumn(documentcolumn::description, &line);
+        load(view, {header(0), row(1, "a", {})});
+        view.show();
+        const QModelIndex cell = view.model()->index(0, documentcolumn::description);
+        QString started;
+        for (const char key : {'/', '0', '9', ':', '@', 'A', 'Z', '[', '`', 'a', 'z', '{', ' '}) {
+            view.QTableView::setCurrentIndex(cell);
+            QTest::keyClick(&view, key);
+            if (view.indexWidget(cell))
+                started += key;
+            view.finishEditing();
+            QVERIFY(!view.indexWidget(cell));
+        }
+        QCOMPARE(started, QString("09AZaz"));
+        QCOMPARE(cell.data().toString(), QString("z")); // what is being typed is written
+    }
+
+    void theLastColumnStays()
+    {
+        KelvaInfoView view;
+        load(view, {header(0), row(1, "a", {})});
+        view.show();
+        for (int column = 0; column < view.model()->columnCount(); ++column)
+            view.setColumnHidden(column, column > documentcolumn::mainFolder);
+        DialogScript script;
+        script.expectBox("Warning", "All columns can not be hidden.");
+        // The menu comes back after the warning; then another column is shown.
+        QStringList wanted{"Id", "Main", "Date"};
+        QTimer chooser;
+        connect(&chooser, &QTimer::timeout, this, [&wanted] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            if (!menu)
+                return;
+            if (wanted.isEmpty()) {
+                menu->close();
+                return;
+            }
+            const QString title = wanted.takeFirst();
+            for (QAction *action : menu->actions())
+                if (action->text() == title)
+                    menu->setActiveAction(action);
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+        chooser.start(5);
+        view.horizontalHeader()->actions().first()->trigger();
+        QVERIFY(wanted.isEmpty());
+        QString shownColumns;
+        for (int column = 0; column < view.model()->columnCount(); ++column)
+            shownColumns += view.isColumnHidden(column)
+                                ? ""
+                                : view.model()->headerData(column, Qt::Horizontal).toString() + ' ';
+        QCOMPARE(shownColumns, QString("Main Date "));
     }
 
     void aHeaderOfMoreColumnsMakesNoneUp()
@@ -173,6 +227,10 @@ private slots:
         load(view, {header(2), row(1, "a", {"1", "2"})});
         QCOMPARE(view.horizontalHeader()->count(), 13);
         QCOMPARE(view.columnWidth(0), 99);
+        load(view, {header(2), row(1, QString(60, 'x'), {"1", "2"})});
+        const int narrow = view.columnWidth(documentcolumn::description);
+        view.setAutoResize(true);
+        QVERIFY(view.columnWidth(documentcolumn::description) > narrow);
         view.setProfileIdentifier("other");
         load(view, {header(0), row(1, "a", {})});
         QVERIFY(view.columnWidth(0) != 99);

@@ -15,11 +15,8 @@ class TestOneLineSearch : public QObject
 private slots:
     void clauses_data()
     {
-        QTest::addColumn<QString>("column");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<Editor>("editor");
-        QTest::addColumn<QString>("online");
-        QTest::addColumn<QString>("offline");
+        kelvatest::columns<QString, QString, Editor, QString, QString>("column", "value", "editor", "online",
+                                                                       "offline");
         const auto same = [](const char *name, const char *column, const char *value, Editor editor,
                              const char *clause) {
             kelvatest::row(name, column, value, editor, clause, clause);
@@ -29,7 +26,7 @@ private slots:
         same("all status values", "status", "0", Editor::Other, "status > 0");
         same("id", "docid", "12", Editor::Line, "docid = 12");
         same("type", "docart", "3", Editor::Other, "docart = 3");
-        same("document date", "cdate", "2024-03-05", Editor::Other, "cdate = '2024-03-05'");
+        same("document date", "cdate", "2024-03-05", Editor::Line, "cdate = '2024-03-05'");
         same("attribute with a calendar", "attr4", "2024-03-05", Editor::Calendar, "attr4 = '2024-03-05'");
         kelvatest::row("time of the last change", "ctimestamp", "2014", Editor::Line,
                        "ctimestamp::varchar ilike '%2014%'::varchar",
@@ -110,6 +107,8 @@ private slots:
                          "Only a span of dates is shown.\nThe personal view is on."));
         QCOMPARE(emptyListText(query, "Why."), QString("The documents could not be listed.\nWhy."));
         query.clearSearch();
+        QCOMPARE(documentFilters(query).mid(0, 3),
+                 QStringList({"(folder = '3.1' OR folder like '3.1.%')", "(status = 1)", "1=1"}));
         QVERIFY(!emptyListText(query, QString()).contains("search"));
         QCOMPARE(emptyListText(DocumentQuery(), QString()), QString("There are no documents yet."));
     }

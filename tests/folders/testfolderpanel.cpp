@@ -152,8 +152,8 @@ private slots:
 
     void theBarIsWorkedByKeys_data()
     {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<QString>("outcome"); // folder from 1.1 on, open or closed, what was told
+        // outcome: folder from 1.1 on, open or closed, what was told
+        kelvatest::columns<int, QString>("key", "outcome");
         kelvatest::row("confirm", int(Qt::Key_Return), "1.1 closed confirm");
         kelvatest::row("confirm on the number pad", int(Qt::Key_Enter), "1.1 closed confirm");
         kelvatest::row("confirm by a page", int(Qt::Key_PageDown), "1.1 closed confirm");
@@ -211,24 +211,22 @@ private slots:
         QCOMPARE(pictures.size(), 1);
     }
 
-    void foundText_data()
-    {
-        QTest::addColumn<QString>("search");
-        QTest::addColumn<QString>("html");
-        QTest::newRow("two words")
-            << "a b"
-            << "<a name=\"myanchor0\"><b>A</b> &lt;<a name=\"myanchor1\"><b>b</b>&gt; (c)";
-        QTest::newRow("a parenthesis is no pattern") << "(c"
-                                                     << "A &lt;b&gt; <a name=\"myanchor0\"><b>(c</b>)";
-        QTest::newRow("nothing to look for") << "  "
-                                             << "A &lt;b&gt; (c)";
-    }
-
     void foundText()
     {
-        QFETCH(QString, search);
-        int matches = 0;
-        QTEST(foundFolderText("A <b> (c)", search, &matches), "html");
+        const std::tuple<QString, QString, QString, int> table[] = {
+            {"A <b> (c)", "a b", "<a name=\"myanchor0\"><b>A</b> &lt;<a name=\"myanchor1\"><b>b</b>&gt; (c)",
+             2},
+            {"A <b> (c)", "(c", "A &lt;b&gt; <a name=\"myanchor0\"><b>(c</b>)", 1},
+            {"A <b> (c)", "  ", "A &lt;b&gt; (c)", 0},
+            {"A <b> & 'c'", "lt amp quot", "A &lt;b&gt; &amp; 'c'", 0}, // what escaping adds is no text
+            {"A <img src=x>", "<IMG", "A <a name=\"myanchor0\"><b>&lt;img</b> src=x&gt;", 1},
+            {"[x] \\E.", ".] \\E", "[x] <a name=\"myanchor0\"><b>\\E</b>.", 1},
+        };
+        for (const auto &[text, search, html, count] : table) {
+            int matches = 0;
+            QCOMPARE(foundFolderText(text, search, &matches), html);
+            QCOMPARE(matches, count);
+        }
     }
 
     void links()

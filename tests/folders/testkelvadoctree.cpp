@@ -50,10 +50,15 @@ private slots:
                                  record({"1.2", "Locked", "0", "", "1", "0", "L", "", ""}),
                                  record({"5.2", "Orphan", "0", "", "5", "0", "", "E", ""}),
                                  record({"5", "Late", "I"}), record({"6", "Short"}),
-                                 record({"7", "Eight", "I", "k", "", "", "L", "E"})},
+                                 record({"7", "<b>Eight</b>", "I", "k", "", "", "L", "E"}),
+                                 // None of these may pass for another folder, or end up in a clause.
+                                 record({"", "x"}), record({"-1", "x"}), record({".1", "x"}),
+                                 record({"1..2", "x"}), record({"1.", "x"}), record({"1.x", "x"}),
+                                 record({"1' OR '1'='1", "x"}), record({"<b>1</b>", "x"}), QString()},
                                 {}, false);
         // A child that comes before its parent stays below the top node.
-        QCOMPARE(outline(tree), QString("All folders\n-Company\n--Locked\n-Orphan\n-Late\n-Short\n-Eight\n"));
+        QCOMPARE(outline(tree),
+                 QString("All folders\n-Company\n--Locked\n-Orphan\n-Late\n-Short\n-<b>Eight</b>\n"));
         QCOMPARE(tree.findItem("1.2")->getFlags(), Qt::ItemFlags(Qt::NoItemFlags));
         QCOMPARE(oids(tree.getHiddenRows()), QStringList({"5", "7"}));
         QCOMPARE(oids(tree.getEmptyRows()), QStringList({"5.2", "7"}));

@@ -56,9 +56,7 @@ class TestKelvaViewDelegate : public QObject
 private slots:
     void choosing_data()
     {
-        QTest::addColumn<QString>("raw");
-        QTest::addColumn<Act>("act");
-        QTest::addColumn<QString>("outcome");
+        kelvatest::columns<QString, Act, QString>("raw", "act", "outcome");
         kelvatest::row("return chooses the current folder", "1.1", Act([](QWidget *dialog) {
                            QTest::keyClick(treeOf(dialog), Qt::Key_Down);
                            QTest::keyClick(treeOf(dialog), Qt::Key_Return);

@@ -95,41 +95,25 @@ private slots:
         QVERIFY(s.store.load().value().isEmpty());
     }
 
-    void itEndsCleanly_data()
-    {
-        QTest::addColumn<int>("signal");
-        QTest::newRow("asked to end") << SIGTERM;
-        QTest::newRow("terminal closed") << SIGHUP;
-    }
-
     void itEndsCleanly()
     {
-        QFETCH(int, signal);
         ManagerSurroundings s;
         const Profile profile = s.added(s.profile("Office"));
-        RunningManager running;
-        QTRY_VERIFY(QSharedMemory(profile.blockKey()).attach());
-        QCOMPARE(::kill(static_cast<pid_t>(running.process.processId()), signal), 0);
-        QVERIFY(running.process.waitForFinished());
-        QCOMPARE(running.process.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(running.process.exitCode(), exitcode::done);
-        QVERIFY(!QFile::exists(QDir::tempPath() + '/' + socketName()));
-        QVERIFY(!QSharedMemory(profile.blockKey()).attach());
-    }
-
-    void aSecondOneSaysSo()
-    {
-        ManagerSurroundings s;
-        QCOMPARE(run({"--running"}).code, exitcode::failed);
-        {
+        for (const int signal : {SIGTERM, SIGHUP}) {
+            QCOMPARE(run({"--running"}).code, exitcode::failed);
             RunningManager running;
             QCOMPARE(run({"--running"}).code, exitcode::done);
             const Outcome second = run({"--no-window"});
             QCOMPARE(second.code, exitcode::runsAlready);
             QVERIFY(second.errors.contains("running already"));
-            QVERIFY(ManagerServer::isAnswering());
+            QTRY_VERIFY(QSharedMemory(profile.blockKey()).attach());
+            QCOMPARE(::kill(static_cast<pid_t>(running.process.processId()), signal), 0);
+            QVERIFY(running.process.waitForFinished());
+            QCOMPARE(running.process.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(running.process.exitCode(), exitcode::done);
+            QVERIFY(!QFile::exists(QDir::tempPath() + '/' + socketName()));
+            QVERIFY(!QSharedMemory(profile.blockKey()).attach());
         }
-        QCOMPARE(run({"--running"}).code, exitcode::failed);
     }
 
     void whatAKilledOneLeftIsRemoved()

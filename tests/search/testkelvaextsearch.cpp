@@ -33,43 +33,38 @@ class TestKelvaExtSearch : public QObject
     Q_OBJECT
 
 private slots:
-    void aFieldDecidesWhatItsRowOffers_data()
-    {
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("operators");
-        QTest::addColumn<bool>("several");
-        const char *all = "is|is not|contains|not contains|greater then|smaller then|greater/equal then|"
-                          "smaller/equal then";
-        kelvatest::row("field without an editor", QString("Id"), QString(all), false);
-        kelvatest::row("keys", QString("Status"), QString("is|is not"), true);
-        kelvatest::row("text", QString("Description"), QString("is|is not|contains|not contains"), true);
-        kelvatest::row("number", QString("Amount"), QString(all), true);
-        kelvatest::row("check box", QString("Paid"), QString("is"), false);
-        kelvatest::row("date", QString("Date"), QString(all), true);
-        kelvatest::row("full text", QString("full text"), QString("search for"), false);
-    }
-
     void aFieldDecidesWhatItsRowOffers()
     {
-        QFETCH(QString, field);
-        QFETCH(QString, operators);
-        QFETCH(bool, several);
-        ExtSearchFixture search;
-        QVERIFY(search.choose(0, 0, "Status"));
-        search.table()->item(0, 2)->setData(itemrole::rawValue, "2");
-        QVERIFY(field == "Status" || search.choose(0, 0, field));
-        QStringList offered;
-        if (const QComboBox *box = search.editor(0, 1))
-            for (int i = 0; i < box->count(); ++i)
-                offered << box->itemText(i);
-        else
-            offered << search.text(0, 1);
-        QCOMPARE(offered.join('|'), operators);
-        QCOMPARE(search.text(0, 1), offered.first());
-        QCOMPARE(search.button(0, 3)->isEnabled(), several);
-        // The status that was chosen before is no value of another field.
-        QCOMPARE(search.table()->item(0, 2)->data(itemrole::rawValue).toString(),
-                 field == "Status" ? QString("2") : QString());
+        const char *all = "is|is not|contains|not contains|greater then|smaller then|greater/equal then|"
+                          "smaller/equal then";
+        // Operators, and whether it takes several values.
+        const std::tuple<QString, QString, bool> table[] = {
+            {"Id", all, false},
+            {"Status", "is|is not", true},
+            {"Description", "is|is not|contains|not contains", true},
+            {"Amount", all, true},
+            {"Paid", "is", false},
+            {"Date", all, true},
+            {"full text", "search for", false},
+        };
+        for (const auto &[field, operators, several] : table) {
+            ExtSearchFixture search;
+            QVERIFY(search.choose(0, 0, "Status"));
+            search.table()->item(0, 2)->setData(itemrole::rawValue, "2");
+            QVERIFY(field == "Status" || search.choose(0, 0, field));
+            QStringList offered;
+            if (const QComboBox *box = search.editor(0, 1))
+                for (int i = 0; i < box->count(); ++i)
+                    offered << box->itemText(i);
+            else
+                offered << search.text(0, 1);
+            QCOMPARE(offered.join('|'), operators);
+            QCOMPARE(search.text(0, 1), offered.first());
+            QCOMPARE(search.button(0, 3)->isEnabled(), several);
+            // The status that was chosen before is no value of another field.
+            QCOMPARE(search.table()->item(0, 2)->data(itemrole::rawValue).toString(),
+                     field == "Status" ? QString("2") : QString());
+        }
     }
 
     void rowsBecomeAClause()

@@ -24,44 +24,44 @@ class TestKelvaStatusListWidget : public QObject
     Q_OBJECT
 
 private slots:
-    void drops_data()
+    void drops()
     {
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<int>("row");
-        QTest::addColumn<QString>("outcome"); // "status ids"; empty when the drop is refused
         const QString own = QString("x-norbant-kelvadocument%1").arg(QCoreApplication::applicationPid());
         const QByteArray two = stream({"17", "4"});
-        kelvatest::row("on a status", own, two, 1, "0.1 17,4");
-        kelvatest::row("on another", own, two, 2, "0.42 17,4");
-        kelvatest::row("a document twice", own, stream({"4", "17", "4"}), 1, "0.1 4,17");
-        kelvatest::row("on all statuses", own, two, 0, "");
-        kelvatest::row("below the entries", own, two, -1, "");
-        const QString foreign =
-            QString("x-norbant-kelvadocument%1").arg(QCoreApplication::applicationPid() + 1);
-        kelvatest::row("from another process", foreign, two, 1, "");
-        kelvatest::row("of no process", QString("x-norbant-kelvadocument"), two, 1, "");
-        kelvatest::row("a text", QString("text/plain"), QByteArray("17"), 1, "");
-        kelvatest::row("no documents", own, QByteArray(), 1, "");
-        kelvatest::row("cut off", own, two.chopped(1), 1, "");
-        kelvatest::row("a rest of one byte", own, two + 'x', 1, "");
-        kelvatest::row("a length of 2 GB", own, QByteArray::fromHex("7ffffffe003100320033"), 1, "");
-        kelvatest::row("a null text", own, QByteArray::fromHex("ffffffff"), 1, "");
-        kelvatest::row("a condition for an id", own, stream({"17", "4) OR (1=1"}), 1, "");
-        kelvatest::row("digits of another script", own, stream({QString(QChar(0x0661))}), 1, "");
-        kelvatest::row("a number too long", own, stream({QString(19, '1')}), 1, "");
         QStringList many;
         for (int i = 0; i <= 10000; ++i)
             many << QString::number(i);
-        kelvatest::row("more documents than a list shows", own, stream(many), 1, "");
+        // "status ids"; empty when the drop is refused
+        const std::tuple<QString, QByteArray, int, QString> table[] = {
+            {own, two, 1, "0.1 17,4"},
+            {own, two, 2, "0.42 17,4"},
+            {own, stream({"4", "17", "4"}), 1, "0.1 4,17"},
+            {own, two, 0, ""},
+            {own, two, -1, ""},
+            {QString("x-norbant-kelvadocument%1").arg(QCoreApplication::applicationPid() + 1), two, 1, ""},
+            {"x-norbant-kelvadocument", two, 1, ""},
+            {"text/plain", "17", 1, ""},
+            {own, QByteArray(), 1, ""},
+            {own, two.chopped(1), 1, ""},
+            {own, two + 'x', 1, ""},
+            {own, QByteArray::fromHex("7ffffffe003100320033"), 1, ""}, // a length of 2 GB
+            {own, QByteArray::fromHex("ffffffff"), 1, ""},             // a null text
+            {own, stream({""}), 1, ""},
+            {own, stream({"17", "4) OR (1=1"}), 1, ""},
+            {own, stream({QString(QChar(0x0661))}), 1, ""}, // a digit of another script
+            {own, stream({"1/"}), 1, ""},                   // before "0" and behind "9"
+            {own, stream({":1"}), 1, ""},
+            {own, stream({QString(18, '9')}), 1, "0.1 " + QString(18, '9')},
+            {own, stream({QString(19, '1')}), 1, ""},
+            {own, stream(many), 1, ""},
+        };
+        for (const auto &[format, bytes, row, outcome] : table)
+            drop(format, bytes, row, outcome);
     }
 
-    void drops()
+private:
+    void drop(const QString &format, const QByteArray &bytes, int row, const QString &outcome)
     {
-        QFETCH(QString, format);
-        QFETCH(QByteArray, bytes);
-        QFETCH(int, row);
-        QFETCH(QString, outcome);
         KelvaStatusListWidget list;
         list.setStatusList({QString("1") + recordformat::fieldSeparator + "Open",
                             QString("42") + recordformat::fieldSeparator + "Done"},

@@ -7,7 +7,6 @@
 
 using Mode = HandleMovementMode;
 Q_DECLARE_METATYPE(HandleMovementMode)
-Q_DECLARE_METATYPE(SpanTrack)
 
 /// Where the style draws a handle with this value, the handle's centre.
 static QPoint placeOf(const QSlider &slider, int value)
@@ -52,77 +51,52 @@ class TestQxtSpanSlider : public QObject
     }
 
 private slots:
-    void places_data()
-    {
-        QTest::addColumn<SpanTrack>("track");
-        QTest::addColumn<int>("pixel");
-        QTest::addColumn<int>("value");
-        const SpanTrack plain{10, 220, 20, 0, 100, false};
-        kelvatest::row("the start", plain, 10, 0);
-        kelvatest::row("the end", plain, 210, 100);
-        kelvatest::row("in between", plain, 60, 25);
-        kelvatest::row("left of the groove", plain, -500, 0);
-        kelvatest::row("right of the groove", plain, 5000, 100);
-        kelvatest::row("from right to left", SpanTrack{10, 220, 20, 0, 100, true}, 60, 75);
-        kelvatest::row("more values than pixels", SpanTrack{0, 220, 20, -1000, 3000000, false}, 100, 1499500);
-        kelvatest::row("a range of one value", SpanTrack{10, 220, 20, 7, 7, false}, 60, 7);
-        kelvatest::row("narrower than a handle", SpanTrack{10, 15, 20, 3, 100, false}, 60, 3);
-        kelvatest::row("no groove at all", SpanTrack{0, 0, 0, 3, 100, true}, 60, 3);
-    }
-
     void places()
     {
-        QFETCH(SpanTrack, track);
-        QFETCH(int, pixel);
-        QTEST(valueAtPixel(track, pixel), "value");
-    }
-
-    void moves_data()
-    {
-        QTest::addColumn<HandleMovementMode>("mode");
-        QTest::addColumn<int>("handle"); // -1 lower, 1 upper
-        QTest::addColumn<int>("value");
-        QTest::addColumn<QString>("outcome"); // of 20-60 within 0 and 100 with step 5; L or U is in hand
-        kelvatest::row("lower within the span", Mode::FreeMovement, -1, 30, "30-60L");
-        kelvatest::row("upper beyond the range", Mode::NoCrossing, 1, 500, "20-100U");
-        kelvatest::row("lower beyond the range", Mode::NoOverlapping, -1, -500, "0-60L");
-        kelvatest::row("lower onto the other", Mode::FreeMovement, -1, 60, "60-60L");
-        kelvatest::row("lower across changes places", Mode::FreeMovement, -1, 75, "60-75U");
-        kelvatest::row("upper across changes places", Mode::FreeMovement, 1, 5, "5-20L");
-        kelvatest::row("lower stops at the other", Mode::NoCrossing, -1, 75, "60-60L");
-        kelvatest::row("upper stops at the other", Mode::NoCrossing, 1, 5, "20-20U");
-        kelvatest::row("lower stops a step before", Mode::NoOverlapping, -1, 75, "55-60L");
-        kelvatest::row("upper stops a step before", Mode::NoOverlapping, 1, 5, "20-25U");
+        const std::tuple<SpanTrack, int, int> table[] = {
+            {{10, 220, 20, 0, 100, false}, 10, 0},
+            {{10, 220, 20, 0, 100, false}, 210, 100},
+            {{10, 220, 20, 0, 100, false}, 60, 25},
+            {{10, 220, 20, 0, 100, false}, -500, 0},
+            {{10, 220, 20, 0, 100, false}, 5000, 100},
+            {{10, 220, 20, 0, 100, true}, 60, 75}, // from right to left
+            {{0, 220, 20, -1000, 3000000, false}, 100, 1499500},
+            {{10, 220, 20, 7, 7, false}, 60, 7},  // one value
+            {{10, 15, 20, 3, 100, false}, 60, 3}, // narrower than a handle
+        };
+        for (const auto &[track, pixel, value] : table)
+            QCOMPARE(valueAtPixel(track, pixel), value);
     }
 
     void moves()
     {
-        QFETCH(HandleMovementMode, mode);
-        QFETCH(int, handle);
-        QFETCH(int, value);
-        const SpanMove move =
-            moveHandle({20, 60}, handle < 0 ? SpanHandle::Lower : SpanHandle::Upper, value, 0, 100, 5, mode);
-        const QString hand = move.handle == SpanHandle::Lower ? "L" : "U";
-        QTEST(QString("%1-%2").arg(move.span.lower).arg(move.span.upper) + hand, "outcome");
-    }
-
-    void aRangeWithoutRoomKeepsTheHandlesTogether()
-    {
-        for (const SpanHandle handle : {SpanHandle::Lower, SpanHandle::Upper})
+        // Of 20-60 within 0 and 100 with step 5; L or U is in hand afterwards.
+        const std::tuple<Mode, SpanHandle, int, QString> table[] = {
+            {Mode::FreeMovement, SpanHandle::Lower, 30, "30-60L"},
+            {Mode::NoCrossing, SpanHandle::Upper, 500, "20-100U"},
+            {Mode::NoOverlapping, SpanHandle::Lower, -500, "0-60L"},
+            {Mode::FreeMovement, SpanHandle::Lower, 60, "60-60L"},
+            {Mode::FreeMovement, SpanHandle::Lower, 75, "60-75U"},
+            {Mode::FreeMovement, SpanHandle::Upper, 5, "5-20L"},
+            {Mode::NoCrossing, SpanHandle::Lower, 75, "60-60L"},
+            {Mode::NoCrossing, SpanHandle::Upper, 5, "20-20U"},
+            {Mode::NoOverlapping, SpanHandle::Lower, 75, "55-60L"},
+            {Mode::NoOverlapping, SpanHandle::Upper, 5, "20-25U"},
+        };
+        for (const auto &[mode, handle, value, outcome] : table) {
+            const SpanMove move = moveHandle({20, 60}, handle, value, 0, 100, 5, mode);
+            QCOMPARE(QString("%1-%2").arg(move.span.lower).arg(move.span.upper) +
+                         (move.handle == SpanHandle::Lower ? "L" : "U"),
+                     outcome);
+        }
+        for (const SpanHandle handle : {SpanHandle::Lower, SpanHandle::Upper}) // no room at all
             QVERIFY(moveHandle({7, 7}, handle, 9, 7, 7, 1, Mode::NoOverlapping).span == (Span{7, 7}));
     }
 
     void theMouseMovesHandles_data()
     {
-        QTest::addColumn<HandleMovementMode>("mode");
-        QTest::addColumn<int>("from");
-        QTest::addColumn<int>("to");
-        QTest::addColumn<QString>("span");
-        kelvatest::row("lower", Mode::FreeMovement, 20, 35, "35-60");
-        kelvatest::row("upper", Mode::FreeMovement, 60, 100, "20-100");
+        kelvatest::columns<HandleMovementMode, int, int, QString>("mode", "from", "to", "span");
         kelvatest::row("lower across", Mode::FreeMovement, 20, 90, "60-90");
-        kelvatest::row("upper across", Mode::FreeMovement, 60, 0, "0-20");
-        kelvatest::row("lower against upper", Mode::NoCrossing, 20, 90, "60-60");
         kelvatest::row("upper short of lower", Mode::NoOverlapping, 60, 0, "20-21");
         kelvatest::row("beside the handles", Mode::FreeMovement, 40, 90, "20-60");
     }
@@ -148,13 +122,11 @@ private slots:
             return held + ' ' + dragged + ' ' + spanText(slider);
         };
         const QString expected = "20-60 " + span + ' ' + span;
-        QxtSpanSlider horizontal;
-        QCOMPARE(drag(horizontal), expected);
-        QxtSpanSlider vertical(Qt::Vertical);
-        QCOMPARE(drag(vertical), expected);
-        QxtSpanSlider mirrored;
+        QxtSpanSlider horizontal, mirrored;
         mirrored.setLayoutDirection(Qt::RightToLeft);
-        QCOMPARE(drag(mirrored), expected);
+        QxtSpanSlider vertical(Qt::Vertical);
+        for (QxtSpanSlider *slider : {&horizontal, &mirrored, &vertical})
+            QCOMPARE(drag(*slider), expected);
     }
 
     void withoutTrackingTheValueComesAtTheEnd()
@@ -172,49 +144,33 @@ private slots:
         QCOMPARE(changes.size(), 1);
     }
 
-    void keysMoveTheHandlePressedLast_data()
-    {
-        QTest::addColumn<HandleMovementMode>("mode");
-        QTest::addColumn<int>("press"); // -1: no handle was pressed
-        QTest::addColumn<QList<int>>("keys");
-        QTest::addColumn<QString>("span");
-        const QList<int> right{Qt::Key_Right}, left{Qt::Key_Left}, end{Qt::Key_End}, home{Qt::Key_Home};
-        kelvatest::row("lower at first", Mode::FreeMovement, -1, right, "21-60");
-        kelvatest::row("lower", Mode::FreeMovement, 20, left, "19-60");
-        kelvatest::row("upper", Mode::FreeMovement, 60, right, "20-61");
-        kelvatest::row("up and down", Mode::FreeMovement, 60,
-                       QList<int>{Qt::Key_Up, Qt::Key_Up, Qt::Key_Down}, "20-61");
-        kelvatest::row("a page", Mode::FreeMovement, 60, QList<int>{Qt::Key_PageUp}, "20-70");
-        kelvatest::row("upper home, and on as the lower", Mode::FreeMovement, 60,
-                       QList<int>{Qt::Key_Home, Qt::Key_Right}, "1-20");
-        kelvatest::row("lower to the end stops", Mode::NoCrossing, 20, end, "60-60");
-        kelvatest::row("upper home stops a step before", Mode::NoOverlapping, 60, home, "20-21");
-        kelvatest::row("a key of somebody else", Mode::FreeMovement, 60, QList<int>{Qt::Key_Tab}, "20-60");
-    }
-
     void keysMoveTheHandlePressedLast()
     {
-        QFETCH(HandleMovementMode, mode);
-        QFETCH(int, press);
-        QFETCH(QList<int>, keys);
-        QxtSpanSlider slider;
-        showSlider(slider);
-        slider.setHandleMovementMode(mode);
-        if (press >= 0)
-            QTest::mouseClick(&slider, Qt::LeftButton, {}, placeOf(slider, press));
-        for (const int key : qAsConst(keys))
-            QTest::keyClick(&slider, Qt::Key(key));
-        QTEST(spanText(slider), "span");
-    }
-
-    void aMirroredSliderMirrorsItsKeys()
-    {
-        QxtSpanSlider slider;
-        slider.setLayoutDirection(Qt::RightToLeft);
-        showSlider(slider);
-        QTest::keyClick(&slider, Qt::Key_Left);
-        QTest::keyClick(&slider, Qt::Key_Up);
-        QCOMPARE(spanText(slider), QString("22-60"));
+        // -1: no handle was pressed
+        const std::tuple<Mode, int, QList<int>, QString> table[] = {
+            {Mode::FreeMovement, -1, {Qt::Key_Right}, "21-60"},
+            {Mode::FreeMovement, 20, {Qt::Key_Left}, "19-60"},
+            {Mode::FreeMovement, 60, {Qt::Key_Up, Qt::Key_Up, Qt::Key_Down, Qt::Key_Tab}, "20-61"},
+            {Mode::FreeMovement, 60, {Qt::Key_PageUp}, "20-70"},
+            {Mode::FreeMovement, 60, {Qt::Key_Home, Qt::Key_Right}, "1-20"}, // on as the lower one
+            {Mode::NoCrossing, 20, {Qt::Key_End}, "60-60"},
+        };
+        for (const auto &[mode, press, keys, span] : table) {
+            QxtSpanSlider slider;
+            showSlider(slider);
+            slider.setHandleMovementMode(mode);
+            if (press >= 0)
+                QTest::mouseClick(&slider, Qt::LeftButton, {}, placeOf(slider, press));
+            for (const int key : keys)
+                QTest::keyClick(&slider, Qt::Key(key));
+            QCOMPARE(spanText(slider), span);
+        }
+        QxtSpanSlider mirrored;
+        mirrored.setLayoutDirection(Qt::RightToLeft);
+        showSlider(mirrored);
+        QTest::keyClick(&mirrored, Qt::Key_Left);
+        QTest::keyClick(&mirrored, Qt::Key_Up);
+        QCOMPARE(spanText(mirrored), QString("22-60"));
     }
 
     void signalsTellWhatChanged()
@@ -222,12 +178,12 @@ private slots:
         QxtSpanSlider slider;
         showSlider(slider);
         QStringList told;
-        connect(&slider, &QxtSpanSlider::lowerValueChanged, this,
-                [&](int v) { told << QString("l%1").arg(v); });
-        connect(&slider, &QxtSpanSlider::upperValueChanged, this,
-                [&](int v) { told << QString("u%1").arg(v); });
-        connect(&slider, &QxtSpanSlider::spanChanged, this,
-                [&](int l, int u) { told << QString("s%1-%2").arg(l).arg(u); });
+        const auto tell = [&](const char *what) {
+            return [&told, what](int v) { told << what + QString::number(v); };
+        };
+        connect(&slider, &QxtSpanSlider::lowerValueChanged, this, tell("l"));
+        connect(&slider, &QxtSpanSlider::upperValueChanged, this, tell("u"));
+        connect(&slider, &QxtSpanSlider::spanChanged, this, [&] { told << 's' + spanText(slider); });
         slider.setSpan(20, 60);
         slider.setSpan(70, 20); // the wrong way round
         slider.setLowerPosition(10);

@@ -59,6 +59,17 @@ private slots:
         QCOMPARE(found.join(' '), test.found);
     }
 
+    void fullTextQueries()
+    {
+        for (const auto &[typed, query] : {std::pair("alpha  beta", "+alpha +beta "),
+                                           {"oral andes", "+oral +andes "},
+                                           {"alpha OR beta", "alpha OR beta"},
+                                           {"a And b", "a And b"},
+                                           {"+alpha", "+alpha"},
+                                           {"e-mail", "e-mail"}})
+            QCOMPARE(checkFullText(typed), QString(query));
+    }
+
 private:
     void fillArchive()
     {

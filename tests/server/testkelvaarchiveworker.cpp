@@ -83,9 +83,7 @@ private slots:
 
     void nothingIsOverwrittenUnasked_data()
     {
-        QTest::addColumn<bool>("overwrite");
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QStringList>("left");
+        kelvatest::columns<bool, QByteArray, QStringList>("overwrite", "content", "left");
         kelvatest::row("no", false, QByteArray("old"), QStringList("101_Invoice.pdf"));
         kelvatest::row("yes", true, QByteArray("first"), QStringList());
     }
@@ -206,8 +204,7 @@ private slots:
 
     void documentsAreMailed_data()
     {
-        QTest::addColumn<bool>("command");
-        QTest::addColumn<QString>("words");
+        kelvatest::columns<bool, QString>("command", "words");
         kelvatest::row("by the desktop", false,
                        "[mailto:?subject=&body=&attach=TMP/101_Invoice.pdf&attach=TMP/103_Note.pdf]");
         kelvatest::row("by a command", true,

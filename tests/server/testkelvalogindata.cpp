@@ -107,36 +107,31 @@ private slots:
         QCOMPARE(outside::read(started), QByteArray("--no-window\n"));
     }
 
-    void damagedAnswersGiveTheLoadFailure_data()
-    {
-        const QByteArray whole = FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry)});
-        QByteArray billions = FakeManager::profileRecord(7, "x", m_entry);
-        billions.replace(QByteArray("\x00\x00\x00\x01", 4), QByteArray("\x7f\xff\xff\xff", 4));
-        QTest::addColumn<QByteArray>("answer");
-        QTest::newRow("nothing") << QByteArray();
-        QTest::newRow("fewer than 8 bytes") << whole.left(5);
-        QTest::newRow("half the list") << whole.left(whole.size() / 2);
-        QTest::newRow("half a record in a whole frame")
-            << FakeManager::profileList({FakeManager::profileRecord(7, "Office", m_entry).left(30)});
-        QTest::newRow("a size of exabytes") << QByteArray("\x7f\xff\xff\xff\xff\xff\xff\xff garbage", 16);
-        QTest::newRow("a negative size") << QByteArray(64, '\xff');
-        QTest::newRow("a list count of billions") << FakeManager::profileList({billions});
-    }
-
     void damagedAnswersGiveTheLoadFailure()
     {
-        QFETCH(QByteArray, answer);
-        FakeManager manager;
-        manager.listAnswer = answer;
-        manager.closeAfterAnswer = true;
-        kelvaLoginData login;
-        kelvaProfileData profile;
-        QString message;
-        QVERIFY(!login.getProfile(profile, message, nullptr, false));
-        QCOMPARE(
-            message,
-            QString("The profile information could not be loaded. Please start the Connection Manager!"));
-        QVERIFY(!login.getIsUserCanceled());
+        const QByteArray record = FakeManager::profileRecord(7, "Office", m_entry);
+        const QByteArray whole = FakeManager::profileList({record});
+        QByteArray billions = record;
+        billions.replace(QByteArray("\x00\x00\x00\x01", 4), QByteArray("\x7f\xff\xff\xff", 4));
+        const QByteArray answers[] = {QByteArray(),
+                                      whole.left(5),
+                                      whole.left(whole.size() / 2),
+                                      FakeManager::profileList({record.left(30)}),
+                                      QByteArray("\x7f\xff\xff\xff\xff\xff\xff\xff garbage", 16),
+                                      QByteArray(64, '\xff'), // a negative size
+                                      FakeManager::profileList({billions})};
+        for (const QByteArray &answer : answers) {
+            FakeManager manager;
+            manager.listAnswer = answer;
+            manager.closeAfterAnswer = true;
+            kelvaLoginData login;
+            kelvaProfileData profile;
+            QString message;
+            QVERIFY(!login.getProfile(profile, message, nullptr, false));
+            QCOMPARE(message, QString("The profile information could not be loaded. Please start the "
+                                      "Connection Manager!"));
+            QVERIFY(!login.getIsUserCanceled());
+        }
     }
 
     void profilesAreFoundById()

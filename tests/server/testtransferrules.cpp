@@ -31,41 +31,31 @@ private slots:
         QCOMPARE(QSettings(path, QSettings::IniFormat).value("password").toInt(), 1);
     }
 
-    void names_data()
-    {
-        QTest::addColumn<QString>("proposal");
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<int>("counter");
-        QTest::addColumn<QString>("name");
-        const QString pdf = "/tmp/x/scan-a1.pdf";
-        kelvatest::row("description and suffix", "Invoice", pdf, 0, "1234_Invoice.pdf");
-        kelvatest::row("the second of its name", "Invoice", pdf, 1, "1234_1_Invoice.pdf");
-        kelvatest::row("a suffix is not doubled", "Report.pdf", pdf, 0, "1234_Report.pdf");
-        kelvatest::row("blanks go", "  Invoice of   May ", pdf, 0, "1234_InvoiceofMay.pdf");
-        kelvatest::row("umlauts stay", "Größe Äpfel", pdf, 0, "1234_GrößeÄpfel.pdf");
-        kelvatest::row("nothing is left of the name", "***", pdf, 0, "1234_.pdf");
-        kelvatest::row("a path", "../../etc/passwd", pdf, 0, "1234_....etcpasswd.pdf");
-        kelvatest::row("the parent directory", "..", pdf, 0, "1234_...pdf");
-        kelvatest::row("lines, tabs and a null", QString("a\nb\tc\r") + QChar(0), pdf, 0, "1234_abc.pdf");
-        kelvatest::row("a dash", "-rf", pdf, 0, "1234_rf.pdf");
-        kelvatest::row("no name: that of the file", "  ", pdf, 0, "1234_scana1.pdf");
-        kelvatest::row("a turned direction", QString("gnp") + QChar(0x202E) + "fdp.exe", pdf, 0,
-                       "1234_gnpfdp.exe.pdf");
-        kelvatest::row("without a suffix", "Invoice", "/tmp/x/scan", 0, "1234_Invoice");
-        kelvatest::row("a hundred characters", QString(300, 'x'), pdf, 0,
-                       "1234_" + QString(100, 'x') + ".pdf");
-        kelvatest::row("255 bytes", QString(100, QChar(0xE4)), "/tmp/x." + QString(60, 's'), 0,
-                       "1234_" + QString(94, QChar(0xE4)) + '.' + QString(60, 's'));
-    }
-
     void names()
     {
-        QFETCH(QString, proposal);
-        QFETCH(QString, path);
-        QFETCH(int, counter);
-        const QString name = exportFileName(1234, proposal, path, counter);
-        QTEST(name, "name");
-        QVERIFY(name.toUtf8().size() <= 255);
+        const QString pdf = "/tmp/x/scan-a1.pdf";
+        const std::tuple<QString, QString, int, QString> table[] = {
+            {"Invoice", pdf, 0, "1234_Invoice.pdf"},
+            {"Invoice", pdf, 1, "1234_1_Invoice.pdf"},
+            {"Report.pdf", pdf, 0, "1234_Report.pdf"},
+            {"  Größe of   May ", pdf, 0, "1234_GrößeofMay.pdf"},
+            {"***", pdf, 0, "1234_.pdf"},
+            {"../../etc/passwd", pdf, 0, "1234_....etcpasswd.pdf"},
+            {"..", pdf, 0, "1234_...pdf"},
+            {QString("a\nb\tc\r") + QChar(0), pdf, 0, "1234_abc.pdf"},
+            {"-rf", pdf, 0, "1234_rf.pdf"},
+            {"  ", pdf, 0, "1234_scana1.pdf"},
+            {QString("gnp") + QChar(0x202E) + "fdp.exe", pdf, 0, "1234_gnpfdp.exe.pdf"},
+            {"Invoice", "/tmp/x/scan", 0, "1234_Invoice"},
+            {QString(300, 'x'), pdf, 0, "1234_" + QString(100, 'x') + ".pdf"},
+            {QString(100, QChar(0xE4)), "/tmp/x." + QString(60, 's'), 0, // 255 bytes
+             "1234_" + QString(94, QChar(0xE4)) + '.' + QString(60, 's')},
+        };
+        for (const auto &[proposal, path, counter, expected] : table) {
+            const QString name = exportFileName(1234, proposal, path, counter);
+            QCOMPARE(name, expected);
+            QVERIFY(name.toUtf8().size() <= 255);
+        }
     }
 
     void openedCopiesAreClearedUp()
@@ -97,28 +87,19 @@ private slots:
         QVERIFY(QFile::exists(changed));
     }
 
-    void progress_data()
-    {
-        QTest::addColumn<qint64>("current");
-        QTest::addColumn<qint64>("total");
-        QTest::addColumn<qint64>("elapsed");
-        QTest::addColumn<QString>("text");
-        const qint64 mb = 1024 * 1024;
-        kelvatest::row("half of it", 50 * mb, 100 * mb, qint64(10000),
-                       "50 5 MBytes / sec|Verstrichen: 00:00:10 noch 00:00:10 ");
-        kelvatest::row("hours", 10 * mb, 1000 * mb, qint64(400) * 1000,
-                       "1 0.025 MBytes / sec|Verstrichen: 00:06:40 noch 11:00:00 ");
-        kelvatest::row("more than an int", qint64(3000) * mb, qint64(6000) * mb, qint64(100000),
-                       "50 30 MBytes / sec|Verstrichen: 00:01:40 noch 00:01:40 ");
-    }
-
     void progress()
     {
-        QFETCH(qint64, current);
-        QFETCH(qint64, total);
-        QFETCH(qint64, elapsed);
-        const TransferProgress progress = transferProgress(current, total, elapsed);
-        QTEST(QString::number(progress.percent) + ' ' + QString(progress.text).replace("\r\n", "|"), "text");
+        const qint64 mb = 1024 * 1024;
+        const std::tuple<qint64, qint64, qint64, QString> table[] = {
+            {50 * mb, 100 * mb, 10000, "50 5 MBytes / sec|Verstrichen: 00:00:10 noch 00:00:10 "},
+            {10 * mb, 1000 * mb, 400000, "1 0.025 MBytes / sec|Verstrichen: 00:06:40 noch 11:00:00 "},
+            {3000 * mb, 6000 * mb, 100000, "50 30 MBytes / sec|Verstrichen: 00:01:40 noch 00:01:40 "},
+        };
+        for (const auto &[current, total, elapsed, expected] : table) {
+            const TransferProgress progress = transferProgress(current, total, elapsed);
+            QCOMPARE(QString::number(progress.percent) + ' ' + QString(progress.text).replace("\r\n", "|"),
+                     expected);
+        }
     }
 };
 

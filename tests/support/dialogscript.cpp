@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QProgressDialog>
 #include <QTest>
+#include <QTextDocument>
 
 DialogScript::DialogScript()
 {
@@ -51,6 +52,8 @@ void DialogScript::look()
         return;
     const auto *box = qobject_cast<QMessageBox *>(window);
     const QString text = box ? box->text() : QString();
+    if (box && box->textFormat() != Qt::PlainText && Qt::mightBeRichText(text))
+        m_problems << "takes what it says as HTML: " + text;
     const bool expected = !m_entries.isEmpty() && m_entries.first().box == (box != nullptr) &&
                           m_entries.first().title == window->windowTitle() &&
                           text.contains(m_entries.first().textPart);

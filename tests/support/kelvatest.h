@@ -13,6 +13,13 @@ namespace kelvatest {
 
 bool add(const char *name, std::function<QObject *()> make);
 
+/// The columns of a data table, type by type.
+template<typename... Types, typename... Names>
+void columns(const Names &...names)
+{
+    (QTest::addColumn<Types>(names), ...);
+}
+
 /// A row of a data table, value by value; a text literal is a QString.
 template<typename... Values>
 void row(const char *name, const Values &...values)
