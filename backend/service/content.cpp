@@ -157,10 +157,10 @@ Result<qint64> attachBlob(Session &session, qint64 blob, const QString &fileName
             return allowed.error();
         database.run(QStringLiteral("UPDATE document SET version = version + 1 WHERE id = ?"), {document});
     } else {
-        database.run(QStringLiteral("INSERT INTO document(subarchive, file_name, creator, created, version)"
-                                    " VALUES(?, ?, ?, ?, 1)"),
-                     {subArchive, fileName, session.login(), session.timestamp()});
-        document = database.lastInsertId();
+        document = database.insert(
+            QStringLiteral("INSERT INTO document(subarchive, file_name, creator, created, version)"
+                           " VALUES(?, ?, ?, ?, 1)"),
+            {subArchive, fileName, session.login(), session.timestamp()});
     }
     database.run(QStringLiteral("INSERT INTO file_version(document, version, blob, creator, created)"
                                 " SELECT id, version, ?, ?, ? FROM document WHERE id = ?"),

@@ -68,9 +68,8 @@ Result<qint64> SubArchives::create(const QString &name, const QString &comment)
         const Result<QString> clean = checkName(database, name, 0);
         if (!clean)
             return clean.error();
-        database.run(QStringLiteral("INSERT INTO subarchive(name, comment) VALUES(?, ?)"),
-                     {clean.value(), storedText(comment)});
-        return database.lastInsertId();
+        return database.insert(QStringLiteral("INSERT INTO subarchive(name, comment) VALUES(?, ?)"),
+                               {clean.value(), storedText(comment)});
     });
 }
 
