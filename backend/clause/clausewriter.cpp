@@ -4,7 +4,7 @@
 #include "clause/clauseparser.h"
 #include "clause/clausesql.h"
 #include "clause/clausevalues.h"
-#include "store/textmatch.h"
+#include "store/textindex.h"
 
 #include <algorithm>
 
@@ -88,7 +88,9 @@ Result<SqlCondition> ClauseWriter::write(const ClauseNode &root)
         return m_error;
     if (part->condition.values.size() > mostValues)
         return clauseError(1, QStringLiteral("it holds more than %1 values").arg(mostValues));
-    return SqlCondition{QLatin1Char('(') + part->condition.sql + QLatin1Char(')'), part->condition.values};
+    SqlCondition condition = part->condition;
+    condition.sql = QLatin1Char('(') + condition.sql + QLatin1Char(')');
+    return condition;
 }
 
 std::optional<SqlPart> ClauseWriter::writeNode(const ClauseNode &node, bool negated)
@@ -296,10 +298,11 @@ SqlPart ClauseWriter::writePattern(const Side &left, const QString &pattern, boo
     const QString run = storedAsText && !left.field->trigramTable.isEmpty() ? trigramRun(pattern) : QString();
     if (run.isEmpty())
         return sqlPart(match, {pattern});
-    QString phrase = run;
-    phrase.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return sqlPart(lookUp(left.field->trigramTable) + QLatin1String(" AND ") + match,
-                   {QLatin1Char('"') + phrase + QLatin1Char('"'), pattern});
+    SqlPart part;
+    part.condition = textindex::contains(m_rowIdColumn, left.field->trigramTable, run);
+    part.condition.sql += QLatin1String(" AND ") + match;
+    part.condition.values << pattern;
+    return part;
 }
 
 std::optional<SqlPart> ClauseWriter::writeWordMatch(const ClauseNode &node, bool negated)
@@ -322,14 +325,11 @@ std::optional<SqlPart> ClauseWriter::writeWordMatch(const ClauseNode &node, bool
         return sqlPart((negated ? QStringLiteral("NOT ") : QString()) + QLatin1String("kelva_words(?, ") +
                            column(*left, Type::Text) + QLatin1Char(')'),
                        {query});
-    const QString match = lookUp(left->field->wordTable);
-    return sqlPart(negated ? known + QLatin1String(" AND NOT ") + match : match,
-                   {words.value().matchExpression()});
-}
-
-QString ClauseWriter::lookUp(const QString &table) const
-{
-    return QStringLiteral("%1 IN (SELECT rowid FROM %2 WHERE %2 MATCH ?)").arg(m_rowIdColumn, table);
+    SqlPart part;
+    part.condition = textindex::words(m_rowIdColumn, left->field->wordTable, words.value().terms());
+    if (negated)
+        part.condition.sql.prepend(known + QLatin1String(" AND NOT "));
+    return part;
 }
 
 std::optional<ClauseWriter::Side> ClauseWriter::resolve(const ClauseOperand &operand)

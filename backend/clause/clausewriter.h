@@ -45,7 +45,6 @@ private:
     /// The operand as a value of that type; only for literals, and never NULL.
     std::optional<QVariant> literal(const Side &side, Type type);
     static QString column(const Side &side, Type type);
-    QString lookUp(const QString &table) const;
     static QString nameOf(const Side &side);
     std::nullopt_t refuse(int position, const QString &reason);
 

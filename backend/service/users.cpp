@@ -141,7 +141,7 @@ Result<void> checkPassword(const Database &database, const QString &login, const
 Result<QStringList> Users::list()
 {
     return read(m_session, "Users::list", [&](Database &database) -> Result<QStringList> {
-        return readUsers(database, QStringLiteral("1"), {});
+        return readUsers(database, sql::always, {});
     });
 }
 

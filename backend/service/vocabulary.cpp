@@ -180,10 +180,10 @@ Result<QStringList> Vocabulary::descriptions()
 {
     return read(m_session, "Vocabulary::descriptions", [&](Database &database) -> Result<QStringList> {
         return database.texts(
-            QStringLiteral(
-                "SELECT DISTINCT bemerkung FROM (SELECT c.bemerkung FROM classification c NOT INDEXED"
-                " WHERE c.trashed = 0 AND %1 ORDER BY c.id DESC LIMIT %2) WHERE bemerkung <> '' ORDER BY 1")
-                .arg(m_session.access().visibleCondition(QStringLiteral("c.folder")))
+            QStringLiteral("SELECT DISTINCT bemerkung FROM (SELECT c.bemerkung FROM classification c %1"
+                           " WHERE c.trashed = 0 AND %2 ORDER BY c.id DESC LIMIT %3) AS newest WHERE "
+                           "bemerkung <> '' ORDER BY 1")
+                .arg(sql::byRowId(), m_session.access().visibleCondition(QStringLiteral("c.folder")))
                 .arg(completionWindow));
     });
 }
