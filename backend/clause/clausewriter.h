@@ -33,6 +33,7 @@ private:
     bool collect(const ClauseNode &node, bool negated, bool conjunction, std::vector<SqlPart> *parts);
     std::optional<SqlPart> writeCompare(const ClauseNode &node, bool negated);
     std::optional<SqlPart> writeComparison(const Side &left, const Side &right, Comparator comparator);
+    std::optional<SqlPart> writeWholeNumber(const Side &field, const Side &number, Comparator comparator);
     std::optional<SqlPart> writeLike(const ClauseNode &node, bool negated);
     std::optional<SqlPart> writeIsNull(const ClauseNode &node, bool negated);
     std::optional<SqlPart> writeIn(const ClauseNode &node, bool negated);

@@ -103,6 +103,11 @@ private slots:
             {"not (status = 2 and docart = 3)", {1, 3, 4, 5, 6, 7, 8}},
             // Unknown is neither true nor false
             {"docart = null", {}},
+            // A fraction is no whole number, but lies between two
+            {"docart = 3.5 or docart in (2.5, 3.0)", {1, 2, 5}},
+            {"docart != 3.5 and docart not in (2.5, 1e30)", {1, 2, 3, 4, 5, 6, 7}},
+            {"docart < 4.5 and 2.5 <= docart and docart >= -1e30 and not docart > 1e30", {1, 2, 5}},
+            {"docart > 3.5 or docart >= 11.5 or docart < -1e30", {3, 4, 7}},
             {"docart != 3 or docart = null", {3, 4, 6, 7}},
             {"not (docart = 3 or docart = null)", {}},
             {"not docart in (3, 5)", {3, 6}},
