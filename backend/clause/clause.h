@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/result.h"
+#include "store/sql.h"
 
 #include <QDate>
 #include <QHash>
@@ -23,8 +24,8 @@ struct ClauseField
 {
     FieldType type = FieldType::Text;
     QString column;       ///< qualified column, such as "c.folder", or another expression in parentheses
-    QString wordTable;    ///< FTS5 table of the field's words (unicode61 remove_diacritics 0), or empty
-    QString trigramTable; ///< FTS5 table of the field's trigrams (trigram), or empty
+    QString wordTable;    ///< full-text table of the field's words, or empty
+    QString trigramTable; ///< full-text table of the field's trigrams, or empty
 };
 
 /// The fields that are known, by key in any case, and the column that the row ids of their full-text tables
@@ -35,16 +36,9 @@ struct ClauseFields
     QString rowIdColumn; ///< such as "c.id"
 };
 
-/// A condition to stand in a WHERE, in parentheses already, with one "?" for each of values. It is true for
-/// the records that fulfil the clause, and false or NULL for all others, so it must not be negated. It calls
-/// the functions of store/sqlfunctions.h.
-struct SqlCondition
-{
-    QString sql;
-    QVariantList values;
-};
-
-/// One where clause as SQL. Date macros are taken relative to today. A clause outside the dialect, or one
+/// One where clause as SQL, in parentheses already. It is true for the records that fulfil the clause, and
+/// false or NULL for all others, so it must not be negated. It calls the functions of store/sqlfunctions.h.
+/// Date macros are taken relative to today. A clause outside the dialect, or one
 /// that names an unknown field or compares what cannot be compared, is a BadInput whose text says where.
 Result<SqlCondition> translateClause(const QString &clause, const ClauseFields &fields, const QDate &today);
 

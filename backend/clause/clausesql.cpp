@@ -1,8 +1,5 @@
 #include "clause/clausesql.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-
 #include <algorithm>
 
 namespace kelva {
@@ -12,21 +9,6 @@ namespace {
 constexpr int shortList = 8;            ///< values; more are bound as one
 constexpr size_t longestChain = 50;     ///< the database refuses expressions deeper than 1000
 constexpr size_t mostAlternatives = 10; ///< that the database may look up one by one
-
-/// The values as one text in JSON. Whole numbers are written here, as QJsonValue would make doubles of them.
-QString jsonList(const QVariantList &values)
-{
-    QByteArray json;
-    for (const QVariant &value : values) {
-        json += json.isEmpty() ? '[' : ',';
-        if (value.type() == QVariant::String)
-            json +=
-                QJsonDocument(QJsonArray{value.toString()}).toJson(QJsonDocument::Compact).mid(1).chopped(1);
-        else
-            json += QByteArray::number(value.toLongLong());
-    }
-    return QString::fromUtf8(json + ']');
-}
 
 /// "a = 1 OR a = 2" becomes "a IN (1, 2)", and "a <> 1 AND a <> 2" becomes "a NOT IN (1, 2)".
 std::vector<SqlPart> withMergedMembers(std::vector<SqlPart> parts, bool conjunction)
@@ -59,6 +41,7 @@ SqlPart chain(const std::vector<SqlPart> &parts, bool conjunction)
             whole.condition.sql += conjunction ? QLatin1String(" AND ") : QLatin1String(" OR ");
         whole.condition.sql += QLatin1Char('(') + part.condition.sql + QLatin1Char(')');
         whole.condition.values += part.condition.values;
+        whole.condition.usesTextIndex = whole.condition.usesTextIndex || part.condition.usesTextIndex;
     }
     whole.stack = std::max(parts[0].stack + 1, parts[1].stack + 3);
     return whole;
@@ -84,7 +67,7 @@ SqlPart chains(std::vector<SqlPart> parts, bool conjunction)
 
 SqlPart constantPart(bool value)
 {
-    SqlPart part = sqlPart(value ? QStringLiteral("1") : QStringLiteral("0"));
+    SqlPart part = sqlPart(value ? sql::always : sql::never);
     part.constant = value;
     return part;
 }
@@ -108,9 +91,7 @@ SqlPart memberPart(const QString &column, const QVariantList &values, bool exclu
                            QStringLiteral("?, ").repeated(values.size() - 1) + QLatin1String("?)"),
                        values);
     else
-        part = sqlPart(column + (excluded ? QLatin1String(" NOT IN (") : QLatin1String(" IN (")) +
-                           QLatin1String("SELECT value FROM json_each(?))"),
-                       {jsonList(values)});
+        part.condition = sql::inList(column, values, excluded);
     part.memberOf = column;
     part.members = values;
     part.excluded = excluded;
@@ -122,10 +103,9 @@ SqlPart joinParts(std::vector<SqlPart> parts, bool conjunction)
     parts = withMergedMembers(std::move(parts), conjunction);
     const bool opaque = !conjunction && parts.size() > mostAlternatives;
     SqlPart whole = chains(std::move(parts), conjunction);
-    // For each alternative that it looks up by itself, the database repeats all other conditions. The sign
-    // keeps it from looking.
+    // For each alternative that it looks up by itself, the database repeats all other conditions.
     if (opaque) {
-        whole.condition.sql = QLatin1String("+(") + whole.condition.sql + QLatin1Char(')');
+        whole.condition.sql = sql::opaque(QLatin1Char('(') + whole.condition.sql + QLatin1Char(')'));
         whole.stack += 2;
     }
     return whole;

@@ -28,6 +28,18 @@ std::optional<QVariant> numberValue(const QString &text)
     return number;
 }
 
+WholeNumber wholeNumber(const QVariant &number)
+{
+    if (number.type() != QVariant::Double)
+        return {number.toLongLong(), true, 0};
+    const double value = number.toDouble();
+    constexpr double end = 9223372036854775808.0; // one above the largest
+    if (value >= end || value < -end)
+        return {0, false, value > 0 ? 1 : -1};
+    const double floor = std::floor(value);
+    return {static_cast<qlonglong>(floor), floor == value, 0};
+}
+
 QString plainNumber(const QString &number)
 {
     if (number.contains(QLatin1Char('e'), Qt::CaseInsensitive)) {

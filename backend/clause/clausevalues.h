@@ -11,6 +11,15 @@ namespace kelva {
 /// around it, a sign and an exponent are allowed. Nothing when it is no number or too large for a double.
 std::optional<QVariant> numberValue(const QString &text);
 
+/// Where a number stands among the whole numbers of the database.
+struct WholeNumber
+{
+    qlonglong floor = 0; ///< the number itself when exact
+    bool exact = false;
+    int outside = 0; ///< negative or positive when it is below or above all of them
+};
+WholeNumber wholeNumber(const QVariant &number);
+
 /// A number as written in a clause in the form that a number column has as text: "007.50" is "7.5".
 QString plainNumber(const QString &number);
 

@@ -4,7 +4,8 @@
 #include "clause/clauseparser.h"
 #include "clause/clausesql.h"
 #include "clause/clausevalues.h"
-#include "store/textmatch.h"
+#include "clause/comparators.h"
+#include "store/textindex.h"
 
 #include <algorithm>
 
@@ -13,63 +14,6 @@ namespace kelva {
 namespace {
 
 constexpr int mostValues = 30000; ///< the database takes 32766 in one statement
-
-Comparator negation(Comparator comparator)
-{
-    switch (comparator) {
-    case Comparator::Equal:
-        return Comparator::NotEqual;
-    case Comparator::NotEqual:
-        return Comparator::Equal;
-    case Comparator::Less:
-        return Comparator::GreaterOrEqual;
-    case Comparator::LessOrEqual:
-        return Comparator::Greater;
-    case Comparator::Greater:
-        return Comparator::LessOrEqual;
-    case Comparator::GreaterOrEqual:
-        return Comparator::Less;
-    }
-    return comparator;
-}
-
-QString sign(Comparator comparator)
-{
-    switch (comparator) {
-    case Comparator::Equal:
-        return QStringLiteral(" = ");
-    case Comparator::NotEqual:
-        return QStringLiteral(" <> ");
-    case Comparator::Less:
-        return QStringLiteral(" < ");
-    case Comparator::LessOrEqual:
-        return QStringLiteral(" <= ");
-    case Comparator::Greater:
-        return QStringLiteral(" > ");
-    case Comparator::GreaterOrEqual:
-        break;
-    }
-    return QStringLiteral(" >= ");
-}
-
-bool holds(Comparator comparator, int order)
-{
-    switch (comparator) {
-    case Comparator::Equal:
-        return order == 0;
-    case Comparator::NotEqual:
-        return order != 0;
-    case Comparator::Less:
-        return order < 0;
-    case Comparator::LessOrEqual:
-        return order <= 0;
-    case Comparator::Greater:
-        return order > 0;
-    case Comparator::GreaterOrEqual:
-        break;
-    }
-    return order >= 0;
-}
 
 } // namespace
 
@@ -88,7 +32,9 @@ Result<SqlCondition> ClauseWriter::write(const ClauseNode &root)
         return m_error;
     if (part->condition.values.size() > mostValues)
         return clauseError(1, QStringLiteral("it holds more than %1 values").arg(mostValues));
-    return SqlCondition{QLatin1Char('(') + part->condition.sql + QLatin1Char(')'), part->condition.values};
+    SqlCondition condition = part->condition;
+    condition.sql = QLatin1Char('(') + condition.sql + QLatin1Char(')');
+    return condition;
 }
 
 std::optional<SqlPart> ClauseWriter::writeNode(const ClauseNode &node, bool negated)
@@ -164,6 +110,10 @@ std::optional<SqlPart> ClauseWriter::writeComparison(const Side &left, const Sid
         return std::nullopt;
     if (*type == Type::Null)
         return constantPart(false);
+    if (*type == Type::Number && left.field && !right.field && left.field->type == FieldType::Integer)
+        return writeWholeNumber(left, right, comparator);
+    if (*type == Type::Number && right.field && !left.field && right.field->type == FieldType::Integer)
+        return writeWholeNumber(right, left, mirrored(comparator));
     QString text;
     QVariantList values;
     for (const Side *side : {&left, &right}) {
@@ -185,6 +135,32 @@ std::optional<SqlPart> ClauseWriter::writeComparison(const Side &left, const Sid
         return memberPart(column(left.field ? left : right, *type), values,
                           comparator == Comparator::NotEqual);
     return sqlPart(text, values);
+}
+
+/// A column of whole numbers beside a literal. A fraction is never bound for it: not every database would
+/// take it, and what it means is known.
+std::optional<SqlPart> ClauseWriter::writeWholeNumber(const Side &field, const Side &number,
+                                                      Comparator comparator)
+{
+    const std::optional<QVariant> value = literal(number, Type::Number);
+    if (!value)
+        return std::nullopt;
+    const WholeNumber whole = wholeNumber(*value);
+    const QString name = column(field, Type::Number);
+    const bool equality = comparator == Comparator::Equal || comparator == Comparator::NotEqual;
+    if (whole.exact && equality)
+        return memberPart(name, {whole.floor}, comparator == Comparator::NotEqual);
+    if (whole.exact)
+        return sqlPart(name + sign(comparator) + QLatin1Char('?'), {whole.floor});
+    const bool below = comparator == Comparator::Less || comparator == Comparator::LessOrEqual;
+    const bool above = comparator == Comparator::Greater || comparator == Comparator::GreaterOrEqual;
+    // Beyond all whole numbers, or between two of them.
+    if (whole.outside == 0 && !equality)
+        return sqlPart(name + sign(below ? Comparator::LessOrEqual : Comparator::Greater) + QLatin1Char('?'),
+                       {whole.floor});
+    const bool all =
+        comparator == Comparator::NotEqual || (below && whole.outside > 0) || (above && whole.outside < 0);
+    return all ? sqlPart(name + QLatin1String(" IS NOT NULL")) : constantPart(false);
 }
 
 std::optional<SqlPart> ClauseWriter::writeIsNull(const ClauseNode &node, bool negated)
@@ -233,15 +209,27 @@ std::optional<SqlPart> ClauseWriter::writeList(const Side &left, const std::vect
     }
     Type type = Type::Null;
     QVariantList values;
+    int fractions = 0; // that no whole number is equal to
     for (const Side &entry : list) {
         const std::optional<Type> common = commonType(left, entry);
         const std::optional<QVariant> value = common ? literal(entry, *common) : std::nullopt;
         if (!value)
             return std::nullopt;
         type = *common;
-        values << *value;
+        if (type == Type::Number && left.field->type == FieldType::Integer) {
+            const WholeNumber whole = wholeNumber(*value);
+            if (whole.exact)
+                values << whole.floor;
+            else
+                ++fractions;
+        } else {
+            values << *value;
+        }
     }
-    return values.isEmpty() ? constantPart(false) : memberPart(column(left, type), values, negated);
+    if (!values.isEmpty())
+        return memberPart(column(left, type), values, negated);
+    return negated && fractions > 0 ? sqlPart(left.field->column + QLatin1String(" IS NOT NULL"))
+                                    : constantPart(false);
 }
 
 std::optional<SqlPart> ClauseWriter::writeLike(const ClauseNode &node, bool negated)
@@ -296,10 +284,11 @@ SqlPart ClauseWriter::writePattern(const Side &left, const QString &pattern, boo
     const QString run = storedAsText && !left.field->trigramTable.isEmpty() ? trigramRun(pattern) : QString();
     if (run.isEmpty())
         return sqlPart(match, {pattern});
-    QString phrase = run;
-    phrase.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return sqlPart(lookUp(left.field->trigramTable) + QLatin1String(" AND ") + match,
-                   {QLatin1Char('"') + phrase + QLatin1Char('"'), pattern});
+    SqlPart part;
+    part.condition = textindex::contains(m_rowIdColumn, left.field->trigramTable, run);
+    part.condition.sql += QLatin1String(" AND ") + match;
+    part.condition.values << pattern;
+    return part;
 }
 
 std::optional<SqlPart> ClauseWriter::writeWordMatch(const ClauseNode &node, bool negated)
@@ -322,14 +311,11 @@ std::optional<SqlPart> ClauseWriter::writeWordMatch(const ClauseNode &node, bool
         return sqlPart((negated ? QStringLiteral("NOT ") : QString()) + QLatin1String("kelva_words(?, ") +
                            column(*left, Type::Text) + QLatin1Char(')'),
                        {query});
-    const QString match = lookUp(left->field->wordTable);
-    return sqlPart(negated ? known + QLatin1String(" AND NOT ") + match : match,
-                   {words.value().matchExpression()});
-}
-
-QString ClauseWriter::lookUp(const QString &table) const
-{
-    return QStringLiteral("%1 IN (SELECT rowid FROM %2 WHERE %2 MATCH ?)").arg(m_rowIdColumn, table);
+    SqlPart part;
+    part.condition = textindex::words(m_rowIdColumn, left->field->wordTable, words.value().terms());
+    if (negated)
+        part.condition.sql.prepend(known + QLatin1String(" AND NOT "));
+    return part;
 }
 
 std::optional<ClauseWriter::Side> ClauseWriter::resolve(const ClauseOperand &operand)

@@ -33,6 +33,7 @@ private:
     bool collect(const ClauseNode &node, bool negated, bool conjunction, std::vector<SqlPart> *parts);
     std::optional<SqlPart> writeCompare(const ClauseNode &node, bool negated);
     std::optional<SqlPart> writeComparison(const Side &left, const Side &right, Comparator comparator);
+    std::optional<SqlPart> writeWholeNumber(const Side &field, const Side &number, Comparator comparator);
     std::optional<SqlPart> writeLike(const ClauseNode &node, bool negated);
     std::optional<SqlPart> writeIsNull(const ClauseNode &node, bool negated);
     std::optional<SqlPart> writeIn(const ClauseNode &node, bool negated);
@@ -45,7 +46,6 @@ private:
     /// The operand as a value of that type; only for literals, and never NULL.
     std::optional<QVariant> literal(const Side &side, Type type);
     static QString column(const Side &side, Type type);
-    QString lookUp(const QString &table) const;
     static QString nameOf(const Side &side);
     std::nullopt_t refuse(int position, const QString &reason);
 

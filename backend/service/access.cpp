@@ -30,11 +30,6 @@ QHash<QString, QSet<QString>> folderRoles(Database &database)
     return roles;
 }
 
-QString openedCondition(const QString &column)
-{
-    return QStringLiteral("%1 IN (SELECT oid FROM temp.opened_folder)").arg(column);
-}
-
 bool opens(const QSet<QString> &folderRoles, const QSet<QString> &userRoles)
 {
     return folderRoles.contains(rights::publicFolder) || folderRoles.contains(rights::everyUser) ||
@@ -53,6 +48,7 @@ Access::Access(Database &database, Scope scope, const QStringList &userRoles)
     m_seesEverything = m_opensEverything || m_roles.contains(rights::allDocuments);
     if (m_opensEverything)
         return;
+    QSet<QString> opened{unassigned};
     QHash<QString, bool> decided;
     for (Query row = database.query(QStringLiteral("SELECT oid FROM folder ORDER BY length(oid)"));
          row.next();) {
@@ -73,16 +69,10 @@ Access::Access(Database &database, Scope scope, const QStringList &userRoles)
         }
         decided.insert(oid, open);
         if (open)
-            m_opened.insert(oid);
+            opened.insert(oid);
     }
-    m_opened.insert(unassigned);
 
-    database.run(
-        QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS opened_folder(oid TEXT PRIMARY KEY) WITHOUT ROWID"));
-    database.run(QStringLiteral("DELETE FROM opened_folder"));
-    Statement insert(database, QStringLiteral("INSERT INTO opened_folder VALUES(?)"));
-    for (const QString &oid : qAsConst(m_opened))
-        insert.run({oid});
+    m_opened = FolderSet(database, opened);
 }
 
 bool Access::has(const QString &right) const
@@ -116,14 +106,14 @@ Result<void> Access::require(const QString &right) const
 
 QString Access::visibleCondition(const QString &column) const
 {
-    return m_seesEverything ? QStringLiteral("1") : openedCondition(column);
+    return m_seesEverything ? sql::always : FolderSet::condition(column);
 }
 
 QString Access::writableCondition(const QString &column) const
 {
     if (!has(rights::classify))
-        return QStringLiteral("0");
-    return m_opensEverything ? QStringLiteral("1") : openedCondition(column);
+        return sql::never;
+    return m_opensEverything ? sql::always : FolderSet::condition(column);
 }
 
 } // namespace kelva

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "clause/clause.h"
+#include "store/folderset.h"
 #include "store/result.h"
 
 #include <QHash>
@@ -40,14 +41,14 @@ public:
     /// Ok, or Refused with a sentence that names what the right is for.
     Result<void> require(const QString &right) const;
 
-    /// Conditions on the column of a folder oid; "1" when all of them may be seen or written.
+    /// Conditions on the column of a folder oid; always true when all of them may be.
     QString visibleCondition(const QString &column) const;
     QString writableCondition(const QString &column) const;
 
 private:
     Scope m_scope = Scope::Roles;
     QSet<QString> m_roles;
-    QSet<QString> m_opened; ///< folders, by their roles
+    FolderSet m_opened; ///< by their roles
     bool m_opensEverything = false;
     bool m_seesEverything = false;
 };

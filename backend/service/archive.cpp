@@ -35,9 +35,9 @@ void insertSeeds(Database &database, const NewArchive &archive)
     for (const QString &role : qAsConst(roles))
         database.run(QStringLiteral("INSERT INTO role VALUES(?)"), {role});
     roles.removeAll(rights::everyUser);
-    database.run(QStringLiteral("INSERT INTO account(login, password, name) VALUES(?, ?, ?)"),
-                 {archive.administrator, hashPassword(archive.password), archive.administrator});
-    const qint64 account = database.lastInsertId();
+    const qint64 account =
+        database.insert(QStringLiteral("INSERT INTO account(login, password, name) VALUES(?, ?, ?)"),
+                        {archive.administrator, hashPassword(archive.password), archive.administrator});
     for (const QString &role : qAsConst(roles))
         database.run(QStringLiteral("INSERT INTO account_role VALUES(?, ?)"), {account, role});
 }

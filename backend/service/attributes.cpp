@@ -66,11 +66,11 @@ Result<void> saveAttribute(Database &database, const QStringList &fields, QHash<
         return Error{
             ErrorCode::BadInput,
             QStringLiteral("There are no attributes of the kind \"%1\".").arg(fields.value(2).left(40))};
-    database.run(
+    const qint64 newId = database.insert(
         QStringLiteral("INSERT INTO attribute(name, kind, not_unique, not_active) VALUES(?, ?, ?, ?)"),
         {name, attributeKindName(*kind), notUnique, notActive});
-    made->insert(id, database.lastInsertId());
-    addColumn(database, database.lastInsertId(), *kind);
+    made->insert(id, newId);
+    addColumn(database, newId, *kind);
     return {};
 }
 

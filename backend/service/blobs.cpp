@@ -114,9 +114,8 @@ Result<void> BlobWriter::stage()
 
 void BlobWriter::startBlob(bool unfinished)
 {
-    m_session.database().run(QStringLiteral("INSERT INTO blob(touched) VALUES(?)"),
-                             {unfinished ? QVariant(uploadMark(m_session)) : QVariant()});
-    m_blob = m_session.database().lastInsertId();
+    m_blob = m_session.database().insert(QStringLiteral("INSERT INTO blob(touched) VALUES(?)"),
+                                         {unfinished ? QVariant(uploadMark(m_session)) : QVariant()});
 }
 
 void BlobWriter::insertPieces()
@@ -143,9 +142,8 @@ Result<qint64> BlobWriter::finish()
 
 qint64 insertBlob(Database &database, const QByteArray &content)
 {
-    database.run(QStringLiteral("INSERT INTO blob(size, sha256) VALUES(?, ?)"),
-                 {content.size(), Checksum::of(content)});
-    const qint64 blob = database.lastInsertId();
+    const qint64 blob = database.insert(QStringLiteral("INSERT INTO blob(size, sha256) VALUES(?, ?)"),
+                                        {content.size(), Checksum::of(content)});
     int number = 0;
     for (int at = 0; at < content.size(); at += pieceSize)
         database.run(QStringLiteral("INSERT INTO blob_piece(blob, number, data) VALUES(?, ?, ?)"),
@@ -196,10 +194,10 @@ QStringList blobFaults(Database &database)
         faults << QStringLiteral("Not every content can be found.");
     for (const qint64 blob : blobs) {
         Checksum hash;
-        for (Query row = database.query(
-                 QStringLiteral("SELECT data FROM blob_piece WHERE blob = ? ORDER BY number"), {blob});
-             row.next();)
-            hash.add(row.bytes(0));
+        for (const qint64 piece : database.numbers(
+                 QStringLiteral("SELECT id FROM blob_piece WHERE blob = ? ORDER BY number"), {blob}))
+            hash.add(database.value(QStringLiteral("SELECT data FROM blob_piece WHERE id = ?"), {piece})
+                         .toByteArray());
         if (hash.result() !=
             database.value(QStringLiteral("SELECT sha256 FROM blob WHERE id = ?"), {blob}).toByteArray())
             faults << QStringLiteral("The content %1 does not match its checksum.").arg(blob);

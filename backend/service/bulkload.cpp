@@ -21,7 +21,7 @@ QString insertRecord(const QVector<AttributeColumn> &attributes)
         columns += QStringLiteral(", ") + attribute.column;
         places += QStringLiteral(", ?");
     }
-    return QStringLiteral("INSERT INTO classification(%1) VALUES(%2)").arg(columns, places);
+    return QStringLiteral("INSERT INTO classification(%1) VALUES(%2) RETURNING id").arg(columns, places);
 }
 
 } // namespace
@@ -32,7 +32,7 @@ struct BulkLoad::Statements
         : attributes(std::move(all)),
           document(database,
                    QStringLiteral("INSERT INTO document(subarchive, file_name, creator, created, version)"
-                                  " VALUES(?, ?, ?, ?, ?)")),
+                                  " VALUES(?, ?, ?, ?, ?) RETURNING id")),
           version(database,
                   QStringLiteral("INSERT INTO file_version(document, version, blob, creator, created)"
                                  " VALUES(?, 1, ?, ?, ?)")),
@@ -77,9 +77,8 @@ Result<qint64> BulkLoad::add(const BulkDocument &document)
             return begun.error();
     Database &database = m_session.database();
     const bool hasFile = !document.content.isNull();
-    m_statements->document.run({document.subArchive, storedText(document.fileName), document.creator,
-                                document.created, hasFile ? 1 : 0});
-    const qint64 id = m_statements->document.lastInsertId();
+    const qint64 id = m_statements->document.insert({document.subArchive, storedText(document.fileName),
+                                                     document.creator, document.created, hasFile ? 1 : 0});
     if (hasFile) {
         m_statements->version.run(
             {id, insertBlob(database, document.content), document.creator, document.created});
@@ -105,8 +104,7 @@ Result<qint64> BulkLoad::add(const BulkDocument &document)
             return value.error();
         values << value.value();
     }
-    m_statements->record.run(values);
-    const qint64 record = m_statements->record.lastInsertId();
+    const qint64 record = m_statements->record.insert(values);
     if (!document.note.isEmpty())
         m_statements->note.run({record, document.creator, document.created, storedText(document.note)});
     if (database.failed())

@@ -11,6 +11,8 @@
 #include "service/rights.h"
 #include "service/temporaryfiles.h"
 #include "service/visibledocuments.h"
+#include "store/schema.h"
+#include "store/textindex.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -157,10 +159,10 @@ Result<qint64> attachBlob(Session &session, qint64 blob, const QString &fileName
             return allowed.error();
         database.run(QStringLiteral("UPDATE document SET version = version + 1 WHERE id = ?"), {document});
     } else {
-        database.run(QStringLiteral("INSERT INTO document(subarchive, file_name, creator, created, version)"
-                                    " VALUES(?, ?, ?, ?, 1)"),
-                     {subArchive, fileName, session.login(), session.timestamp()});
-        document = database.lastInsertId();
+        document = database.insert(
+            QStringLiteral("INSERT INTO document(subarchive, file_name, creator, created, version)"
+                           " VALUES(?, ?, ?, ?, 1)"),
+            {subArchive, fileName, session.login(), session.timestamp()});
     }
     database.run(QStringLiteral("INSERT INTO file_version(document, version, blob, creator, created)"
                                 " SELECT id, version, ?, ?, ? FROM document WHERE id = ?"),
@@ -276,10 +278,10 @@ Result<QStringList> Content::info(const QStringList &archiveIds)
     return read(m_session, "Content::info", [&](Database &database) -> Result<QStringList> {
         QStringList records;
         const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("d.id"));
-        Query row = database.query(QStringLiteral("SELECT d.id, d.file_name FROM document d"
-                                                  " WHERE d.id IN (SELECT value FROM json_each(?)) AND %1")
-                                       .arg(visible.sql),
-                                   QVariantList{jsonList(parseIds(archiveIds))} + visible.values);
+        const SqlCondition asked = sql::inList(QStringLiteral("d.id"), parseIds(archiveIds));
+        Query row = database.query(QStringLiteral("SELECT d.id, d.file_name FROM document d WHERE %1 AND %2")
+                                       .arg(asked.sql, visible.sql),
+                                   asked.values + visible.values);
         while (row.next()) {
             const QString name = row.text(1);
             records << QStringList{row.text(0), name, QString(), QFileInfo(name).suffix()}.join(
@@ -293,20 +295,21 @@ Result<QStringList> Content::actions(const QStringList &archiveIds, int action, 
 {
     return read(m_session, "Content::actions", [&](Database &database) -> Result<QStringList> {
         const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("e.document"));
-        QString sql = QStringLiteral("SELECT e.document, e.id, e.action, e.time, e.login FROM event e"
-                                     " WHERE e.document IN (SELECT value FROM json_each(?)) AND %1")
-                          .arg(visible.sql);
-        QVariantList values = QVariantList{jsonList(parseIds(archiveIds))} + visible.values;
+        const SqlCondition asked = sql::inList(QStringLiteral("e.document"), parseIds(archiveIds));
+        QString text = QStringLiteral("SELECT e.document, e.id, e.action, e.time, e.login FROM event e"
+                                      " WHERE %1 AND %2")
+                           .arg(asked.sql, visible.sql);
+        QVariantList values = asked.values + visible.values;
         if (action >= 0) {
-            sql += QStringLiteral(" AND e.action = ?");
+            text += QStringLiteral(" AND e.action = ?");
             values << action;
         }
         if (!user.isEmpty()) {
-            sql += QStringLiteral(" AND e.login = ?");
+            text += QStringLiteral(" AND e.login = ?");
             values << user;
         }
         QStringList records;
-        for (Query row = database.query(sql + QStringLiteral(" ORDER BY e.document, e.id"), values);
+        for (Query row = database.query(text + QStringLiteral(" ORDER BY e.document, e.id"), values);
              row.next();)
             records << joinFields({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4)});
         return records;
@@ -364,23 +367,24 @@ Result<void> Content::remove(const QString &archiveId, const QString &comment)
 
 Result<QStringList> Content::search(const QString &text)
 {
-    const Result<QString> words = fullTextExpression(text);
-    if (!words)
-        return words.error();
-    const QString &expression = words.value();
-    if (expression.isEmpty())
+    const Result<TextTerms> terms = fullTextTerms(text);
+    if (!terms)
+        return terms.error();
+    if (terms.value().empty())
         return Error{ErrorCode::BadInput, QStringLiteral("There is nothing to look for.")};
     return read(m_session, "Content::search", [&](Database &database) -> Result<QStringList> {
         const TimeLimit patience(database, longestSearchMs(database));
         // The words of a file are those of every entry, a description is seen with its own entry alone.
-        const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("t.rowid"));
+        const SqlCondition visible = visibleDocuments(m_session, QStringLiteral("d.id"));
+        const SqlCondition inFile = textindex::fileWords(QStringLiteral("d.id"), terms.value());
+        const SqlCondition inEntry = textindex::words(
+            QStringLiteral("c.id"), schema::wordTable(QStringLiteral("bemerkung")), terms.value());
         const QVector<qint64> ids = database.numbers(
-            QStringLiteral(
-                "SELECT t.rowid FROM words_text t WHERE words_text MATCH ? AND %1"
-                " UNION SELECT c.document FROM classification c WHERE c.id IN"
-                " (SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?) AND %2 ORDER BY 1")
-                .arg(visible.sql, m_session.access().visibleCondition(QStringLiteral("c.folder"))),
-            QVariantList{expression} + visible.values + QVariantList{expression});
+            QStringLiteral("SELECT d.id FROM document d WHERE %1 AND %2"
+                           " UNION SELECT c.document FROM classification c WHERE %3 AND %4 ORDER BY 1")
+                .arg(inFile.sql, visible.sql, inEntry.sql,
+                     m_session.access().visibleCondition(QStringLiteral("c.folder"))),
+            inFile.values + visible.values + inEntry.values);
         QStringList records;
         for (const qint64 id : ids)
             records << joinFields({QString::number(id), QString::number(id)});

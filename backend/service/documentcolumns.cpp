@@ -1,8 +1,10 @@
 #include "service/documentcolumns.h"
 
 #include "contract/recordformat.h"
+#include "service/recordvalues.h"
 #include "store/database.h"
 #include "store/schema.h"
+#include "store/textmatch.h"
 
 #include <iterator>
 
@@ -112,33 +114,40 @@ QStringList DocumentColumns::keys() const
     return keys;
 }
 
-QString numberAsText(const QString &column)
-{
-    return QStringLiteral("CASE WHEN %1 IS NULL THEN '' ELSE kelva_number_text(%1) END").arg(column);
-}
-
-QString DocumentColumns::rowExpression() const
+QStringList DocumentColumns::rowColumns() const
 {
     QStringList columns{
         QStringLiteral("c.document"),  QStringLiteral("c.id"),         QStringLiteral("c.mandant"),
         QStringLiteral("c.bemerkung"), QStringLiteral("c.status"),     QStringLiteral("c.revision"),
         QStringLiteral("c.folder"),    QStringLiteral("c.docart"),     QStringLiteral("c.changeid"),
         QStringLiteral("c.cdate"),     QStringLiteral("c.ctimestamp"), QStringLiteral("c.defdate")};
-    for (const AttributeColumn &attribute : m_attributes) {
-        const QString column = QStringLiteral("c.") + attribute.column;
-        columns << (attribute.kind == AttributeKind::Numeric ? numberAsText(column) : column);
-    }
-    return QStringLiteral("printf(?, %1)").arg(columns.join(QStringLiteral(", ")));
+    for (const AttributeColumn &attribute : m_attributes)
+        columns << QStringLiteral("c.") + attribute.column;
+    return columns;
 }
 
-QString DocumentColumns::rowFormat() const
+QString DocumentColumns::rowText(const Row &row) const
 {
-    QStringList formats{QStringLiteral("%d") + recordformat::documentIdSeparator + QStringLiteral("%d"),
-                        QStringLiteral("%s"), QStringLiteral("%s"), QStringLiteral("%d"),
-                        QStringLiteral("1_%d")};
-    while (formats.size() < fixedCount + m_attributes.size())
-        formats << QStringLiteral("%s");
-    return formats.join(recordformat::fieldSeparator);
+    static const QByteArray separator = QString(recordformat::fieldSeparator).toUtf8();
+    static const QByteArray idSeparator = QString(recordformat::documentIdSeparator).toUtf8();
+    constexpr int classificationId = 1;
+    constexpr int revision = 5;
+    constexpr int firstAttribute = fixedCount + 1; // the document's id is two columns
+    // In the bytes that the database has, and made a text once.
+    QByteArray text;
+    row.appendTo(&text, 0);
+    for (int column = 1; column < firstAttribute + m_attributes.size(); ++column) {
+        text += column == classificationId ? idSeparator : separator;
+        const bool isNumber = column >= firstAttribute &&
+                              m_attributes.at(column - firstAttribute).kind == AttributeKind::Numeric;
+        if (column == revision)
+            text += versionToken(row.number(column)).toUtf8();
+        else if (!isNumber)
+            row.appendTo(&text, column);
+        else if (!row.isNull(column))
+            text += numberText(row.fraction(column)).toUtf8();
+    }
+    return QString::fromUtf8(text);
 }
 
 ClauseFields DocumentColumns::clauseFields(const QDate &resubmissionDue) const

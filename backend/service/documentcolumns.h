@@ -12,6 +12,7 @@
 namespace kelva {
 
 class Database;
+class Row;
 
 enum class AttributeKind { String, ComboBox, CheckBox, Date, Numeric };
 
@@ -45,17 +46,14 @@ public:
     const QVector<AttributeColumn> &attributes() const { return m_attributes; }
     QVector<qint64> attributeIds() const;
 
-    /// SQL text of one row's columns as a record; takes rowFormat() as its one bound value.
-    QString rowExpression() const;
-    QString rowFormat() const;
+    /// What a SELECT begins with whose rows rowText() makes records of.
+    QStringList rowColumns() const;
+    QString rowText(const Row &row) const;
     /// With resubmissionDue, records whose resubmission date has come by then count as status 1.
     ClauseFields clauseFields(const QDate &resubmissionDue = QDate()) const;
 
 private:
     QVector<AttributeColumn> m_attributes;
 };
-
-/// SQL for a numeric attribute as text: no trailing zeros, empty for none.
-QString numberAsText(const QString &column);
 
 } // namespace kelva

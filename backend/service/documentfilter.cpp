@@ -3,7 +3,8 @@
 #include "contract/recordformat.h"
 #include "service/documentcolumns.h"
 #include "service/session.h"
-#include "store/textmatch.h"
+#include "store/schema.h"
+#include "store/textindex.h"
 
 #include <algorithm>
 
@@ -78,35 +79,39 @@ Result<void> parseToken(const QString &token, DocumentFilter *filter)
     return {};
 }
 
-void add(SqlCondition *whole, const QString &sql, const QVariantList &values = {})
+void add(SqlCondition *whole, const SqlCondition &part)
 {
-    whole->sql += QStringLiteral(" AND ") + sql;
-    whole->values += values;
+    whole->sql += QStringLiteral(" AND ") + part.sql;
+    whole->values += part.values;
+    whole->usesTextIndex = whole->usesTextIndex || part.usesTextIndex;
 }
 
 Result<void> addSelection(SqlCondition *whole, const DocumentFilter &filter)
 {
     QStringList either;
-    QVariantList values;
-    if (filter.hasSelection) {
-        either << QStringLiteral(
-            "SELECT id FROM classification WHERE document IN (SELECT value FROM json_each(?))");
-        values << jsonList(filter.selection);
+    SqlCondition all;
+    const auto addRows = [&](const char *select, const SqlCondition &rows) {
+        either << QLatin1String(select) + rows.sql;
+        all.values += rows.values;
+        all.usesTextIndex = all.usesTextIndex || rows.usesTextIndex;
+    };
+    const char *const entries = "SELECT id FROM classification WHERE ";
+    const QString document = QStringLiteral("document");
+    if (filter.hasSelection)
+        addRows(entries, sql::inList(document, filter.selection));
+    const Result<TextTerms> terms = fullTextTerms(filter.fullText);
+    if (!terms)
+        return terms.error();
+    if (!terms.value().empty()) {
+        addRows(entries, textindex::fileWords(document, terms.value()));
+        addRows("", textindex::rowsWithWords(schema::wordTable(QStringLiteral("bemerkung")), terms.value()));
     }
-    const Result<QString> words = fullTextExpression(filter.fullText);
-    if (!words)
-        return words.error();
-    if (const QString &expression = words.value(); !expression.isEmpty()) {
-        either << QStringLiteral("SELECT id FROM classification WHERE document IN (SELECT rowid FROM "
-                                 "words_text WHERE words_text MATCH ?)")
-               << QStringLiteral("SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?");
-        values << expression << expression;
-    }
+    // One set of records: an OR between them would be tried on every record.
+    all.sql = QStringLiteral("c.id IN (%1)").arg(either.join(QStringLiteral(" UNION ALL ")));
     if (!either.isEmpty())
-        // One set of records: an OR between them would be tried on every record.
-        add(whole, QStringLiteral("c.id IN (%1)").arg(either.join(QStringLiteral(" UNION ALL "))), values);
+        add(whole, all);
     else if (!filter.fullText.isEmpty())
-        add(whole, QStringLiteral("0"));
+        add(whole, {sql::never, {}});
     return {};
 }
 
@@ -135,16 +140,16 @@ Result<DocumentCondition> conditionFor(Session &session, const DocumentFilter &f
     // Written out, not bound: the planner must see it to use the index of the trash.
     wanted.sql = filter.trash ? QStringLiteral("c.trashed = 1") : QStringLiteral("c.trashed = 0");
     if (session.subArchive() > 0)
-        add(&wanted, QStringLiteral("c.subarchive = ?"), {session.subArchive()});
+        add(&wanted, {QStringLiteral("c.subarchive = ?"), {session.subArchive()}});
     const ClauseFields fields = columns.clauseFields(filter.resubmissionDue ? session.today() : QDate());
     for (const QString &clause : filter.clauses) {
         const Result<SqlCondition> part = translateClause(clause, fields, session.today());
         if (!part)
             return part.error();
-        add(&wanted, part.value().sql, part.value().values);
+        add(&wanted, part.value());
     }
     if (filter.mine)
-        add(&wanted, QStringLiteral("c.creator = ?"), {session.login()});
+        add(&wanted, {QStringLiteral("c.creator = ?"), {session.login()}});
     if (const Result<void> added = addSelection(&wanted, filter); !added)
         return added.error();
     condition.inTrash = filter.trash;
@@ -162,10 +167,10 @@ qint64 longestSearchMs(Database &database)
                              recordsPerMs);
 }
 
-Result<QString> fullTextExpression(const QString &text)
+Result<TextTerms> fullTextTerms(const QString &text)
 {
     int words = 0;
-    QStringList terms;
+    TextTerms terms;
     QString word;
     bool quoted = false;
     QStringList phrase;
@@ -176,38 +181,31 @@ Result<QString> fullTextExpression(const QString &text)
         if (quoted)
             phrase << word;
         else
-            terms << QStringLiteral("\"%1\"").arg(word) + (prefix ? QStringLiteral("*") : QString());
+            terms.push_back({{word}, prefix});
         word.clear();
+    };
+    const auto endPhrase = [&] {
+        endWord(false);
+        if (!phrase.isEmpty())
+            terms.push_back({phrase, false});
+        phrase.clear();
     };
     for (const QChar c : text) {
         if (c.isLetterOrNumber() || c.isSurrogate() || c.isMark()) {
             word += c;
         } else if (c == QLatin1Char('"')) {
-            endWord(false);
-            if (!phrase.isEmpty())
-                terms << QStringLiteral("\"%1\"").arg(phrase.join(QLatin1Char(' ')));
-            phrase.clear();
+            endPhrase();
             quoted = !quoted;
         } else {
             endWord(c == QLatin1Char('*'));
         }
     }
-    endWord(false);
-    if (!phrase.isEmpty())
-        terms << QStringLiteral("\"%1\"").arg(phrase.join(QLatin1Char(' ')));
+    endPhrase();
     if (words > WordQuery::mostWords)
         return Error{ErrorCode::BadInput,
                      QStringLiteral("The search has more than %1 words. Please leave some out.")
                          .arg(WordQuery::mostWords)};
-    return terms.join(QStringLiteral(" AND "));
-}
-
-QString jsonList(const QVector<qint64> &numbers)
-{
-    QString json = QStringLiteral("[");
-    for (const qint64 number : numbers)
-        json += (json.size() > 1 ? QStringLiteral(",") : QString()) + QString::number(number);
-    return json + QLatin1Char(']');
+    return terms;
 }
 
 } // namespace kelva

@@ -2,6 +2,7 @@
 
 #include "clause/clause.h"
 #include "store/result.h"
+#include "store/textmatch.h"
 
 #include <QStringList>
 #include <QVector>
@@ -42,15 +43,12 @@ struct DocumentCondition
 Result<DocumentCondition> conditionFor(Session &session, const DocumentFilter &filter,
                                        const DocumentColumns &columns);
 
-/// What a user typed, as an expression for the full-text tables: all words, "*" at the end of one for any
-/// ending, and quoted phrases. Empty when there is nothing to look for; BadInput for too many words.
-Result<QString> fullTextExpression(const QString &text);
+/// What a user typed, as terms for the full-text tables: all words, "*" at the end of one for any ending, and
+/// quoted phrases. Empty when there is nothing to look for; BadInput for too many words.
+Result<TextTerms> fullTextTerms(const QString &text);
 
 /// How long a list or a count may take, in milliseconds: what a condition that has to look into every record
 /// needs, and some more. Who writes a condition of many such parts must not block the program for minutes.
 qint64 longestSearchMs(Database &database);
-
-/// A list of numbers as one bound value, for "IN (SELECT value FROM json_each(?))".
-QString jsonList(const QVector<qint64> &numbers);
 
 } // namespace kelva

@@ -30,9 +30,8 @@ public:
         if (!condition.needsRights)
             return;
         m_byFolder = QStringLiteral(" AND ") + session.access().visibleCondition(QStringLiteral("c.folder"));
-        // A plus sign in front of a column keeps the planner from driving the query by it.
-        m_onlyChecked =
-            QStringLiteral(" AND ") + session.access().visibleCondition(QStringLiteral("+c.folder"));
+        m_onlyChecked = QStringLiteral(" AND ") +
+                        session.access().visibleCondition(sql::opaque(QStringLiteral("c.folder")));
     }
 
     QVector<qint64> find()
@@ -41,9 +40,9 @@ public:
             return walk(noBound).value_or(QVector<qint64>());
         // A full-text table gathers all its hits before the first one can be had, so it should drive the
         // query.
-        if (m_condition.wanted.sql.contains(QLatin1String(" MATCH "))) {
+        if (m_condition.wanted.usesTextIndex) {
             constexpr qint64 rowIdSteps = 2'000'000;
-            if (const auto hits = select(QStringLiteral("NOT INDEXED"), m_onlyChecked, rowIdSteps))
+            if (const auto hits = select(sql::byRowId(), m_onlyChecked, rowIdSteps))
                 return newestOf(hits);
             return newestOf(select(QString(), m_onlyChecked, noBound));
         }
@@ -74,8 +73,8 @@ private:
 
     std::optional<QVector<qint64>> walk(qint64 steps)
     {
-        return ordered(steps, m_condition.inTrash ? QStringLiteral("INDEXED BY classification_trash")
-                                                  : QStringLiteral("NOT INDEXED"));
+        return ordered(steps, m_condition.inTrash ? sql::byIndex(QStringLiteral("classification_trash"))
+                                                  : sql::byRowId());
     }
 
     std::optional<QVector<qint64>> inOrder(qint64 steps)
@@ -131,29 +130,30 @@ QStringList readRows(Session &session, const DocumentColumns &columns, const Row
     Database &database = session.database();
     const Access &access = session.access();
     const QString writable = source.allOpened && access.has(rights::classify)
-                                 ? QStringLiteral("1")
+                                 ? sql::always
                                  : access.writableCondition(QStringLiteral("c.folder"));
-    QString sql = QStringLiteral("SELECT %1, c.notes > 0, %2, c.id").arg(columns.rowExpression(), writable);
-    if (source.withRetention)
-        sql += QStringLiteral(", c.docart, c.cdate");
-    sql += QStringLiteral(" FROM classification c WHERE %1 ORDER BY c.id DESC").arg(source.condition.sql);
+    const QString select =
+        QStringLiteral("SELECT %1, c.notes > 0, %2, c.id, c.docart, c.cdate FROM classification c WHERE %3"
+                       " ORDER BY c.id DESC")
+            .arg(columns.rowColumns().join(QStringLiteral(", ")), writable, source.condition.sql);
+    const int behind = columns.rowColumns().size();
     const Retention retention = source.withRetention ? Retention::load(database) : Retention();
     const QDate today = session.today();
     QStringList rows;
     QVector<qint64> ids;
     const auto take = [&](const Row &row) {
-        QString text = row.text(0);
+        QString text = columns.rowText(row);
         text += recordformat::fieldSeparator;
-        if (row.flag(2))
+        if (row.flag(behind + 1))
             text += QLatin1Char('W');
-        if (row.flag(1))
+        if (row.flag(behind))
             text += QLatin1Char('N');
-        if (source.withRetention && retention.isInForce(row.number(4), row.text(5), today))
+        if (source.withRetention && retention.isInForce(row.number(behind + 3), row.text(behind + 4), today))
             text += QLatin1Char('F');
         rows << text;
-        ids << row.number(3);
+        ids << row.number(behind + 2);
     };
-    if (database.forEachRow(sql, QVariantList{columns.rowFormat()} + source.condition.values, take))
+    if (database.forEachRow(select, source.condition.values, take))
         session.recordLayouts().noteList(ids, columns.attributeIds());
     return rows;
 }
@@ -177,7 +177,7 @@ Result<QStringList> listDocuments(Session &session, const QStringList &filters)
         source.allOpened = condition.value().needsRights;
         if (filter.value().limit >= 0) {
             const QVector<qint64> ids = NewestFinder(session, condition.value(), filter.value().limit).find();
-            source.condition = {QStringLiteral("c.id IN (SELECT value FROM json_each(?))"), {jsonList(ids)}};
+            source.condition = sql::inList(QStringLiteral("c.id"), ids);
         } else {
             source.condition = condition.value().wanted;
             if (condition.value().needsRights)

@@ -278,11 +278,10 @@ Result<QStringList> Documents::get(const QString &classificationId)
         const std::optional<RecordLayouts::Layout> &list = m_session.recordLayouts().ofList();
         const DocumentColumns columns =
             list ? DocumentColumns::withAttributes(database, *list) : DocumentColumns::load(database);
-        Query row = database.query(
-            QStringLiteral("SELECT %1 FROM classification c WHERE c.id = ?").arg(columns.rowExpression()),
-            {columns.rowFormat(), record.value().id});
-        if (!row.next())
-            return noDocument;
+        QString text;
+        database.forEachRow(QStringLiteral("SELECT %1 FROM classification c WHERE c.id = ?")
+                                .arg(columns.rowColumns().join(QStringLiteral(", "))),
+                            {record.value().id}, [&](const Row &row) { text = columns.rowText(row); });
         QString letters;
         if (m_session.access().mayWrite(record.value().folder))
             letters += QLatin1Char('W');
@@ -292,7 +291,7 @@ Result<QStringList> Documents::get(const QString &classificationId)
             Retention::load(database).isInForce(record.value().type, record.value().date, m_session.today()))
             letters += QLatin1Char('F');
         m_session.recordLayouts().noteRecord(record.value().id, columns.attributeIds());
-        return splitFields(row.text(0)) << letters;
+        return splitFields(text) << letters;
     });
 }
 
@@ -392,7 +391,7 @@ Result<qint64> Documents::count(const QString &clause)
         const TimeLimit patience(database, longestSearchMs(database));
         const Access &access = m_session.access();
         const QString visible =
-            access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));
+            access.isAdmin() ? sql::always : access.visibleCondition(QStringLiteral("c.folder"));
         return database
             .value(QStringLiteral("SELECT count(*) FROM classification c WHERE %1 AND %2")
                        .arg(condition.value().sql, visible),
@@ -411,7 +410,7 @@ Result<qint64> Documents::countInFolder(const QString &pattern)
         const TimeLimit patience(database, longestSearchMs(database));
         const Access &access = m_session.access();
         const QString visible =
-            access.isAdmin() ? QStringLiteral("1") : access.visibleCondition(QStringLiteral("c.folder"));
+            access.isAdmin() ? sql::always : access.visibleCondition(QStringLiteral("c.folder"));
         const QString sql = QStringLiteral("SELECT count(*) FROM classification c WHERE %1 AND %2");
         // "/" is the character after ".", so this is everything that begins with the oid and a dot.
         const qint64 count =

@@ -324,8 +324,9 @@ Result<void> Folders::setRoles(const QString &oid, const QStringList &roles)
                 !database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
                 return Error{ErrorCode::NotFound,
                              QStringLiteral("The role %1 does not exist.").arg(role.left(80))};
-            database.run(QStringLiteral("INSERT OR IGNORE INTO folder_role(folder, role) VALUES(?, ?)"),
-                         {oid, role});
+            database.run(
+                QStringLiteral("INSERT INTO folder_role(folder, role) VALUES(?, ?) ON CONFLICT DO NOTHING"),
+                {oid, role});
         }
         m_session.noteVocabularyChange();
         return {};

@@ -47,30 +47,31 @@ private:
     Database &m_database;
 };
 
-QString attributeText(const AttributeColumn &attribute, const QJsonValue &value)
+QString attributeText(const AttributeColumn &attribute, const QVariant &value)
 {
-    if (attribute.kind == AttributeKind::Numeric && value.isDouble())
+    if (attribute.kind == AttributeKind::Numeric && value.type() == QVariant::Double)
         return numberText(value.toDouble());
-    return value.toVariant().toString();
+    return value.toString();
 }
 
-/// One version: the fixed fields as they were stored, and the attributes by id.
-QString historyRow(const Query &row, const DocumentColumns &columns, DisplayNames *names,
-                   const QString &documentId)
+/// Places in a row of versions.
+enum Column {
+    Number,
+    MainFolder,
+    Description,
+    Status,
+    Folder,
+    Type,
+    User,
+    Date,
+    Time,
+    Resubmission,
+    AttributeValues ///< of the record itself: the first one
+};
+
+/// The fixed fields of one version, as they were stored.
+QStringList historyFields(const Query &row, DisplayNames *names, const QString &documentId)
 {
-    enum {
-        Number,
-        MainFolder,
-        Description,
-        Status,
-        Folder,
-        Type,
-        User,
-        Date,
-        Time,
-        Resubmission,
-        AttributeValues
-    };
     QStringList fields{documentId,
                        names->folder(row.text(MainFolder)),
                        row.text(Description),
@@ -82,31 +83,11 @@ QString historyRow(const Query &row, const DocumentColumns &columns, DisplayName
                        row.text(Date),
                        row.text(Time),
                        row.text(Resubmission)};
-    const QJsonObject values = QJsonDocument::fromJson(row.text(AttributeValues).toUtf8()).object();
-    for (const AttributeColumn &attribute : columns.attributes())
-        fields << attributeText(attribute, values.value(QString::number(attribute.id)));
-    return joinFields(fields);
+    return fields;
 }
 
-/// SQL for the attributes of the record itself in the form of its earlier versions.
-QString currentAttributes(const DocumentColumns &columns)
-{
-    // In steps: a function takes no more than 127 arguments.
-    constexpr int perStep = 50;
-    QString merged = QStringLiteral("'{}'");
-    const QVector<AttributeColumn> &attributes = columns.attributes();
-    for (int from = 0; from < attributes.size(); from += perStep) {
-        QString pairs;
-        for (const AttributeColumn &attribute : attributes.mid(from, perStep))
-            pairs += QStringLiteral(", '$.%1', %2")
-                         .arg(QString::number(attribute.id),
-                              attribute.kind == AttributeKind::Numeric
-                                  ? QStringLiteral("kelva_number_text(%1)").arg(attribute.column)
-                                  : attribute.column); // JSON would cut a number to 15 digits
-        merged = QStringLiteral("json_set(%1%2)").arg(merged, pairs);
-    }
-    return merged;
-}
+const QString fixedColumns = QStringLiteral(", mandant, bemerkung, status, folder, docart, changeid, cdate,"
+                                            " ctimestamp, defdate");
 
 } // namespace
 
@@ -121,16 +102,29 @@ Result<QStringList> Documents::history(const QString &classificationId)
         const QString documentId = QStringLiteral("%1#%2").arg(record.number(0)).arg(id);
         const DocumentColumns columns = DocumentColumns::load(database);
         DisplayNames names(database);
-        const QString versions =
-            QStringLiteral("SELECT number, mandant, bemerkung, status, folder, docart, "
-                           "changeid, cdate, ctimestamp, defdate, attributes"
-                           " FROM revision WHERE classification = ? UNION ALL"
-                           " SELECT revision, mandant, bemerkung, status, folder, docart, "
-                           "changeid, cdate, ctimestamp, defdate, %1"
-                           " FROM classification WHERE id = ? ORDER BY 1");
         QStringList rows;
-        for (Query row = database.query(versions.arg(currentAttributes(columns)), {id, id}); row.next();)
-            rows << historyRow(row, columns, &names, documentId);
+        for (Query row = database.query(QStringLiteral("SELECT number") + fixedColumns +
+                                            QStringLiteral(", attributes FROM revision"
+                                                           " WHERE classification = ? ORDER BY number"),
+                                        {id});
+             row.next();) {
+            QStringList fields = historyFields(row, &names, documentId);
+            const QJsonObject values = QJsonDocument::fromJson(row.text(AttributeValues).toUtf8()).object();
+            for (const AttributeColumn &attribute : columns.attributes())
+                fields << attributeText(attribute, values.value(QString::number(attribute.id)).toVariant());
+            rows << joinFields(fields);
+        }
+        // The latest version is the record itself.
+        QString select = QStringLiteral("SELECT revision") + fixedColumns;
+        for (const AttributeColumn &attribute : columns.attributes())
+            select += QStringLiteral(", ") + attribute.column;
+        Query latest = database.query(select + QStringLiteral(" FROM classification WHERE id = ?"), {id});
+        if (latest.next()) {
+            QStringList fields = historyFields(latest, &names, documentId);
+            for (int i = 0; i < columns.attributes().size(); ++i)
+                fields << attributeText(columns.attributes().at(i), latest.value(AttributeValues + i));
+            rows << joinFields(fields);
+        }
         return rows;
     });
 }

@@ -64,8 +64,9 @@ Result<void> storeRoles(Session &session, qint64 id, const QStringList &roles)
         if (!database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
             return Error{ErrorCode::NotFound,
                          QStringLiteral("The role %1 does not exist.").arg(role.left(80))};
-        database.run(QStringLiteral("INSERT OR IGNORE INTO search_role(search, role) VALUES(?, ?)"),
-                     {id, role});
+        database.run(
+            QStringLiteral("INSERT INTO search_role(search, role) VALUES(?, ?) ON CONFLICT DO NOTHING"),
+            {id, role});
     }
     return {};
 }
@@ -121,9 +122,9 @@ Result<qint64> Searches::save(const QString &name, const QString &definition, co
         const Result<QString> cleaned = cleanDefinition(definition);
         if (!cleanedName || !cleaned)
             return cleanedName ? cleaned.error() : cleanedName.error();
-        database.run(QStringLiteral("INSERT INTO search(name, definition, owner) VALUES(?, ?, ?)"),
-                     {cleanedName.value(), cleaned.value(), m_session.login()});
-        const qint64 id = database.lastInsertId();
+        const qint64 id =
+            database.insert(QStringLiteral("INSERT INTO search(name, definition, owner) VALUES(?, ?, ?)"),
+                            {cleanedName.value(), cleaned.value(), m_session.login()});
         if (const Result<void> stored = storeRoles(m_session, id, roles); !stored)
             return stored.error();
         return id;

@@ -31,7 +31,9 @@ Result<void> Settings::save(const QString &section, const QString &key, const Se
             return Error{ErrorCode::BadInput, QStringLiteral("There is a setting %1 already.").arg(key)};
         const QByteArray value = setting.value.isNull() ? QByteArray("") : setting.value;
         database.run(
-            QStringLiteral("INSERT OR REPLACE INTO setting(section, name, value, owner) VALUES(?, ?, ?, ?)"),
+            QStringLiteral(
+                "INSERT INTO setting(section, name, value, owner) VALUES(?, ?, ?, ?)"
+                " ON CONFLICT(section, name) DO UPDATE SET value = excluded.value, owner = excluded.owner"),
             {section, key, value, setting.owner});
         return {};
     });

@@ -68,9 +68,8 @@ Result<qint64> SubArchives::create(const QString &name, const QString &comment)
         const Result<QString> clean = checkName(database, name, 0);
         if (!clean)
             return clean.error();
-        database.run(QStringLiteral("INSERT INTO subarchive(name, comment) VALUES(?, ?)"),
-                     {clean.value(), storedText(comment)});
-        return database.lastInsertId();
+        return database.insert(QStringLiteral("INSERT INTO subarchive(name, comment) VALUES(?, ?)"),
+                               {clean.value(), storedText(comment)});
     });
 }
 
@@ -107,7 +106,7 @@ Result<int> SubArchives::countDocuments(qint64 id)
     return read(m_session, "SubArchives::countDocuments", [&](Database &database) -> Result<int> {
         // Administrators count what stands in the way of a deletion, others what they see.
         const SqlCondition visible = m_session.access().isAdmin()
-                                         ? SqlCondition{QStringLiteral("1"), {}}
+                                         ? SqlCondition{sql::always, {}}
                                          : visibleDocuments(m_session, QStringLiteral("d.id"));
         return database
             .value(QStringLiteral("SELECT count(*) FROM document d WHERE d.subarchive = ? AND %1")

@@ -114,8 +114,9 @@ Result<void> giveRoles(Database &database, qint64 account, const QString &login,
         if (!database.value(QStringLiteral("SELECT 1 FROM role WHERE name = ?"), {role}).isValid())
             return Error{ErrorCode::NotFound,
                          QStringLiteral("The role %1 does not exist.").arg(role.left(80))};
-        database.run(QStringLiteral("INSERT OR IGNORE INTO account_role(account, role) VALUES(?, ?)"),
-                     {account, role});
+        database.run(
+            QStringLiteral("INSERT INTO account_role(account, role) VALUES(?, ?) ON CONFLICT DO NOTHING"),
+            {account, role});
     }
     return {};
 }
@@ -140,7 +141,7 @@ Result<void> checkPassword(const Database &database, const QString &login, const
 Result<QStringList> Users::list()
 {
     return read(m_session, "Users::list", [&](Database &database) -> Result<QStringList> {
-        return readUsers(database, QStringLiteral("1"), {});
+        return readUsers(database, sql::always, {});
     });
 }
 
@@ -151,14 +152,13 @@ Result<qint64> Users::create(const NewUser &user)
             return valid.error();
         if (accountOf(database, user.login) != 0)
             return Error{ErrorCode::BadInput, QStringLiteral("There is a user %1 already.").arg(user.login)};
-        database.run(
+        const qint64 account = database.insert(
             QStringLiteral("INSERT INTO account(login, password, name, short_name) VALUES(?, '', ?, ?)"),
             {user.login, storedText(user.name, maximumName), storedText(user.shortName, maximumName)});
-        const qint64 account = database.lastInsertId();
         if (const Result<void> stored = storePassword(database, account, user.password); !stored)
             return stored.error();
         const QString personal = rights::personalPrefix + user.login;
-        database.run(QStringLiteral("INSERT OR IGNORE INTO role(name) VALUES(?)"), {personal});
+        database.run(QStringLiteral("INSERT INTO role(name) VALUES(?) ON CONFLICT DO NOTHING"), {personal});
         database.run(QStringLiteral("INSERT INTO account_role(account, role) VALUES(?, ?)"),
                      {account, personal});
         m_session.noteVocabularyChange();
@@ -332,8 +332,9 @@ Result<void> Users::setUsersOf(const QString &role, const QStringList &logins)
             const qint64 account = accountOf(database, login);
             if (account == 0)
                 return unknownUser();
-            database.run(QStringLiteral("INSERT OR IGNORE INTO account_role(account, role) VALUES(?, ?)"),
-                         {account, role});
+            database.run(
+                QStringLiteral("INSERT INTO account_role(account, role) VALUES(?, ?) ON CONFLICT DO NOTHING"),
+                {account, role});
         }
         if (const Result<void> remains = checkAdministratorRemains(database); !remains)
             return remains;

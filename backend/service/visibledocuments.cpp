@@ -17,7 +17,7 @@ SqlCondition visibleDocuments(Session &session, const QString &column)
 {
     const Access &access = session.access();
     if (access.seesEveryDocument())
-        return {QStringLiteral("1"), {}};
+        return {sql::always, {}};
     return {QStringLiteral("(EXISTS(SELECT 1 FROM classification c WHERE c.document = %1 AND %2)"
                            " OR EXISTS(SELECT 1 FROM document own WHERE own.id = %1 AND own.creator = ?"
                            " AND NOT EXISTS(SELECT 1 FROM classification c WHERE c.document = own.id)))")

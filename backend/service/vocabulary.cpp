@@ -67,9 +67,8 @@ Result<qint64> saveType(Session &session, int position, const QStringList &field
     bool isNumber = false;
     qint64 id = fields.at(0).toLongLong(&isNumber);
     if (!isNumber || id < 0) {
-        database.run(QStringLiteral("INSERT INTO document_type(name, position) VALUES(?, ?)"),
-                     {name, position});
-        id = database.lastInsertId();
+        id = database.insert(QStringLiteral("INSERT INTO document_type(name, position) VALUES(?, ?)"),
+                             {name, position});
     } else {
         Query old = database.query(
             QStringLiteral("SELECT years, months, days FROM document_type WHERE id = ?"), {id});
@@ -110,9 +109,9 @@ Result<void> Vocabulary::saveStatus(const Records &records)
             const QVariant name = storedText(fields.at(1), maximumName);
             const QByteArray picture = records.pictures.value(i);
             if (fields.at(0).isEmpty()) {
-                database.run(QStringLiteral("INSERT INTO status(name, position, picture) VALUES(?, ?, ?)"),
-                             {name, i, picture});
-                kept.insert(database.lastInsertId());
+                kept.insert(database.insert(
+                    QStringLiteral("INSERT INTO status(name, position, picture) VALUES(?, ?, ?)"),
+                    {name, i, picture}));
                 continue;
             }
             const qint64 id = fields.at(0).toLongLong();
@@ -181,10 +180,10 @@ Result<QStringList> Vocabulary::descriptions()
 {
     return read(m_session, "Vocabulary::descriptions", [&](Database &database) -> Result<QStringList> {
         return database.texts(
-            QStringLiteral(
-                "SELECT DISTINCT bemerkung FROM (SELECT c.bemerkung FROM classification c NOT INDEXED"
-                " WHERE c.trashed = 0 AND %1 ORDER BY c.id DESC LIMIT %2) WHERE bemerkung <> '' ORDER BY 1")
-                .arg(m_session.access().visibleCondition(QStringLiteral("c.folder")))
+            QStringLiteral("SELECT DISTINCT bemerkung FROM (SELECT c.bemerkung FROM classification c %1"
+                           " WHERE c.trashed = 0 AND %2 ORDER BY c.id DESC LIMIT %3) AS newest WHERE "
+                           "bemerkung <> '' ORDER BY 1")
+                .arg(sql::byRowId(), m_session.access().visibleCondition(QStringLiteral("c.folder")))
                 .arg(completionWindow));
     });
 }

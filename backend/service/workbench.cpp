@@ -19,9 +19,10 @@ QStringList lineValues(Session &session, const AttributeColumn &attribute)
     constexpr int window = 2000;
     return session.database().texts(
         QStringLiteral(
-            "SELECT DISTINCT value FROM (SELECT c.%1 AS value FROM classification c NOT INDEXED"
-            " WHERE c.trashed = 0 AND %2 ORDER BY c.id DESC LIMIT %3) WHERE value <> '' ORDER BY 1")
-            .arg(attribute.column, session.access().visibleCondition(QStringLiteral("c.folder")))
+            "SELECT DISTINCT value FROM (SELECT c.%1 AS value FROM classification c %2"
+            " WHERE c.trashed = 0 AND %3 ORDER BY c.id DESC LIMIT %4) AS newest WHERE value <> '' ORDER BY 1")
+            .arg(attribute.column, sql::byRowId(),
+                 session.access().visibleCondition(QStringLiteral("c.folder")))
             .arg(window));
 }
 

@@ -6,16 +6,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSqlDatabase>
-#include <QSqlDriver>
-#include <QSqlError>
 #include <QUrl>
-#include <QUuid>
 #include <QtEndian>
 
 #include <array>
 #include <cstring>
-#include <limits>
 
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -117,110 +112,16 @@ Result<void> createEmptyFile(const QString &path)
     return {};
 }
 
-/// A text that was never set is an empty text; NULL is said by an invalid value.
-QVariant bound(const QVariant &value)
-{
-    return value.userType() == QMetaType::QString && value.isNull() ? QVariant(QStringLiteral("")) : value;
-}
-
-void bindValue(sqlite3_stmt *statement, int place, const QVariant &value)
-{
-    switch (static_cast<QMetaType::Type>(value.userType())) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-        sqlite3_bind_int64(statement, place, value.toLongLong());
-        break;
-    case QMetaType::Double:
-        sqlite3_bind_double(statement, place, value.toDouble());
-        break;
-    case QMetaType::QByteArray: {
-        const QByteArray bytes = value.toByteArray();
-        sqlite3_bind_blob(statement, place, bytes.constData(), bytes.size(), SQLITE_TRANSIENT);
-        break;
-    }
-    case QMetaType::UnknownType:
-        sqlite3_bind_null(statement, place);
-        break;
-    default: {
-        const QByteArray text = value.toString().toUtf8();
-        sqlite3_bind_text(statement, place, text.constData(), text.size(), SQLITE_TRANSIENT);
-    }
-    }
-}
-
 } // namespace
-
-bool Query::next()
-{
-    if (m_query.next())
-        return true;
-    if (m_query.lastError().isValid())
-        m_database.noteFailure(m_query);
-    return false;
-}
-
-QString Row::text(int column) const
-{
-    const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
-    return QString::fromUtf8(bytes, sqlite3_column_bytes(m_statement, column));
-}
-
-qint64 Row::number(int column) const
-{
-    return sqlite3_column_int64(m_statement, column);
-}
-
-Statement::Statement(Database &database, const QString &sql)
-    : m_database(database),
-      m_query(database.connection())
-{
-    m_query.setForwardOnly(true);
-    m_prepared = m_query.prepare(sql);
-    if (!m_prepared)
-        m_database.noteFailure(m_query);
-}
-
-bool Statement::run(const QVariantList &values)
-{
-    if (!m_prepared || !m_database.mayRun())
-        return false;
-    for (int i = 0; i < values.size(); ++i)
-        m_query.bindValue(i, bound(values.at(i)));
-    if (m_query.exec())
-        return true;
-    m_database.noteFailure(m_query);
-    return false;
-}
-
-Database::Database(QString path, QString connection)
-    : m_path(std::move(path)),
-      m_connection(std::move(connection))
-{
-}
 
 Database::~Database()
 {
-    {
-        QSqlDatabase own = connection();
-        if (own.isOpen()) {
-            if (!m_readOnly) {
-                QSqlQuery optimize(own);
-                // Nobody waits at the end for somebody else's transaction.
-                optimize.exec(QStringLiteral("PRAGMA busy_timeout = 0"));
-                optimize.exec(QStringLiteral("PRAGMA analysis_limit = 400"));
-                optimize.exec(QStringLiteral("PRAGMA optimize"));
-            }
-            own.close();
-        }
+    if (m_handle && !m_readOnly) {
+        // Nobody waits at the end for somebody else's transaction.
+        sqlite3_busy_timeout(m_handle, 0);
+        sqlite3_exec(m_handle, "PRAGMA analysis_limit = 400; PRAGMA optimize", nullptr, nullptr, nullptr);
     }
-    QSqlDatabase::removeDatabase(m_connection);
-}
-
-QSqlDatabase Database::connection() const
-{
-    return QSqlDatabase::database(m_connection, false);
+    sqlite3_close_v2(m_handle);
 }
 
 Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode, int busyTimeoutMs,
@@ -232,10 +133,7 @@ Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode,
     } else if (const Result<void> header = checkHeader(path); !header) {
         return header.error();
     }
-    // Each plug-in of the process has this code of its own, but they share the names.
-    const QString name = QStringLiteral("kelva-") + QUuid::createUuid().toString(QUuid::Id128);
-    QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-    std::unique_ptr<Database> database(new Database(path, name));
+    std::unique_ptr<Database> database(new Database(path));
     if (const Result<void> connected = database->connect(mode, busyTimeoutMs, version); !connected)
         return connected.error();
     return {std::move(database)};
@@ -244,17 +142,12 @@ Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode,
 Result<void> Database::connect(Mode mode, int busyTimeoutMs, int version)
 {
     m_readOnly = mode == Mode::ReadOnly;
-    {
-        QSqlDatabase own = connection();
-        QString options = QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=%1").arg(busyTimeoutMs);
-        if (m_readOnly)
-            options += QStringLiteral(";QSQLITE_OPEN_READONLY");
-        own.setConnectOptions(options);
-        own.setDatabaseName(QString::fromLatin1(uri(m_path, m_readOnly)));
-        if (!own.open())
-            return sqliteError(own.lastError().nativeErrorCode().toInt());
-    }
-    m_handle = *static_cast<sqlite3 *const *>(connection().driver()->handle().constData());
+    const int access = m_readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    const int opened = sqlite3_open_v2(uri(m_path, m_readOnly).constData(), &m_handle,
+                                       access | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
+    if (opened != SQLITE_OK)
+        return sqliteError(opened);
+    sqlite3_busy_timeout(m_handle, busyTimeoutMs);
     sqlite3_extended_result_codes(m_handle, 1);
     registerSqlFunctions(handle());
     sqlite3_db_config(handle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
@@ -304,143 +197,11 @@ bool Database::mayRun()
 {
     if (m_depth == 0)
         m_error.reset();
+    if (m_handsOutRows)
+        fail({ErrorCode::BadInput, QStringLiteral("The operation was broken off.")});
     if (!m_deadlines.empty() && !m_error && *m_deadlines.begin() <= std::chrono::steady_clock::now())
         fail(sqliteError(SQLITE_INTERRUPT));
     return !m_error;
-}
-
-/// Empty, and the failure noted, when it cannot be run.
-std::optional<QSqlQuery> Database::execute(const QString &sql, const QVariantList &values)
-{
-    if (!mayRun())
-        return std::nullopt;
-    QSqlQuery statement(connection());
-    statement.setForwardOnly(true);
-    bool done = statement.prepare(sql);
-    if (done) {
-        for (int i = 0; i < values.size(); ++i)
-            statement.bindValue(i, bound(values.at(i)));
-        done = statement.exec();
-    }
-    if (done)
-        return statement;
-    noteFailure(statement);
-    return std::nullopt;
-}
-
-bool Database::run(const QString &sql, const QVariantList &values)
-{
-    if (!execute(sql, values))
-        return false;
-    m_lastInsertId = sqlite3_last_insert_rowid(handle());
-    m_affected = sqlite3_changes(handle());
-    return true;
-}
-
-Query Database::query(const QString &sql, const QVariantList &values)
-{
-    return Query(execute(sql, values).value_or(QSqlQuery(connection())), *this);
-}
-
-QVariant Database::value(const QString &sql, const QVariantList &values)
-{
-    Query row = query(sql, values);
-    return row.next() ? row.value(0) : QVariant();
-}
-
-QStringList Database::texts(const QString &sql, const QVariantList &values)
-{
-    QStringList list;
-    for (Query row = query(sql, values); row.next();)
-        list << row.text(0);
-    return list;
-}
-
-QVector<qint64> Database::numbers(const QString &sql, const QVariantList &values)
-{
-    return numbersWithin(std::numeric_limits<qint64>::max(), sql, values).value_or(QVector<qint64>());
-}
-
-std::optional<QVector<qint64>> Database::numbersWithin(qint64 steps, const QString &sql,
-                                                       const QVariantList &values, qint64 stepsToFirst)
-{
-    const Prepared statement = prepare(sql, values);
-    if (!statement)
-        return QVector<qint64>();
-    m_stepsLeft = stepsToFirst > 0 ? qMin(stepsToFirst, steps) : steps;
-    watchProgress();
-    QVector<qint64> list;
-    int code = sqlite3_step(statement.get());
-    if (stepsToFirst > 0 && code == SQLITE_ROW) {
-        m_stepsLeft = steps;
-        watchProgress();
-    }
-    for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
-        list.append(sqlite3_column_int64(statement.get(), 0));
-    const bool outOfSteps = m_stepsLeft < 0;
-    m_stepsLeft = 0;
-    watchProgress();
-    if (code == SQLITE_DONE)
-        return list;
-    if (code == SQLITE_INTERRUPT && outOfSteps)
-        return std::nullopt;
-    noteFailure();
-    return QVector<qint64>();
-}
-
-bool Database::forEachRow(const QString &sql, const QVariantList &values,
-                          const std::function<void(const Row &)> &take)
-{
-    const Prepared statement = prepare(sql, values);
-    if (!statement)
-        return false;
-    int code = sqlite3_step(statement.get());
-    for (; code == SQLITE_ROW; code = sqlite3_step(statement.get()))
-        take(Row(statement.get()));
-    if (code != SQLITE_DONE)
-        noteFailure();
-    return code == SQLITE_DONE;
-}
-
-/// Empty, and the failure noted, when it cannot be run.
-Database::Prepared Database::prepare(const QString &sql, const QVariantList &values)
-{
-    sqlite3_stmt *prepared = nullptr;
-    if (mayRun()) {
-        const QByteArray text = sql.toUtf8();
-        sqlite3_prepare_v2(handle(), text.constData(), text.size(), &prepared, nullptr);
-        if (!prepared)
-            noteFailure();
-    }
-    for (int i = 0; prepared && i < values.size(); ++i)
-        bindValue(prepared, i + 1, values.at(i));
-    return Prepared(prepared, &sqlite3_finalize);
-}
-
-/// Lets the database ask now and then whether the statement at work may go on.
-void Database::watchProgress()
-{
-    constexpr qint64 unbounded = std::numeric_limits<int>::max();
-    constexpr qint64 oftenEnough = 10'000; // some hundred records
-    if (m_stepsLeft <= 0 || m_stepsLeft > unbounded) {
-        m_stepsLeft = 0;
-        sqlite3_progress_handler(handle(), 0, nullptr, nullptr);
-        return;
-    }
-    m_stepsAtATime = qMin(m_stepsLeft, oftenEnough);
-    const auto mustStop = [](void *context) {
-        auto *self = static_cast<Database *>(context);
-        self->m_stepsLeft -= self->m_stepsAtATime;
-        if (self->m_stepsLeft <= 0)
-            self->m_stepsLeft = -1;
-        return self->m_stepsLeft < 0 ? 1 : 0;
-    };
-    sqlite3_progress_handler(handle(), static_cast<int>(m_stepsAtATime), mustStop, this);
-}
-
-void Database::noteFailure()
-{
-    fail(sqliteError(sqlite3_extended_errcode(handle())));
 }
 
 void Database::fail(Error error)
@@ -449,9 +210,9 @@ void Database::fail(Error error)
         m_error = std::move(error);
 }
 
-void Database::noteFailure(const QSqlQuery &query)
+void Database::noteFailure()
 {
-    fail(sqliteError(query.lastError().nativeErrorCode().toInt()));
+    fail(sqliteError(sqlite3_extended_errcode(handle())));
 }
 
 Result<void> Database::backupTo(const QString &target)

@@ -2,8 +2,7 @@
 
 #include "store/result.h"
 
-#include <QSqlQuery>
-#include <QString>
+#include <QStringList>
 #include <QVariantList>
 #include <QVector>
 
@@ -15,28 +14,26 @@
 
 struct sqlite3;
 struct sqlite3_stmt;
-class QSqlDatabase;
 
 namespace kelva {
 
-/// Rows of one statement, read forward. A failed statement yields no row and its error stays with the
-/// database.
+/// The rows of one statement. They are all there before the first one is looked at, so that other statements
+/// may run between them. A failed statement yields no row and its error stays with the database.
 class Query
 {
 public:
-    bool next();
-    QVariant value(int column) const { return m_query.value(column); }
-    QString text(int column) const { return m_query.value(column).toString(); }
-    qint64 number(int column) const { return m_query.value(column).toLongLong(); }
-    bool flag(int column) const { return m_query.value(column).toLongLong() != 0; }
-    QByteArray bytes(int column) const { return m_query.value(column).toByteArray(); }
+    bool next() { return ++m_row < m_rows.size(); }
+    const QVariant &value(int column) const { return m_rows.at(m_row).at(column); }
+    QString text(int column) const { return value(column).toString(); }
+    qint64 number(int column) const { return value(column).toLongLong(); }
+    bool flag(int column) const { return number(column) != 0; }
+    QByteArray bytes(int column) const { return value(column).toByteArray(); }
 
 private:
     friend class Database;
-    Query(QSqlQuery query, class Database &database) : m_query(std::move(query)), m_database(database) {}
 
-    QSqlQuery m_query;
-    class Database &m_database;
+    QVector<QVariantList> m_rows;
+    int m_row = -1;
 };
 
 /// The row that a statement stands at, for forEachRow().
@@ -45,7 +42,11 @@ class Row
 public:
     QString text(int column) const;
     qint64 number(int column) const;
+    double fraction(int column) const;
     bool flag(int column) const { return number(column) != 0; }
+    bool isNull(int column) const;
+    /// Adds the text in UTF-8; nothing for NULL.
+    void appendTo(QByteArray *text, int column) const;
 
 private:
     friend class Database;
@@ -60,12 +61,12 @@ class Statement
 public:
     Statement(class Database &database, const QString &sql);
     bool run(const QVariantList &values);
-    qint64 lastInsertId() const { return m_query.lastInsertId().toLongLong(); }
+    /// For "INSERT ... RETURNING id"; 0 on failure.
+    qint64 insert(const QVariantList &values);
 
 private:
     class Database &m_database;
-    QSqlQuery m_query;
-    bool m_prepared = false;
+    std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)> m_prepared;
 };
 
 /// One open archive file and its connection. Not for use by two threads.
@@ -95,6 +96,8 @@ public:
     sqlite3 *handle() const { return m_handle; }
 
     bool run(const QString &sql, const QVariantList &values = {});
+    /// Runs an INSERT into a table with an id and returns the new row's; 0 on failure.
+    qint64 insert(const QString &sql, const QVariantList &values);
     Query query(const QString &sql, const QVariantList &values = {});
     /// First column of the first row; an invalid value when there is no row.
     QVariant value(const QString &sql, const QVariantList &values = {});
@@ -106,10 +109,10 @@ public:
     /// database sorts, or finds next to nothing; 0 for no such bound.
     std::optional<QVector<qint64>> numbersWithin(qint64 steps, const QString &sql, const QVariantList &values,
                                                  qint64 stepsToFirst = 0);
-    /// Hands every row to the function: for thousands of rows, cheaper than a Query. False on failure.
+    /// Hands every row to the function: for thousands of rows, cheaper than a Query. The function runs no
+    /// statement: it would fail, and all of this with it. False on failure.
     bool forEachRow(const QString &sql, const QVariantList &values,
                     const std::function<void(const Row &)> &take);
-    qint64 lastInsertId() const { return m_lastInsertId; }
     /// Rows that the last run() inserted, changed or deleted.
     int affected() const { return m_affected; }
 
@@ -140,30 +143,29 @@ public:
     void analyze();
 
 private:
-    friend class Query;
     friend class Statement;
     friend class TimeLimit;
     friend class Transaction;
-    Database(QString path, QString connection);
+    explicit Database(QString path) : m_path(std::move(path)) {}
     Result<void> connect(Mode mode, int busyTimeoutMs, int version);
     Result<void> bringUpToDate(Mode mode, int target);
     bool mayRun();
-    std::optional<QSqlQuery> execute(const QString &sql, const QVariantList &values);
     using Prepared = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
+    Prepared prepare(const QString &sql);
     Prepared prepare(const QString &sql, const QVariantList &values);
-    void noteFailure(const QSqlQuery &query);
+    bool bind(sqlite3_stmt *statement, const QVariantList &values);
+    bool step(sqlite3_stmt *statement);
+    void finishWriting(sqlite3_stmt *statement);
     void noteFailure();
     void watchProgress();
-    QSqlDatabase connection() const;
 
     QString m_path;
-    QString m_connection;
     sqlite3 *m_handle = nullptr;
     bool m_readOnly = false;
     int m_depth = 0; ///< transactions open; an inner one takes part in the outer one
     int m_rollbacks = 0;
-    qint64 m_lastInsertId = 0;
     int m_affected = 0;
+    bool m_handsOutRows = false; ///< forEachRow() is at work
     std::optional<Error> m_error;
     std::multiset<std::chrono::steady_clock::time_point> m_deadlines; ///< of the time limits in force
     qint64 m_stepsLeft = 0; ///< of the statement at work; 0 for any number, negative when used up

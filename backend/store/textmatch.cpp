@@ -167,13 +167,13 @@ QString trigramRun(const QString &pattern)
     return toText(characters, bestFrom, std::min(bestLength, longestTrigramRun));
 }
 
-std::vector<QString> wordsOf(const QString &text)
+QStringList wordsOf(const QString &text)
 {
-    std::vector<QString> words;
+    QStringList words;
     CodePoints word;
     const auto finishWord = [&] {
         if (!word.isEmpty())
-            words.push_back(toText(word, 0, word.size()));
+            words << toText(word, 0, word.size());
         word.clear();
     };
     for (const uint codePoint : codePoints(text)) {
@@ -190,17 +190,17 @@ Result<WordQuery> WordQuery::parse(const QString &query)
 {
     WordQuery result;
     bool missing = false;
-    size_t count = 0;
+    int count = 0;
     for (const QString &side : query.split(QLatin1Char('&'))) {
         const QStringList parts = side.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
         missing = missing || parts.isEmpty();
         for (const QString &part : parts) {
             const bool prefix = part.endsWith(QLatin1String(":*"));
-            Phrase phrase{wordsOf(prefix ? part.chopped(2) : part), prefix};
-            count += phrase.words.size();
+            TextTerm term{wordsOf(prefix ? part.chopped(2) : part), prefix};
+            count += term.words.size();
             result.m_anyEnding = result.m_anyEnding || part == QLatin1String(":*");
-            if (!phrase.words.empty())
-                result.m_phrases.push_back(std::move(phrase));
+            if (!term.words.isEmpty())
+                result.m_terms.push_back(std::move(term));
         }
     }
     if (missing && result.matchesNothing())
@@ -211,40 +211,21 @@ Result<WordQuery> WordQuery::parse(const QString &query)
     return result;
 }
 
-bool WordQuery::occurs(const Phrase &phrase, const std::vector<QString> &words)
+bool WordQuery::occurs(const TextTerm &term, const QStringList &words)
 {
     const auto fits = [&](const QString &met, const QString &wanted) {
-        return phrase.prefix && &wanted == &phrase.words.back() ? met.startsWith(wanted) : met == wanted;
+        return term.prefix && &wanted == &term.words.back() ? met.startsWith(wanted) : met == wanted;
     };
-    return std::search(words.begin(), words.end(), phrase.words.begin(), phrase.words.end(), fits) !=
-           words.end();
+    return std::search(words.begin(), words.end(), term.words.begin(), term.words.end(), fits) != words.end();
 }
 
 bool WordQuery::matches(const QString &text) const
 {
     if (matchesAnyText())
         return !text.isEmpty();
-    const std::vector<QString> words = wordsOf(text);
-    return !m_phrases.empty() && std::all_of(m_phrases.begin(), m_phrases.end(),
-                                             [&](const Phrase &phrase) { return occurs(phrase, words); });
-}
-
-QString WordQuery::matchExpression() const
-{
-    // Words hold letters and digits only, so no quote needs doubling.
-    QString expression;
-    for (const Phrase &phrase : m_phrases) {
-        if (!expression.isEmpty())
-            expression += QLatin1String(" AND ");
-        expression += QLatin1Char('"');
-        for (size_t i = 0; i < phrase.words.size(); ++i) {
-            if (i > 0)
-                expression += QLatin1Char(' ');
-            expression += phrase.words[i];
-        }
-        expression += phrase.prefix ? QLatin1String("\" *") : QLatin1String("\"");
-    }
-    return expression;
+    const QStringList words = wordsOf(text);
+    return !m_terms.empty() && std::all_of(m_terms.begin(), m_terms.end(),
+                                           [&](const TextTerm &term) { return occurs(term, words); });
 }
 
 QString numberText(double number)

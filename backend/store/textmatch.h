@@ -2,7 +2,7 @@
 
 #include "store/result.h"
 
-#include <QString>
+#include <QStringList>
 #include <QVarLengthArray>
 
 #include <vector>
@@ -46,7 +46,15 @@ private:
 QString trigramRun(const QString &pattern);
 
 /// The words of a text, case folded: runs of letters and digits, split as the full-text tables do.
-std::vector<QString> wordsOf(const QString &text);
+QStringList wordsOf(const QString &text);
+
+/// Words that stand one behind another; with prefix the last one may go on.
+struct TextTerm
+{
+    QStringList words;
+    bool prefix = false;
+};
+using TextTerms = std::vector<TextTerm>;
 
 /// A query for words: words joined by "&", each with ":*" behind it when it is a prefix. A word that holds
 /// punctuation becomes words in sequence; words with only blanks between them must all occur.
@@ -61,24 +69,18 @@ public:
     static Result<WordQuery> parse(const QString &query);
 
     /// Without a letter or digit in it, a query matches no text at all.
-    bool matchesNothing() const { return m_phrases.empty() && !m_anyEnding; }
+    bool matchesNothing() const { return m_terms.empty() && !m_anyEnding; }
     /// ":*" and no word beside it, whatever begins with nothing: every text that is not empty.
-    bool matchesAnyText() const { return m_phrases.empty() && m_anyEnding; }
+    bool matchesAnyText() const { return m_terms.empty() && m_anyEnding; }
     bool matches(const QString &text) const;
 
-    /// The query for MATCH of a full-text table. Not to be asked without words: when one of the above holds.
-    QString matchExpression() const;
+    /// All of them must occur. There are none when one of the above holds.
+    const TextTerms &terms() const { return m_terms; }
 
 private:
-    struct Phrase
-    {
-        std::vector<QString> words;
-        bool prefix = false; ///< of the last word
-    };
+    static bool occurs(const TextTerm &term, const QStringList &words);
 
-    static bool occurs(const Phrase &phrase, const std::vector<QString> &words);
-
-    std::vector<Phrase> m_phrases;
+    TextTerms m_terms;
     bool m_anyEnding = false; ///< a part was ":*" alone
 };
 

@@ -60,7 +60,7 @@ private slots:
         } table[] = {
             {"one condition too many", repeated("1=1 or ", 5000) + "1=1",
              "there are more than 5000 conditions."},
-            {"too many values", repeated("docid in (1.5,2,3,4,5,6,7,8) or ", 4000) + "1=2",
+            {"too many values", repeated("attr9 in (1.5,2,3,4,5,6,7,8) or ", 4000) + "1=2",
              "it holds more than 30000 values."},
             {"full tree", tree(11, true), "1"},
             {"ladder", ladder(18), "1"},

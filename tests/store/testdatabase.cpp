@@ -30,6 +30,15 @@ ErrorCode codeOf(const Result<std::unique_ptr<Database>> &result)
     return result ? ErrorCode::NotAvailable : result.error().code;
 }
 
+template<typename... Arguments>
+std::unique_ptr<Database> ready(Arguments &&...arguments)
+{
+    auto opened = Database::open(std::forward<Arguments>(arguments)...);
+    if (!opened)
+        qFatal("%s", qPrintable(opened.error().text));
+    return std::move(opened.value());
+}
+
 /// A database file that this library had no hand in.
 void makeForeign(const QString &path, const QByteArray &sql)
 {
@@ -82,9 +91,8 @@ private slots:
 
     void aNewArchiveIsForItsOwnerOnly()
     {
-        QVERIFY(create());
-        const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther |
-                            QFile::ExeGroup | QFile::ExeOther;
+        create().reset();
+        const QFile::Permissions others(0x77);
         QVERIFY(!(QFile::permissions(m_path) & others));
         QVERIFY(!(QFile::permissions(m_directory->filePath("new")) & others));
         QCOMPARE(codeOf(Database::open(m_path, Database::Mode::Create)), ErrorCode::Storage);
@@ -98,21 +106,16 @@ private slots:
         QByteArray noise(5000, '\0');
         for (int i = 0; i < noise.size(); ++i)
             noise[i] = static_cast<char>(i * 31 + i / 7);
-        QTest::newRow("an empty file") << QByteArray("") << QByteArray() << ErrorCode::NotAnArchive;
-        QTest::newRow("noise") << noise << QByteArray() << ErrorCode::NotAnArchive;
-        QTest::newRow("the database of another program")
-            << QByteArray() << QByteArray("CREATE TABLE account(id)") << ErrorCode::NotAnArchive;
-        QTest::newRow("an archive of a newer version")
-            << QByteArray()
-            << QByteArray("PRAGMA application_id=1265399393; PRAGMA user_version=9999; CREATE TABLE t(a)")
-            << ErrorCode::WrongVersion;
-        QTest::newRow("an archive of a version below all")
-            << QByteArray()
-            << QByteArray("PRAGMA application_id=1265399393; PRAGMA user_version=-3; CREATE TABLE t(a)")
-            << ErrorCode::NotAnArchive;
-        QTest::newRow("an archive that was never completed")
-            << QByteArray() << QByteArray("PRAGMA application_id=1265399393; CREATE TABLE t(a)")
-            << ErrorCode::NotAnArchive;
+        const QByteArray ours = "PRAGMA application_id=1265399393; CREATE TABLE t(a); ";
+        kelvatest::row("an empty file", QByteArray(""), QByteArray(), ErrorCode::NotAnArchive);
+        kelvatest::row("noise", noise, QByteArray(), ErrorCode::NotAnArchive);
+        kelvatest::row("the database of another program", QByteArray(),
+                       QByteArray("CREATE TABLE account(id)"), ErrorCode::NotAnArchive);
+        kelvatest::row("an archive of a newer version", QByteArray(), ours + "PRAGMA user_version=9999",
+                       ErrorCode::WrongVersion);
+        kelvatest::row("an archive of a version below all", QByteArray(), ours + "PRAGMA user_version=-3",
+                       ErrorCode::NotAnArchive);
+        kelvatest::row("an archive that was never completed", QByteArray(), ours, ErrorCode::NotAnArchive);
     }
 
     void whatIsNoArchiveIsRefused()
@@ -140,7 +143,7 @@ private slots:
 
     void aDamagedArchiveIsReportedNotTrusted()
     {
-        QVERIFY(create());
+        create().reset();
         QFile file(m_path);
         QVERIFY(file.open(QIODevice::ReadWrite));
         file.seek(4096);
@@ -170,35 +173,32 @@ private slots:
         QFETCH(QByteArray, sql);
         create().reset();
         makeForeign(m_path, sql);
-        const auto opened = Database::open(m_path, Database::Mode::ReadWrite);
-        QVERIFY(opened.ok());
-        QTEST(opened.value()->integrityFaults().join('|'), "fault");
+        const auto opened = ready(m_path, Database::Mode::ReadWrite);
+        QTEST(opened->integrityFaults().join('|'), "fault");
     }
 
     void aLockedArchiveSaysSo()
     {
         const auto first = create();
-        const auto second = Database::open(m_path, Database::Mode::ReadWrite, shortWaitMs);
-        QVERIFY(second.ok());
+        const auto second = ready(m_path, Database::Mode::ReadWrite, shortWaitMs);
         Transaction holding(*first, Transaction::Kind::Write);
-        Transaction waiting(*second.value(), Transaction::Kind::Write);
-        second.value()->run("INSERT INTO role VALUES('x')");
+        Transaction waiting(*second, Transaction::Kind::Write);
+        second->run("INSERT INTO role VALUES('x')");
         const Result<void> done = waiting.commit();
-        QVERIFY(!done.ok());
         QCOMPARE(done.error().code, ErrorCode::Busy);
     }
 
     void aReaderKeepsItsStateWhileAnotherWrites()
     {
         const auto writer = create();
-        const auto reader = Database::open(m_path, Database::Mode::ReadWrite);
+        const auto reader = ready(m_path, Database::Mode::ReadWrite);
         const QString count = "SELECT count(*) FROM role";
-        Transaction reading(*reader.value(), Transaction::Kind::Read);
-        QCOMPARE(reader.value()->value(count).toInt(), 0);
+        Transaction reading(*reader, Transaction::Kind::Read);
+        QCOMPARE(reader->value(count).toInt(), 0);
         QVERIFY(writer->run("INSERT INTO role VALUES('x')"));
-        QCOMPARE(reader.value()->value(count).toInt(), 0);
+        QCOMPARE(reader->value(count).toInt(), 0);
         QVERIFY(reading.commit().ok());
-        QCOMPARE(reader.value()->value(count).toInt(), 1);
+        QCOMPARE(reader->value(count).toInt(), 1);
     }
 
     void oneFailedStatementTakesTheTransactionBack()
@@ -219,7 +219,7 @@ private slots:
     void whatIsWrittenBehindIsSeenByOthersAndChangesNothingForTheNext()
     {
         const auto database = create();
-        const auto other = Database::open(m_path, Database::Mode::ReadWrite, shortWaitMs);
+        const auto other = ready(m_path, Database::Mode::ReadWrite, shortWaitMs);
         const auto waitsForDisk = [&] { return database->value("PRAGMA synchronous") == 2; };
         const auto add = [&](bool keep) {
             Transaction writing(*database, Transaction::Kind::WriteBehind);
@@ -230,10 +230,10 @@ private slots:
         QVERIFY(waitsForDisk());
         QVERIFY(add(true));
         QVERIFY(waitsForDisk());
-        QCOMPARE(other.value()->value("SELECT count(*) FROM role").toInt(), 1);
+        QCOMPARE(other->value("SELECT count(*) FROM role").toInt(), 1);
         QVERIFY(!add(true)); // there already
         QVERIFY(waitsForDisk());
-        const Transaction holding(*other.value(), Transaction::Kind::Write);
+        const Transaction holding(*other, Transaction::Kind::Write);
         QVERIFY(!add(true));
         QVERIFY(waitsForDisk());
     }
@@ -253,6 +253,21 @@ private slots:
         QCOMPARE(database->value("SELECT count(*) FROM role").toInt(), 0);
     }
 
+    void otherStatementsDoNotCutRowsShort()
+    {
+        const auto database = create();
+        database->run("INSERT INTO role VALUES('a'), ('b')");
+        QString met;
+        for (Query row = database->query("SELECT name FROM role ORDER BY name"); row.next();) {
+            QVERIFY(database->run("DELETE FROM role"));
+            met += row.text(0);
+        }
+        QCOMPARE(met, QString("ab"));
+        // Where rows come one by one, a statement between them is an error, not the end of the rows.
+        const auto readAnother = [&](const Row &) { database->value("SELECT 1"); };
+        QVERIFY(!database->forEachRow("SELECT name FROM counter", {}, readAnother));
+    }
+
     void aReadOnlyArchiveLeavesNoTraceBesideIt()
     {
         create().reset();
@@ -260,10 +275,9 @@ private slots:
         QFile::setPermissions(m_path, QFile::ReadOwner);
         QFile::setPermissions(directory.path(), QFile::ReadOwner | QFile::ExeOwner);
         {
-            const auto opened = Database::open(m_path, Database::Mode::ReadOnly);
-            QVERIFY(opened.ok());
-            QCOMPARE(opened.value()->value("SELECT count(*) FROM counter").toInt(), 1);
-            QVERIFY(!opened.value()->run("INSERT INTO role VALUES('x')"));
+            const auto opened = ready(m_path, Database::Mode::ReadOnly);
+            QCOMPARE(opened->value("SELECT count(*) FROM counter").toInt(), 1);
+            QVERIFY(!opened->run("INSERT INTO role VALUES('x')"));
             QCOMPARE(directory.entryList(QDir::Files), QStringList{"7.kelva"});
         }
         QFile::setPermissions(directory.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -277,10 +291,8 @@ private slots:
         {
             Transaction writing(*database, Transaction::Kind::Write);
             for (int i = 0; i < 100; ++i)
-                database->run("INSERT INTO setting(section, name, value) VALUES('s', ?, zeroblob(5000))",
-                              {i});
+                database->run("INSERT INTO setting(section, name, value) VALUES('', ?, zeroblob(5000))", {i});
             const Result<void> done = writing.commit();
-            QVERIFY(!done.ok());
             QCOMPARE(done.error().code, ErrorCode::Storage);
             QVERIFY(done.error().text.contains("disk is full"));
         }
@@ -293,33 +305,31 @@ private slots:
         create().reset();
         const pid_t child = ::fork();
         if (child == 0) {
-            const auto database = Database::open(m_path, Database::Mode::ReadWrite);
-            database.value()->run("INSERT INTO role VALUES('committed')");
-            Transaction writing(*database.value(), Transaction::Kind::Write);
+            const auto database = ready(m_path, Database::Mode::ReadWrite);
+            database->run("INSERT INTO role VALUES('committed')");
+            Transaction writing(*database, Transaction::Kind::Write);
             for (int i = 0; i < 2000; ++i)
-                database.value()->run(
-                    "INSERT INTO setting(section, name, value) VALUES('s', ?, zeroblob(9000))", {i});
+                database->run("INSERT INTO setting(section, name, value) VALUES('s', ?, zeroblob(9000))",
+                              {i});
             ::kill(::getpid(), SIGKILL);
         }
         int status = 0;
         QCOMPARE(::waitpid(child, &status, 0), child);
         QVERIFY(WIFSIGNALED(status));
-        const auto database = Database::open(m_path, Database::Mode::ReadWrite);
-        QVERIFY(database.ok());
-        QCOMPARE(database.value()->texts("SELECT name FROM role"), QStringList{"committed"});
-        QCOMPARE(database.value()->value("SELECT count(*) FROM setting").toInt(), 0);
-        QCOMPARE(database.value()->integrityFaults(), QStringList());
+        const auto database = ready(m_path, Database::Mode::ReadWrite);
+        QCOMPARE(database->texts("SELECT name FROM role"), QStringList{"committed"});
+        QCOMPARE(database->value("SELECT count(*) FROM setting").toInt(), 0);
+        QCOMPARE(database->integrityFaults(), QStringList());
     }
 
     void anArchiveTornInWritingItsLogBackIsOpened()
     {
-        const QString torn = m_directory->filePath(QStringLiteral("torn.kelva"));
+        const QString torn = m_directory->filePath("torn.kelva");
         auto database = create();
-        database->run(QStringLiteral("PRAGMA wal_checkpoint"));
-        database->run(
-            QStringLiteral("INSERT INTO setting(section, name, value) VALUES('s', 'n', zeroblob(500000))"));
+        database->run("PRAGMA wal_checkpoint");
+        database->run("INSERT INTO setting(section, name, value) VALUES('s', 'n', zeroblob(500000))");
         QVERIFY(QFile::copy(m_path, torn));
-        QVERIFY(QFile::copy(m_path + QStringLiteral("-wal"), torn + QStringLiteral("-wal")));
+        QVERIFY(QFile::copy(m_path + "-wal", torn + "-wal"));
         database.reset(); // writes the log back, the first page first
         QFile whole(m_path);
         QFile part(torn);
@@ -327,10 +337,9 @@ private slots:
         QVERIFY(part.size() < whole.size());
         QVERIFY(part.write(whole.read(4096)) == 4096);
         part.close();
-        const auto opened = Database::open(torn, Database::Mode::ReadWrite);
-        QVERIFY2(opened.ok(), opened ? "" : qPrintable(opened.error().text));
-        QCOMPARE(opened.value()->value(QStringLiteral("SELECT count(*) FROM setting")).toInt(), 1);
-        QCOMPARE(opened.value()->integrityFaults(), QStringList());
+        const auto opened = ready(torn, Database::Mode::ReadWrite);
+        QCOMPARE(opened->value("SELECT count(*) FROM setting").toInt(), 1);
+        QCOMPARE(opened->integrityFaults(), QStringList());
     }
 
     void anotherProgramThatLeavesTakesNothingWithIt()
@@ -355,16 +364,14 @@ private slots:
         for (int version = 1; version <= schema::currentVersion(); ++version) {
             const QString path = m_directory->filePath(QString("v%1.kelva").arg(version));
             {
-                const auto old = Database::open(path, Database::Mode::Create, shortWaitMs, version);
-                QVERIFY(old.ok());
-                QCOMPARE(old.value()->value("PRAGMA user_version").toInt(), version);
-                QVERIFY(old.value()->run("INSERT INTO role VALUES('kept')"));
+                const auto old = ready(path, Database::Mode::Create, shortWaitMs, version);
+                QCOMPARE(old->value("PRAGMA user_version").toInt(), version);
+                QVERIFY(old->run("INSERT INTO role VALUES('kept')"));
             }
-            const auto opened = Database::open(path, Database::Mode::ReadWrite);
-            QVERIFY(opened.ok());
-            QCOMPARE(opened.value()->value("PRAGMA user_version").toInt(), schema::currentVersion());
-            QCOMPARE(opened.value()->texts("SELECT name FROM role"), QStringList{"kept"});
-            QCOMPARE(opened.value()->integrityFaults(), QStringList());
+            const auto opened = ready(path, Database::Mode::ReadWrite);
+            QCOMPARE(opened->value("PRAGMA user_version").toInt(), schema::currentVersion());
+            QCOMPARE(opened->texts("SELECT name FROM role"), QStringList{"kept"});
+            QCOMPARE(opened->integrityFaults(), QStringList());
         }
     }
 
@@ -372,15 +379,14 @@ private slots:
     {
         const auto database = create();
         database->run("INSERT INTO role VALUES('kept')");
-        const auto busy = Database::open(m_path, Database::Mode::ReadWrite);
-        Transaction writing(*busy.value(), Transaction::Kind::Write);
-        busy.value()->run("INSERT INTO role VALUES('not yet')");
+        const auto busy = ready(m_path, Database::Mode::ReadWrite);
+        Transaction writing(*busy, Transaction::Kind::Write);
+        busy->run("INSERT INTO role VALUES('not yet')");
         const QString target = m_directory->filePath("copy.kelva");
         QVERIFY(database->backupTo(target).ok());
-        QVERIFY(!database->backupTo(target).ok());
-        const auto copy = Database::open(target, Database::Mode::ReadOnly);
-        QVERIFY(copy.ok());
-        QCOMPARE(copy.value()->texts("SELECT name FROM role"), QStringList{"kept"});
+        QCOMPARE(database->backupTo(target).error().code, ErrorCode::Storage);
+        const auto copy = ready(target, Database::Mode::ReadOnly);
+        QCOMPARE(copy->texts("SELECT name FROM role"), QStringList{"kept"});
     }
 
     void fullTextFollowsTheTexts()
@@ -393,10 +399,7 @@ private slots:
                       " bemerkung) VALUES(1, 1, 'u', 'u', 't', 'Grüße vom Amt')");
         schema::addAttributeColumn(*database, 5, "TEXT NOT NULL DEFAULT ''", true, true);
         const auto hits = [&](const char *table, const char *words) {
-            return database
-                ->value(QString("SELECT count(*) FROM %1 WHERE %1 MATCH ?").arg(QLatin1String(table)),
-                        {QString::fromUtf8(words)})
-                .toInt();
+            return database->numbers(QString("SELECT 1 FROM %1(?)").arg(table), {words}).size();
         };
         QCOMPARE(hits("words_bemerkung", "GRÜSSE OR grüße"), 1);
         QCOMPARE(hits("words_bemerkung", "gruße"), 0);
@@ -414,9 +417,9 @@ private slots:
     void aStatementThatTakesTooLongIsStopped()
     {
         const auto database = create();
-        const QString upTo = QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
-                                            "WHERE i < %1) SELECT sum(i) FROM n");
-        const QString endless = upTo.arg(QStringLiteral("1e18"));
+        const QString upTo = QString("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                                     "WHERE i < %1) SELECT sum(i) FROM n");
+        const QString endless = upTo.arg(QString("1e18"));
         const auto codeAfter = [&](const std::function<void()> &work) {
             Transaction reading(*database, Transaction::Kind::Read);
             const TimeLimit limit(*database, shortWaitMs);
@@ -444,10 +447,10 @@ private slots:
         inner.reset();
         QCOMPARE(database->value(QStringLiteral("SELECT 7")).toInt(), 7);
         // A first row that only comes after sorting is given up for.
-        const QString some = QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
-                                            "WHERE i < 9999) SELECT i FROM n %1 LIMIT 2");
-        const QVector<qint64> firstTwo{1, 2};
-        QVERIFY(database->numbersWithin(1'000'000, some.arg(QString()), {}, 1'000) == firstTwo);
+        const QString some = QString("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                                     "WHERE i < 9999) SELECT i FROM n %1 LIMIT 2");
+        QVERIFY(database->numbersWithin(1'000'000, some.arg(QString()), {}, 1'000) ==
+                QVector<qint64>({1, 2}));
         QVERIFY(!database->numbersWithin(1'000'000, some.arg("ORDER BY i % 9999"), {}, 1'000));
         // The earlier of two limits counts, and nothing begins after it.
         QCOMPARE(codeAfter([&] {
@@ -462,24 +465,20 @@ private slots:
     void aFullTextSearchThatTakesTooLongIsStopped()
     {
         const auto database = create();
-        QVERIFY(
-            database->run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000)"
-                          " INSERT INTO words_bemerkung(rowid, bemerkung)"
-                          " SELECT i, 'all' FROM n"));
+        database->run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000)"
+                      " INSERT INTO words_bemerkung(rowid, bemerkung) SELECT i, 'all' FROM n");
         // Seconds of work in a single step of the statement, and no hit.
         const QString expression =
             '(' + QStringList(QVector<QString>(300, "all").toList()).join(" AND ") + ") NOT all";
         const auto search = [&](qint64 ms) {
             Transaction reading(*database, Transaction::Kind::Read);
             const TimeLimit limit(*database, ms);
-            database->numbers("SELECT rowid FROM words_bemerkung WHERE words_bemerkung MATCH ?",
-                              {expression});
+            database->numbers("SELECT rowid FROM words_bemerkung(?)", {expression});
             return reading.commit();
         };
         QElapsedTimer clock;
         clock.start();
         const Result<void> stopped = search(shortWaitMs);
-        QVERIFY(!stopped.ok());
         QCOMPARE(stopped.error().code, ErrorCode::TooSlow);
         const qint64 soon = clock.restart();
         QVERIFY(search(60'000).ok());
@@ -491,17 +490,12 @@ private slots:
         const QString hash = hashPassword("pässword");
         QVERIFY(hash.startsWith("$argon2id$"));
         QVERIFY(hash != hashPassword("pässword"));
-        QVERIFY(isPassword("pässword", hash));
-        QVERIFY(!isPassword("password", hash));
+        QVERIFY(isPassword("pässword", hash) && !isPassword("password", hash));
         QVERIFY(!isPassword(QString(), QString()));
     }
 
 private:
-    std::unique_ptr<Database> create()
-    {
-        auto created = Database::open(m_path, Database::Mode::Create);
-        return created ? std::move(created.value()) : nullptr;
-    }
+    std::unique_ptr<Database> create() const { return ready(m_path, Database::Mode::Create); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
     QString m_path;
