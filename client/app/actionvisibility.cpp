@@ -1,7 +1,7 @@
 #include "app/actionvisibility.h"
 
-#include "server/session.h"
 #include "contract/userrights.h"
+#include "server/session.h"
 
 ActionVisibility actionVisibility(const Session &session)
 {

@@ -6,6 +6,8 @@
 #include "app/proxysettings.h"
 #include "app/startoptions.h"
 #include "app/windowlayout.h"
+#include "contract/classifyinterface.h"
+#include "contract/kelvaarchiveclientinterface.h"
 #include "documents/kelvatrashbutton.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
@@ -14,8 +16,6 @@
 #include "folders/columneditors.h"
 #include "folders/kelvadoctree.h"
 #include "search/kelvastatusbarext.h"
-#include "contract/classifyinterface.h"
-#include "contract/kelvaarchiveclientinterface.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/openeddocuments.h"
 #include "widgets/plainbox.h"
@@ -186,6 +186,12 @@ bool KelvaClientMain::init()
 void KelvaClientMain::show()
 {
     QWidget::show();
+    // They came up before the window did, and would lie behind one that is maximised.
+    for (QDockWidget *dock : {m_dockFolder, m_dockStatus, m_dockSearch, m_dockDocuments})
+        if (dock->isFloating() && dock->isVisible()) {
+            dock->hide();
+            dock->show();
+        }
 }
 
 void KelvaClientMain::writeApplicationInfo(const QString &name, const QString &version, const QString &build)

@@ -3,12 +3,12 @@
 #include "app/kelvachangepass.h"
 #include "app/kelvadoclogin.h"
 #include "app/startoptions.h"
+#include "contract/classifyinterface.h"
 #include "documents/kelvatrashbutton.h"
 #include "documents/refreshgate.h"
 #include "folders/columneditors.h"
 #include "folders/kelvadoctree.h"
 #include "server/archiveentry.h"
-#include "contract/classifyinterface.h"
 #include "server/kelvaarchiveworker.h"
 #include "server/kelvalogindata.h"
 #include "widgets/plainbox.h"
@@ -58,7 +58,7 @@ bool isKnown(ClassifyInterface &service, const kelvaProfileData &profile)
 void offerManager(QWidget *window, const QString &text)
 {
     const QString hint =
-        KelvaClientMain::tr("User and password are kept in the Connection Manager. Open it now?");
+        KelvaClientMain::tr("User and password of the profile are kept in the Connection Manager.");
     if (plainbox::failureWithOffer(window, KelvaClientMain::tr("Error"), text, hint,
                                    KelvaClientMain::tr("Open Connection Manager")))
         QProcess::startDetached(QCoreApplication::applicationDirPath() + "/kelvamanager", {});

@@ -2,10 +2,10 @@
 
 #include "app/actionvisibility.h"
 #include "app/windowlayout.h"
+#include "contract/classifyinterface.h"
 #include "documents/kelvatrashbutton.h"
 #include "extensions/qttoolbarmanager.h"
 #include "search/kelvastatusbarext.h"
-#include "contract/classifyinterface.h"
 #include "widgets/plainbox.h"
 
 #include <QCheckBox>

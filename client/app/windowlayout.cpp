@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QScreen>
 #include <QSettings>
+#include <QStyle>
 #include <QWindow>
 
 namespace {
@@ -34,8 +35,11 @@ void WindowLayout::load(const QSettings &settings, bool offline)
     m_offline = offline;
     DockFolderWidth = settings.value("DockFolderWidth", DockFolderWidth).toInt();
     if (isPlausibleWidth(DockFolderWidth)) {
-        const QMargins frame = m_panels.statusList->parentWidget()->layout()->contentsMargins();
-        m_folderWidth->setWidth(frame.left() + DockFolderWidth + frame.right());
+        // From the list to its dock: the margins of the panel and the frame of the dock.
+        const QMargins margins = m_panels.statusList->parentWidget()->layout()->contentsMargins();
+        const int frame =
+            m_panels.status->style()->pixelMetric(QStyle::PM_DockWidgetFrameWidth, nullptr, m_panels.status);
+        m_folderWidth->setWidth(margins.left() + DockFolderWidth + margins.right() + 2 * frame);
     }
     if (settings.contains("DockSettings")) {
         if (settings.value("isMaximized", false).toBool())

@@ -1,7 +1,7 @@
 #include "documents/documentquery.h"
 
-#include "documents/documentcolumns.h"
 #include "contract/folderoid.h"
+#include "documents/documentcolumns.h"
 
 #include <QCoreApplication>
 

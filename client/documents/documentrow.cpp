@@ -1,7 +1,7 @@
 #include "documents/documentrow.h"
 
-#include "documents/documentcolumns.h"
 #include "contract/recordformat.h"
+#include "documents/documentcolumns.h"
 
 #include <QCoreApplication>
 

@@ -2,8 +2,11 @@
 
 #include "ui_kelvacalendar.h"
 
+#include <QAbstractItemView>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QTimer>
+#include <QToolTip>
 
 namespace {
 
@@ -35,7 +38,16 @@ KelvaCalendar::KelvaCalendar(QWidget *parent, bool minToday, bool withNull, cons
     connect(m_ui->m_kind, SIGNAL(currentIndexChanged(int)), this, SLOT(plChanged()));
     connect(m_ui->m_sign, SIGNAL(currentIndexChanged(int)), this, SLOT(plChanged()));
     connect(m_ui->m_value, SIGNAL(valueChanged(int)), this, SLOT(plChanged()));
-    QTimer::singleShot(focusDelayMs, m_ui->m_calendar, SLOT(setFocus()));
+    // The calendar's own way to take a typed date reads it in the order of the locale, whatever was meant.
+    m_ui->m_calendar->setDateEditEnabled(false);
+    for (QObject *part : m_ui->m_calendar->findChildren<QAbstractItemView *>())
+        part->installEventFilter(this);
+    m_ui->m_typed->hide();
+    connect(m_ui->m_typed, SIGNAL(textChanged(QString)), this, SLOT(checkTyped()));
+    QTimer::singleShot(focusDelayMs, this, [this] {
+        activateWindow(); // a click that opened the dialog may have activated the window behind it again
+        m_ui->m_calendar->setFocus();
+    });
 }
 
 KelvaCalendar::~KelvaCalendar() = default;
@@ -101,6 +113,8 @@ void KelvaCalendar::plChanged()
 
 void KelvaCalendar::dateSelectionChanged()
 {
+    if (typedDate(m_ui->m_typed->text()) != selectedDate())
+        m_ui->m_typed->hide(); // the calendar has been used after all
     m_ui->m_kind->setCurrentIndex(0);
 }
 
@@ -116,8 +130,48 @@ void KelvaCalendar::setNULL()
     accept();
 }
 
+QDate KelvaCalendar::typedDate(const QString &text)
+{
+    for (const char *format : {"yyyy-MM-dd", "yyyy-M-d", "d.M.yyyy"})
+        if (const QDate date = QDate::fromString(text.trimmed(), format); date.isValid())
+            return date;
+    return QDate();
+}
+
+bool KelvaCalendar::eventFilter(QObject *watched, QEvent *event)
+{
+    const auto *key = event->type() == QEvent::KeyPress ? static_cast<QKeyEvent *>(event) : nullptr;
+    if (!key || key->text().isEmpty() || !key->text().at(0).isDigit())
+        return QDialog::eventFilter(watched, event);
+    m_ui->m_typed->show();
+    m_ui->m_typed->setFocus();
+    m_ui->m_typed->setText(key->text());
+    return true;
+}
+
+void KelvaCalendar::checkTyped()
+{
+    const QDate date = typedDate(m_ui->m_typed->text());
+    m_ui->m_typed->setStyleSheet(date.isValid() ? QString() : "QLineEdit { color: red; }");
+    setSelectedDate(date);
+}
+
+/// False, with a word, when what was typed is no date that can be chosen.
+bool KelvaCalendar::takeTyped()
+{
+    if (!m_ui->m_typed->isVisible() || typedDate(m_ui->m_typed->text()) == selectedDate())
+        return true;
+    QToolTip::showText(m_ui->m_typed->mapToGlobal(m_ui->m_typed->rect().bottomLeft()),
+                       tr("This is not a date that can be chosen. Write it as in 2026-12-31."),
+                       m_ui->m_typed);
+    m_ui->m_typed->setFocus();
+    return false;
+}
+
 void KelvaCalendar::accept()
 {
+    if (!m_null && !takeTyped())
+        return;
     m_ok = true;
     QDialog::accept();
 }

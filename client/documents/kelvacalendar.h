@@ -29,6 +29,8 @@ public:
     QString getExtendedString() const;
     /// Chooses a macro; a text that is none leaves the dialog as it is.
     void setExtendedString(const QString &text);
+    /// A date as it is shown, or as people write one: "2026-12-31", "31.12.2026". Invalid for anything else.
+    static QDate typedDate(const QString &text);
     /// The user chose to have no date.
     bool isNULL() const { return m_null; }
     bool getIsOk() const { return m_ok; }
@@ -41,9 +43,14 @@ public slots:
 private slots:
     void plChanged();
     void dateSelectionChanged();
+    void checkTyped();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     DateMacro macro() const;
+    bool takeTyped();
 
     const std::unique_ptr<Ui::KelvaCalendar> m_ui;
     const QDate m_today;

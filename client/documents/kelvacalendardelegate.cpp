@@ -1,7 +1,7 @@
 #include "documents/kelvacalendardelegate.h"
 
-#include "widgets/itemroles.h"
 #include "documents/kelvacalendar.h"
+#include "widgets/itemroles.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 #include "app/kelvaclientmain.h"
 
+#include "contract/classifyinterface.h"
+#include "contract/recordformat.h"
 #include "documents/classificationedit.h"
 #include "documents/documentcolumns.h"
 #include "documents/kelvatrashbutton.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
 #include "search/kelvastatusbarext.h"
-#include "contract/classifyinterface.h"
 #include "widgets/plainbox.h"
-#include "contract/recordformat.h"
 
 #include <QHoverEvent>
 #include <QProgressDialog>

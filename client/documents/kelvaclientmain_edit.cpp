@@ -1,12 +1,12 @@
 #include "app/kelvaclientmain.h"
 
+#include "contract/classifyinterface.h"
 #include "documents/classificationedit.h"
 #include "documents/documentcolumns.h"
-#include "widgets/itemroles.h"
 #include "documents/kelvacalendar.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/refreshgate.h"
-#include "contract/classifyinterface.h"
+#include "widgets/itemroles.h"
 #include "widgets/plainbox.h"
 #include "widgets/waitcursor.h"
 

@@ -4,8 +4,8 @@
 #include "documents/refreshgate.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
-#include "widgets/plainbox.h"
 #include "server/qfiledialogzip.h"
+#include "widgets/plainbox.h"
 
 #include <QCheckBox>
 #include <QSettings>

@@ -3,11 +3,11 @@
 #include "documents/kelvadelegate.h"
 #include "documents/onelinesearch.h"
 #include "documents/searchcell.h"
-#include "widgets/searchtexts.h"
 #include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
 #include "server/kelvaarchiveworker.h"
 #include "widgets/plainbox.h"
+#include "widgets/searchtexts.h"
 #include "widgets/waitcursor.h"
 
 #include <QLocale>

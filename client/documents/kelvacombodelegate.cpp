@@ -1,11 +1,11 @@
 #include "documents/kelvacombodelegate.h"
 
+#include "contract/recordformat.h"
 #include "documents/celldata.h"
+#include "documents/valuecombobox.h"
 #include "widgets/itemroles.h"
 #include "widgets/recordpicture.h"
 #include "widgets/searchtexts.h"
-#include "documents/valuecombobox.h"
-#include "contract/recordformat.h"
 
 #include <QPixmap>
 

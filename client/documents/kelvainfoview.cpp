@@ -1,16 +1,18 @@
 #include "documents/kelvainfoview.h"
 
 #include "documents/documentcolumns.h"
-#include "widgets/itemroles.h"
 #include "documents/kelvacheckboxdelegate.h"
-#include "widgets/mysortfilterproxymodel.h"
 #include "documents/plaincelldelegate.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/rowicons.h"
+#include "widgets/itemroles.h"
+#include "widgets/mysortfilterproxymodel.h"
 
 #include <QAction>
+#include <QCalendarWidget>
 #include <QCoreApplication>
 #include <QDebug>
+#include <QDialog>
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -245,7 +247,11 @@ void KelvaInfoView::keyPressEvent(QKeyEvent *event)
     const bool mayEdit = editTriggers() != QAbstractItemView::NoEditTriggers;
     const bool plain =
         mayEdit && !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
-    if (plain && (current.flags() & Qt::ItemIsEditable) && startsEditing(*event)) {
+    // A number may also begin with its sign or its point.
+    const bool begins = startsEditing(*event) ||
+                        (current.data(itemrole::numeric).toBool() &&
+                         QString("-+.,").contains(event->text().left(1)) && !event->text().isEmpty());
+    if (plain && (current.flags() & Qt::ItemIsEditable) && begins) {
         event->ignore();
         startEditing(*event);
         return;
@@ -256,13 +262,17 @@ void KelvaInfoView::keyPressEvent(QKeyEvent *event)
 void KelvaInfoView::startEditing(const QKeyEvent &key)
 {
     const QModelIndex cell = QTableView::currentIndex();
-    edit(cell);
-    auto *line = qobject_cast<QLineEdit *>(indexWidget(cell));
-    if (!line || isReturn(key))
+    edit(cell, DoubleClicked, nullptr); // a click that waits to become a double one would hold it back
+    auto *editor = indexWidget(cell);
+    if (auto *calendar = qobject_cast<QDialog *>(editor) ? editor->findChild<QCalendarWidget *>() : nullptr)
+        editor = calendar->findChild<QAbstractItemView *>();
+    else if (!qobject_cast<QLineEdit *>(editor))
+        editor = nullptr;
+    if (!editor || isReturn(key))
         return;
     // The key is the first one typed; the editor has all of its text selected.
     QKeyEvent typed(key);
-    QCoreApplication::sendEvent(line, &typed);
+    QCoreApplication::sendEvent(editor, &typed);
 }
 
 bool KelvaInfoView::edit(const QModelIndex &index, EditTrigger trigger, QEvent *event)

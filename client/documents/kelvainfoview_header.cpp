@@ -87,8 +87,10 @@ void KelvaInfoView::hideColumn()
         action->setData(column);
         action->setChecked(!isColumnHidden(column));
     }
-    while (const auto *chosen = menu.exec(QCursor::pos())) {
+    const QPoint place = QCursor::pos(); // it stays there while columns are ticked
+    while (const auto *chosen = menu.exec(place)) {
         auto *action = const_cast<QAction *>(chosen);
+        menu.setActiveAction(action);
         const int column = action->data().toInt();
         if (!action->isChecked() && column != documentcolumn::resubmission && visibleColumns() <= 1) {
             plainbox::information(this, tr("Warning"), tr("All columns can not be hidden."));

@@ -1,14 +1,14 @@
 #include "documents/kelvainfoview.h"
 
+#include "contract/recordformat.h"
 #include "documents/documentcell.h"
 #include "documents/documentcolumns.h"
 #include "documents/documentrow.h"
-#include "widgets/itemroles.h"
 #include "documents/kelvalinedelegate.h"
-#include "widgets/mysortfilterproxymodel.h"
 #include "documents/qinfoviewmodel.h"
 #include "documents/rowicons.h"
-#include "contract/recordformat.h"
+#include "widgets/itemroles.h"
+#include "widgets/mysortfilterproxymodel.h"
 
 #include <QHeaderView>
 #include <QLocale>

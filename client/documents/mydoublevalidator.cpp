@@ -9,7 +9,8 @@ QValidator::State MyDoubleValidator::validate(QString &text, int &position) cons
 {
     if (text.isEmpty())
         return Acceptable;
-    const State state = QDoubleValidator::validate(text, position);
+    // Nothing that is typed is dropped: "1e3" would become 13, and "-" vanish. It is refused as a whole.
+    const State state = qMax(Intermediate, QDoubleValidator::validate(text, position));
     // No thousands begin with a nought: "0.123" is meant as a decimal where the point separates thousands.
     const int separator = text.indexOf(locale().groupSeparator());
     const QString first = text.left(separator).remove('-');

@@ -1,7 +1,7 @@
 #include "documents/recordeditor.h"
 
-#include "documents/classificationedit.h"
 #include "contract/classifyinterface.h"
+#include "documents/classificationedit.h"
 
 RecordEditor::Result RecordEditor::edit(const QString &docId, const IsCurrent &isCurrent,
                                         const Change &change) const

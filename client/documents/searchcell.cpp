@@ -1,10 +1,10 @@
 #include "documents/searchcell.h"
 
-#include "widgets/itemroles.h"
+#include "contract/recordformat.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
+#include "widgets/itemroles.h"
 #include "widgets/searchtexts.h"
-#include "contract/recordformat.h"
 
 #include <QHeaderView>
 #include <QSignalBlocker>

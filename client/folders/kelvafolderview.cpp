@@ -1,10 +1,10 @@
 #include "folders/kelvafolderview.h"
 
 #include "documents/kelvalinedelegate.h"
-#include "widgets/mysortfilterproxymodel.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvasearchdlg.h"
+#include "widgets/mysortfilterproxymodel.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -18,6 +18,7 @@
 namespace {
 
 constexpr int firstNameWidth = 220;
+constexpr int besideNameWidth = 60; ///< in the picker, where names matter
 constexpr int longestName = 254;
 
 /// The document table's selection, and a paler hint of it under the pointer.
@@ -228,6 +229,8 @@ void KelvaFolderView::update()
             header()->restoreState(settings.value("TreeSortOrder").toByteArray());
         else
             header()->resizeSection(0, firstNameWidth);
+        for (int column = 1; m_dialogMode && !settings.contains("TreeSortOrder") && column < 3; ++column)
+            header()->resizeSection(column, besideNameWidth);
     }
     if (m_dialogMode)
         header()->setSectionResizeMode(0, QHeaderView::Stretch); // a restored state has its own mode

@@ -1,14 +1,14 @@
 #include "support/kelvatest.h"
 #include "support/onecelltable.h"
 
-#include "widgets/itemroles.h"
+#include "contract/recordformat.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvamultiselection.h"
 #include "documents/kelvasimplecombodelegate.h"
 #include "documents/valuecombobox.h"
-#include "contract/recordformat.h"
+#include "widgets/itemroles.h"
 
 #include <QAbstractItemView>
 #include <QAction>
@@ -179,7 +179,8 @@ private slots:
         kelvatest::row("a number loses its thousands separator", "n", "1", "1,234.5", "1234.5||1");
         kelvatest::row("a comma that separates no thousands is a point", "n", "1", "12,5", "12.5||1");
         kelvatest::row("letters are no number", "n", "12", "abc", "12||0");
-        kelvatest::row("five decimals are too many", "n", "", "1.23456", "1.2345||1");
+        kelvatest::row("five decimals are too many", "n", "", "1.23456", "||0");
+        kelvatest::row("no digit of an exponent is dropped", "n", "12", "1e3", "12||0");
         kelvatest::row("half a number is not written", "n", "12", "-", "12||0");
         kelvatest::row("German thousands and decimals", "g", "12,", "1.234,5", "1234,5||1");
         kelvatest::row("a stored number is no thousand times itself", "g", "12.345", QString(), "12.345||0");

@@ -6,8 +6,10 @@
 #include "documents/kelvacalendar.h"
 #include "documents/kelvacalendardelegate.h"
 
+#include <QAbstractItemView>
 #include <QCalendarWidget>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
 
@@ -121,6 +123,27 @@ private slots:
         QVERIFY(table.edit());
         QTRY_VERIFY(!table.isEditing());
         QTEST(table.outcome(), "outcome");
+    }
+
+    void aTypedDateIsTheOneThatIsMeant()
+    {
+        KelvaCalendar calendar(nullptr, false, false, QDate(2024, 8, 14));
+        calendar.show();
+        auto *days = calendar.findChild<QCalendarWidget *>()->findChild<QAbstractItemView *>();
+        const auto type = [&](const QString &text) {
+            QTest::keyClick(days, text.at(0).toLatin1());
+            auto *typed = calendar.findChild<QLineEdit *>("m_typed");
+            QTest::keyClicks(typed, text.mid(1));
+            QTest::keyClick(typed, Qt::Key_Return);
+            return calendar.getIsOk();
+        };
+        for (const char *none : {"2026-02-31", "12", "31.12"}) {
+            QVERIFY2(!type(none), none);
+            QVERIFY(calendar.isVisible());
+        }
+        QVERIFY(type("31.12.2026"));
+        QCOMPARE(calendar.selectedDate(), QDate(2026, 12, 31));
+        QCOMPARE(KelvaCalendar::typedDate("2026-2-3"), QDate(2026, 2, 3));
     }
 };
 
