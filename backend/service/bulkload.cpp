@@ -11,12 +11,14 @@ namespace {
 
 constexpr int documentsPerTransaction = 5000;
 
+const QString accountOf = QStringLiteral("(SELECT id FROM account WHERE login = ?)");
+
 QString insertRecord(const QVector<AttributeColumn> &attributes)
 {
-    QString columns =
-        QStringLiteral("document, subarchive, trashed, folder, status, docart, cdate, defdate, creator,"
-                       " changeid, ctimestamp, mandant, bemerkung");
-    QString places = QStringLiteral("?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?");
+    QString columns = QStringLiteral(
+        "document, subarchive, trashed, folder, status, docart, cdate, defdate, creator, account,"
+        " changeid, ctimestamp, mandant, bemerkung");
+    QString places = QStringLiteral("?, ?, ?, ?, ?, ?, ?, ?, ?, %1, ?, ?, ?, ?").arg(accountOf);
     for (const AttributeColumn &attribute : attributes) {
         columns += QStringLiteral(", ") + attribute.column;
         places += QStringLiteral(", ?");
@@ -30,18 +32,24 @@ struct BulkLoad::Statements
 {
     Statements(Database &database, QVector<AttributeColumn> all)
         : attributes(std::move(all)),
-          document(database,
-                   QStringLiteral("INSERT INTO document(subarchive, file_name, creator, created, version)"
-                                  " VALUES(?, ?, ?, ?, ?) RETURNING id")),
+          document(
+              database,
+              QStringLiteral("INSERT INTO document(subarchive, file_name, creator, account, created, version)"
+                             " VALUES(?, ?, ?, %1, ?, ?) RETURNING id")
+                  .arg(accountOf)),
           version(database,
                   QStringLiteral("INSERT INTO file_version(document, version, blob, creator, created)"
                                  " VALUES(?, 1, ?, ?, ?)")),
           text(database, QStringLiteral("INSERT INTO file_text(document) VALUES(?)")),
           record(database, insertRecord(attributes)),
           note(database,
-               QStringLiteral("INSERT INTO note(classification, author, created, text) VALUES(?, ?, ?, ?)")),
+               QStringLiteral(
+                   "INSERT INTO note(classification, author, account, created, text) VALUES(?, ?, %1, ?, ?)")
+                   .arg(accountOf)),
           event(database,
-                QStringLiteral("INSERT INTO event(document, action, time, login) VALUES(?, ?, ?, ?)"))
+                QStringLiteral(
+                    "INSERT INTO event(document, action, time, login, account) VALUES(?, ?, ?, ?, %1)")
+                    .arg(accountOf))
     {
     }
 
@@ -77,8 +85,9 @@ Result<qint64> BulkLoad::add(const BulkDocument &document)
             return begun.error();
     Database &database = m_session.database();
     const bool hasFile = !document.content.isNull();
-    const qint64 id = m_statements->document.insert({document.subArchive, storedText(document.fileName),
-                                                     document.creator, document.created, hasFile ? 1 : 0});
+    const qint64 id =
+        m_statements->document.insert({document.subArchive, storedText(document.fileName), document.creator,
+                                       document.creator, document.created, hasFile ? 1 : 0});
     if (hasFile) {
         m_statements->version.run(
             {id, insertBlob(database, document.content), document.creator, document.created});
@@ -94,6 +103,7 @@ Result<qint64> BulkLoad::add(const BulkDocument &document)
                         document.resubmission.isEmpty() ? QVariant() : document.resubmission,
                         document.creator,
                         document.creator,
+                        document.creator,
                         document.created,
                         mainFolderOf(document.folder),
                         storedText(document.description, 254)};
@@ -106,7 +116,8 @@ Result<qint64> BulkLoad::add(const BulkDocument &document)
     }
     const qint64 record = m_statements->record.insert(values);
     if (!document.note.isEmpty())
-        m_statements->note.run({record, document.creator, document.created, storedText(document.note)});
+        m_statements->note.run(
+            {record, document.creator, document.creator, document.created, storedText(document.note)});
     if (database.failed())
         return database.error();
     if (++m_pending >= documentsPerTransaction)
@@ -120,7 +131,7 @@ Result<void> BulkLoad::addEvent(qint64 archiveId, int action, const QString &tim
     if (!m_transaction)
         if (const Result<void> begun = begin("BulkLoad::addEvent"); !begun)
             return begun;
-    m_statements->event.run({archiveId, action, time, user});
+    m_statements->event.run({archiveId, action, time, user, user});
     if (m_session.database().failed())
         return m_session.database().error();
     return {};

@@ -51,9 +51,10 @@ QVector<qint64> parseIds(const QStringList &texts)
 void recordEvent(Session &session, qint64 archiveId, Action action,
                  const QString &comment = QStringLiteral(""))
 {
-    session.database().run(
-        QStringLiteral("INSERT INTO event(document, action, time, login, comment) VALUES(?, ?, ?, ?, ?)"),
-        {archiveId, static_cast<int>(action), session.timestamp(), session.login(), storedText(comment)});
+    session.database().run(QStringLiteral("INSERT INTO event(document, action, time, login, account, comment)"
+                                          " VALUES(?, ?, ?, ?, ?, ?)"),
+                           {archiveId, static_cast<int>(action), session.timestamp(), session.login(),
+                            session.account(), storedText(comment)});
 }
 
 /// Cuts a long name in its middle: the suffix says what the file is.
@@ -160,9 +161,9 @@ Result<qint64> attachBlob(Session &session, qint64 blob, const QString &fileName
         database.run(QStringLiteral("UPDATE document SET version = version + 1 WHERE id = ?"), {document});
     } else {
         document = database.insert(
-            QStringLiteral("INSERT INTO document(subarchive, file_name, creator, created, version)"
-                           " VALUES(?, ?, ?, ?, 1)"),
-            {subArchive, fileName, session.login(), session.timestamp()});
+            QStringLiteral("INSERT INTO document(subarchive, file_name, creator, account, created, version)"
+                           " VALUES(?, ?, ?, ?, ?, 1)"),
+            {subArchive, fileName, session.login(), session.account(), session.timestamp()});
     }
     database.run(QStringLiteral("INSERT INTO file_version(document, version, blob, creator, created)"
                                 " SELECT id, version, ?, ?, ? FROM document WHERE id = ?"),

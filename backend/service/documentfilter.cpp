@@ -149,7 +149,7 @@ Result<DocumentCondition> conditionFor(Session &session, const DocumentFilter &f
         add(&wanted, part.value());
     }
     if (filter.mine)
-        add(&wanted, {QStringLiteral("c.creator = ?"), {session.login()}});
+        add(&wanted, {QStringLiteral("c.account = ?"), {session.account()}});
     if (const Result<void> added = addSelection(&wanted, filter); !added)
         return added.error();
     condition.inTrash = filter.trash;

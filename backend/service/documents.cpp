@@ -343,10 +343,10 @@ Result<void> Documents::classify(qint64 archiveId, const QString &fileName, cons
             return {};
         database.run(QStringLiteral(
                          "INSERT INTO classification(document, subarchive, folder, mandant, bemerkung, cdate,"
-                         " creator, changeid, ctimestamp) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+                         " creator, account, changeid, ctimestamp) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
                      {archiveId, subArchive, target, mainFolderOf(target),
                       storedText(fileName, maximumDescription), m_session.today().toString(Qt::ISODate),
-                      m_session.login(), m_session.login(), m_session.timestamp()});
+                      m_session.login(), m_session.account(), m_session.login(), m_session.timestamp()});
         return {};
     });
 }
@@ -444,8 +444,9 @@ Result<void> Documents::moveToSubArchive(qint64 archiveId, qint64 subArchive)
             database.run(QStringLiteral("UPDATE classification SET subarchive = ? WHERE document = ?"),
                          {subArchive, archiveId});
             database.run(
-                QStringLiteral("INSERT INTO event(document, action, time, login) VALUES(?, ?, ?, ?)"),
-                {archiveId, archiveChanged, m_session.timestamp(), m_session.login()});
+                QStringLiteral(
+                    "INSERT INTO event(document, action, time, login, account) VALUES(?, ?, ?, ?, ?)"),
+                {archiveId, archiveChanged, m_session.timestamp(), m_session.login(), m_session.account()});
         }
         return {};
     });

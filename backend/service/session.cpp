@@ -81,7 +81,9 @@ Result<std::unique_ptr<Session>> Session::openOffline(const QString &path)
 
 Result<std::unique_ptr<Session>> Session::openAsOwner(const QString &path, const QString &name)
 {
-    return open(path, Access::Scope::Owner, name, {});
+    return open(path, Access::Scope::Owner, name, [&](Database &database) -> Result<qint64> {
+        return database.value(QStringLiteral("SELECT id FROM account WHERE login = ?"), {name}).toLongLong();
+    });
 }
 
 Result<std::unique_ptr<Session>> Session::openAsUser(const QString &path, const QString &user)

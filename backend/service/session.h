@@ -35,6 +35,8 @@ public:
     Database &database() { return *m_database; }
     const QString &login() const { return m_login; }
     qint64 userId() const { return m_userId; }
+    /// The same as it is stored with what belongs to the user: NULL without an account.
+    QVariant account() const { return m_userId == 0 ? QVariant() : QVariant(m_userId); }
     bool isOffline() const { return m_scope == Access::Scope::ReadOnly; }
 
     /// What this session may do; brought up to date when somebody changed rights or folders. Nothing once the

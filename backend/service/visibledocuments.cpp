@@ -19,10 +19,10 @@ SqlCondition visibleDocuments(Session &session, const QString &column)
     if (access.seesEveryDocument())
         return {sql::always, {}};
     return {QStringLiteral("(EXISTS(SELECT 1 FROM classification c WHERE c.document = %1 AND %2)"
-                           " OR EXISTS(SELECT 1 FROM document own WHERE own.id = %1 AND own.creator = ?"
+                           " OR EXISTS(SELECT 1 FROM document own WHERE own.id = %1 AND own.account = ?"
                            " AND NOT EXISTS(SELECT 1 FROM classification c WHERE c.document = own.id)))")
                 .arg(column, access.visibleCondition(QStringLiteral("c.folder"))),
-            {session.login()}};
+            {session.account()}};
 }
 
 } // namespace kelva

@@ -233,9 +233,29 @@ void createVersion2(Database &database)
            });
 }
 
+/// What belongs to a user is his account's, whatever its login is called; the names stay for people to read.
+void createVersion3(Database &database)
+{
+    const struct
+    {
+        const char *table;
+        const char *login;
+    } tables[] = {
+        {"document", "creator"}, {"classification", "creator"}, {"note", "author"}, {"event", "login"}};
+    for (const auto &[table, login] : tables) {
+        database.run(QStringLiteral("ALTER TABLE %1 ADD COLUMN account INTEGER").arg(QLatin1String(table)));
+        database.run(
+            QStringLiteral("UPDATE %1 SET account = (SELECT a.id FROM account a WHERE a.login = %1.%2)")
+                .arg(QLatin1String(table), QLatin1String(login)));
+    }
+    database.run(QStringLiteral("DROP INDEX classification_creator"));
+    database.run(QStringLiteral(
+        "CREATE INDEX classification_account ON classification(account, trashed, id, folder)"));
+}
+
 /// Step n leads from version n to n + 1. A step never changes once archives of its version exist.
 using Step = void (*)(Database &);
-const Step steps[] = {createVersion1, createVersion2};
+const Step steps[] = {createVersion1, createVersion2, createVersion3};
 
 } // namespace
 

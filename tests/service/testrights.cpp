@@ -157,6 +157,27 @@ private slots:
         }
     }
 
+    void aNewUserOfAnOldNameInheritsNothing()
+    {
+        TestArchive own;
+        QTemporaryDir files;
+        const QString file = outside::write(files.filePath("a.txt"), "x");
+        QStringList seen;
+        for (int generation = 0; generation < 2; ++generation) {
+            own.addUser("clerk", {"kelvaCLASSIFY"});
+            const auto clerk = own.login("clerk");
+            if (generation == 0) {
+                QCOMPARE(Content(*clerk).store(file, true, {}).value(), 1);
+                QCOMPARE(Content(*clerk).store(file, true, {}).value(), 2);
+                QCOMPARE(textOf(Documents(*clerk).classify(2, "Filed", "1.1")), QString());
+            }
+            seen << QString::number(Content(*clerk).info({"1"}).value().size()) +
+                        descriptionsOf(listDocuments(*clerk, {"OPT:MINE"}).value()).join(' ');
+            QVERIFY(Users(*own.owner()).remove({QString::number(clerk->userId())}).ok());
+        }
+        QCOMPARE(seen, (QStringList{"1Filed", "0"}));
+    }
+
     void whatIsNotSeenIsNotCounted()
     {
         TestArchive own;
