@@ -57,7 +57,7 @@ bool KelvaInfoView::restoreHeader()
 
 void KelvaInfoView::loadActionMenu()
 {
-    m_hideAction = new QAction(tr("Show/Hide column(s)"));
+    m_hideAction = new QAction(tr("Show/Hide column(s)"), this);
     m_resizeAction = new QAction(tr("Resize columns to content"), this);
     m_autoResizeAction = new QAction(tr("Resize columns to content (automatic)"), this);
     m_autoResizeAction->setCheckable(true);

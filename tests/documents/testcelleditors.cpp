@@ -2,6 +2,7 @@
 #include "support/onecelltable.h"
 
 #include "contract/recordformat.h"
+#include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
@@ -101,10 +102,11 @@ private slots:
             QImage(width, 1, QImage::Format_RGB32).save(&buffer, "PNG");
             return bytes;
         };
-        KelvaComboDelegate combo(entries(), {picture(1024), picture(1025), "<svg>"}, nullptr, false, QIcon(),
-                                 false, false);
+        KelvaComboDelegate combo(entries() << "plain", {picture(1024), picture(1025), "<svg>"}, nullptr,
+                                 false, QIcon(), false, false);
         QCOMPARE(combo.getData("2") + '|' + combo.getValue("done"), QString("resubmission|3"));
         QCOMPARE(combo.getData("4") + '|' + combo.getValue("4"), QString("not assigned|not assigned"));
+        QCOMPARE(combo.getData("plain"), QString("plain"));
         // What is too large to be a picture, or none, is left away.
         QVERIFY(!combo.getIcon("1").isNull() && combo.getIcon("2").isNull() && combo.getIcon("3").isNull());
     }
@@ -169,7 +171,7 @@ private slots:
 
     void lines_data()
     {
-        // kind: n number, g German number, else text
+        // kind: n number, g in Germany
         // typed: null: nothing
         kelvatest::columns<QString, QString, QString, QString>("kind", "text", "typed", "outcome");
         const QString tooLong(300, 'x');
@@ -182,9 +184,10 @@ private slots:
         kelvatest::row("five decimals are too many", "n", "", "1.23456", "||0");
         kelvatest::row("no digit of an exponent is dropped", "n", "12", "1e3", "12||0");
         kelvatest::row("half a number is not written", "n", "12", "-", "12||0");
-        kelvatest::row("German thousands and decimals", "g", "12,", "1.234,5", "1234,5||1");
-        kelvatest::row("a stored number is no thousand times itself", "g", "12.345", QString(), "12.345||0");
-        kelvatest::row("a point that separates no thousands is a comma", "g", "1", "7.5", "7,5||1");
+        kelvatest::row("German thousands and decimals", "gn", "12,", "1.234,5", "1234,5||1");
+        kelvatest::row("a stored number is no thousand times itself", "gn", "12.345", QString(), "12.345||0");
+        kelvatest::row("a point in a text stays one", "g", "12.345", QString(), "12.345||0");
+        kelvatest::row("a point that separates no thousands is a comma", "gn", "1", "7.5", "7,5||1");
     }
 
     void lines()
@@ -193,9 +196,9 @@ private slots:
         QFETCH(QString, text);
         QFETCH(QString, typed);
         const auto restore = qScopeGuard([before = QLocale()] { QLocale::setDefault(before); });
-        if (kind == "g")
+        if (kind.contains('g'))
             QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-        OneCellTable table(new KelvaLineDelegate({}, nullptr, 254, !kind.isEmpty()));
+        OneCellTable table(new KelvaLineDelegate({}, nullptr, 254, kind.contains('n')));
         table.setCell(text);
         auto *line = qobject_cast<QLineEdit *>(table.edit());
         QVERIFY(line && line->hasAcceptableInput());
@@ -280,6 +283,8 @@ private slots:
         kelvatest::row("combo", MakeDelegate([] { return makeCombo(); }));
         kelvatest::row("simple combo", MakeDelegate([] { return makeSimpleCombo(); }));
         kelvatest::row("line", MakeDelegate([] { return new KelvaLineDelegate({}, nullptr, 5, true); }));
+        kelvatest::row("calendar",
+                       MakeDelegate([] { return new KelvaCalendarDelegate(nullptr, false, false, false); }));
         kelvatest::row("check box", MakeDelegate([] { return new KelvaCheckBoxDelegate(false, nullptr); }));
     }
 

@@ -60,6 +60,8 @@ private slots:
         value->setValue(3);
         QCOMPARE(dialog.getExtendedString(), QString("[MONAT-3]"));
         QCOMPARE(dialog.selectedDate(), QDate(2014, 5, 14));
+        dialog.setExtendedString("2014-08-11"); // is no macro and takes none away
+        QCOMPARE(dialog.getExtendedString(), QString("[MONAT-3]"));
         sign->setCurrentIndex(0);
         QCOMPARE(dialog.getExtendedString(), QString("[MONAT+3]"));
         dialog.findChild<QCalendarWidget *>("m_calendar")->setSelectedDate(QDate(2014, 8, 20));

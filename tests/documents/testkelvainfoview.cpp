@@ -1,5 +1,6 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
+#include "support/outside.h"
 
 #include "documents/documentcolumns.h"
 #include "widgets/itemroles.h"
@@ -8,10 +9,12 @@
 #include "documents/qinfoviewmodel.h"
 #include "contract/recordformat.h"
 
+#include <QDir>
 #include <QHeaderView>
 #include <QMenu>
 #include <QSettings>
 #include <QStandardItem>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -82,6 +85,35 @@ private slots:
         QCOMPARE(view.getModel()->columnCount(), 13);
         load(view, {});
         QCOMPARE(view.getModel()->columnCount(), 0);
+    }
+
+    void filesShowTheirType()
+    {
+        const QTemporaryDir themes;
+        QVERIFY(QDir(themes.path()).mkpath("plain/32"));
+        outside::write(themes.filePath("plain/index.theme"),
+                       "[Icon Theme]\nName=Plain\nDirectories=32\n[32]\nSize=32\nType=Fixed\n");
+        QImage picture(32, 32, QImage::Format_RGB32);
+        picture.fill(Qt::magenta);
+        QVERIFY(picture.save(themes.filePath("plain/32/application-pdf.png")));
+        QIcon::setThemeSearchPaths({themes.path()});
+        QIcon::setThemeName("plain");
+        KelvaInfoView view;
+        view.setNoEdit(false);
+        const QChar l = recordformat::listSeparator;
+        // An entry that is not complete is passed over.
+        view.loadDocuments({header(0), row(1, "a", {}), row(2, "b", {})},
+                           {QString("101") + l + "scan.PDF" + l + "x", QString("102") + l + "scan.pdf"},
+                           false, {}, nullptr);
+        const auto colour = [&view](int row) {
+            return view.itemFromSource(row, documentcolumn::id)
+                ->icon()
+                .pixmap(32)
+                .toImage()
+                .pixelColor(16, 16);
+        };
+        QCOMPARE(colour(0), QColor(Qt::magenta));
+        QVERIFY(colour(1) != QColor(Qt::magenta));
     }
 
     void resubmissionColumnComesAndGoes()
