@@ -68,6 +68,9 @@ private slots:
         QCOMPARE(id->data(itemrole::classificationId).toString(), QString("7"));
         QCOMPARE(view.itemFromSource(0, documentcolumn::folder)->data(itemrole::rawValue).toString(),
                  QString("1.1.1"));
+        QCOMPARE(view.itemFromSource(0, documentcolumn::type)->data(itemrole::rawValue).toString() + ' ' +
+                     view.itemFromSource(0, documentcolumn::date)->data(itemrole::rawValue).toString(),
+                 QString("5 2024-03-05"));
         QCOMPARE(view.itemFromSource(0, 11)->text(), QString("1234.50"));
         QCOMPARE(view.itemFromSource(0, 11)->data(itemrole::numeric).toBool(), true);
         QVERIFY(view.itemFromSource(0, 12)->isEditable());
@@ -203,6 +206,8 @@ private slots:
             QVERIFY(!view.indexWidget(cell));
         }
         QCOMPARE(started, QString("09AZaz"));
+        QTest::keyClick(&view, Qt::Key_B, Qt::ControlModifier);
+        QVERIFY(!view.indexWidget(cell));
         QCOMPARE(cell.data().toString(), QString("z")); // what is being typed is written
     }
 
