@@ -6,13 +6,13 @@
 
 #include "app/kelvaclientmain.h"
 #include "documents/documentcolumns.h"
-#include "widgets/itemroles.h"
 #include "documents/kelvainfoview.h"
 #include "server/kelvaarchiveworker.h"
 #include "service/archive.h"
 #include "service/content.h"
 #include "service/session.h"
 #include "store/database.h"
+#include "widgets/itemroles.h"
 
 #include <QApplication>
 #include <QDir>

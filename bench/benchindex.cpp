@@ -102,7 +102,10 @@ struct Filed
             need(kelva::Documents(*session).classify(document, name, "0"));
         }
     }
-    int toDo() { return session->database().value("SELECT count(*) FROM file_text WHERE state = 0").toInt(); }
+    int waiting()
+    {
+        return session->database().value("SELECT count(*) FROM file_text WHERE state = 0").toInt();
+    }
 
     QString path;
     std::unique_ptr<kelva::Session> session;
@@ -187,7 +190,7 @@ void fileAndFind(const QTemporaryDir &scratch, const QStringList &files)
     since.start();
     archive.file(files);
     const qint64 filed = since.elapsed();
-    while (archive.toDo() > 0)
+    while (archive.waiting() > 0)
         QThread::msleep(10);
     QTextStream(stdout) << QString("%1 text files: filed after %2 ms, all found after %3 ms\n")
                                .arg(files.size())

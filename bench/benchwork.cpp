@@ -3,9 +3,9 @@
 
 #include "bench/measure.h"
 
+#include "contract/recordformat.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvafolderview.h"
-#include "contract/recordformat.h"
 #include "service/archive.h"
 #include "service/content.h"
 #include "service/session.h"

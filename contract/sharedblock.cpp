@@ -227,7 +227,10 @@ Outcome SharedBlock::tryToPublish(const QByteArray &block)
         return found;
     Lock lock(m_semaphore);
     if (const Outcome held = lock.take(patienceMs); held != Outcome::Done)
-        return held;
+        // Somebody was killed before he set it free, or it is another program's that has the key by accident:
+        // readers find the new one.
+        return held == Outcome::Locked && changeKeyFile(keyFile(semaphorePrefix, m_key)) ? Outcome::Missing
+                                                                                         : held;
     if (const Outcome room = makeRoom(block.size()); room != Outcome::Done)
         return room;
     std::memcpy(m_data, block.constData(), static_cast<std::size_t>(block.size()));

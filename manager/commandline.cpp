@@ -1,9 +1,9 @@
 #include "manager/commandline.h"
 
+#include "contract/recordformat.h"
 #include "manager/managerserver.h"
 #include "manager/profilecheck.h"
 #include "manager/profilestore.h"
-#include "contract/recordformat.h"
 #include "service/consolepassword.h"
 
 #include <QCommandLineParser>

@@ -1,8 +1,8 @@
 #include "manager/managerwindow.h"
 
 #include "manager/profiledialog.h"
-#include "widgets/plainbox.h"
 #include "ui_managerwindow.h"
+#include "widgets/plainbox.h"
 
 #include <QAction>
 #include <QCloseEvent>

@@ -1,8 +1,8 @@
 #include "manager/profiledialog.h"
 
+#include "contract/recordformat.h"
 #include "manager/profilecheck.h"
 #include "manager/runaside.h"
-#include "contract/recordformat.h"
 #include "ui_profiledialog.h"
 
 #include <QLineEdit>

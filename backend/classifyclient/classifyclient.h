@@ -1,7 +1,7 @@
 #pragma once
 
-#include "indexer/indexerthread.h"
 #include "contract/classifyinterface.h"
+#include "indexer/indexerthread.h"
 #include "service/connection.h"
 #include "service/workbench.h"
 

@@ -1,5 +1,7 @@
 #include "folders/columneditors.h"
 
+#include "contract/folderoid.h"
+#include "contract/recordformat.h"
 #include "documents/documentcolumns.h"
 #include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"
@@ -7,13 +9,11 @@
 #include "documents/kelvainfoview.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvasimplecombodelegate.h"
-#include "widgets/searchtexts.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvaviewdelegate.h"
 #include "folders/workbenchdata.h"
-#include "contract/folderoid.h"
-#include "contract/recordformat.h"
+#include "widgets/searchtexts.h"
 
 #include <QCoreApplication>
 #include <QDebug>

@@ -1,6 +1,9 @@
 #include "app/kelvaclientmain.h"
 
 #include "app/kelvaclientsettings.h"
+#include "contract/classifyinterface.h"
+#include "contract/folderoid.h"
+#include "contract/userrights.h"
 #include "documents/documentcolumns.h"
 #include "documents/kelvadelegate.h"
 #include "folders/columneditors.h"
@@ -10,11 +13,8 @@
 #include "folders/workbenchdata.h"
 #include "search/kelvaextsearch.h"
 #include "server/archiveentry.h"
-#include "contract/classifyinterface.h"
-#include "contract/folderoid.h"
 #include "server/kelvaarchiveworker.h"
 #include "widgets/plainbox.h"
-#include "contract/userrights.h"
 #include "widgets/waitcursor.h"
 
 #include <QDebug>

@@ -1,9 +1,9 @@
 #include "folders/kelvadoctree.h"
 
-#include "widgets/recordpicture.h"
-#include "folders/kelvadocitem.h"
 #include "contract/folderoid.h"
 #include "contract/recordformat.h"
+#include "folders/kelvadocitem.h"
+#include "widgets/recordpicture.h"
 
 #include <QBrush>
 #include <QCompleter>

@@ -1,10 +1,10 @@
 #include "folders/kelvadoctree.h"
 
+#include "contract/folderoid.h"
+#include "contract/recordformat.h"
 #include "documents/documentmime.h"
 #include "folders/kelvadocitem.h"
-#include "contract/folderoid.h"
 #include "widgets/plainbox.h"
-#include "contract/recordformat.h"
 
 #include <QBuffer>
 #include <QPixmap>

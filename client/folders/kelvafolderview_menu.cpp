@@ -1,9 +1,9 @@
 #include "folders/kelvafolderview.h"
 
-#include "widgets/mysortfilterproxymodel.h"
 #include "folders/folderlink.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
+#include "widgets/mysortfilterproxymodel.h"
 #include "widgets/plainbox.h"
 
 #include <QAction>

@@ -20,7 +20,8 @@ KelvaFolderViewDlg::KelvaFolderViewDlg(QWidget *parent) : QDialog(parent), m_Vie
     resize(400, 571);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_View);
-    auto *hint = new QLabel(tr("A double click or Return chooses a folder, Escape none. Type to search."), this);
+    auto *hint =
+        new QLabel(tr("A double click or Return chooses a folder, Escape none. Type to search."), this);
     hint->setWordWrap(true);
     layout->addWidget(hint);
     m_View->setObjectName("m_View");

@@ -1,11 +1,11 @@
 #include "folders/kelvaviewdelegate.h"
 
 #include "documents/celldata.h"
-#include "widgets/itemroles.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvafolderview.h"
 #include "folders/kelvafolderviewdlg.h"
+#include "widgets/itemroles.h"
 
 #include <QCoreApplication>
 #include <QDebug>

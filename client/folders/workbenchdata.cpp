@@ -1,9 +1,9 @@
 #include "folders/workbenchdata.h"
 
-#include "documents/documentcolumns.h"
 #include "contract/boundedread.h"
 #include "contract/recordformat.h"
 #include "contract/sharedblock.h"
+#include "documents/documentcolumns.h"
 
 #include <QBuffer>
 #include <QThread>

@@ -1,17 +1,17 @@
 #include "app/kelvaclientmain.h"
 
-#include "widgets/itemroles.h"
+#include "contract/classifyinterface.h"
+#include "contract/recordformat.h"
 #include "documents/kelvadelegate.h"
 #include "documents/searchcell.h"
-#include "widgets/searchtexts.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvaviewdelegate.h"
 #include "search/filtermodel.h"
 #include "search/kelvaextsearch.h"
 #include "search/kelvastatusbarext.h"
-#include "contract/classifyinterface.h"
+#include "widgets/itemroles.h"
 #include "widgets/plainbox.h"
-#include "contract/recordformat.h"
+#include "widgets/searchtexts.h"
 
 #include <QSignalBlocker>
 

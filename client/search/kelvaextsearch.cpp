@@ -1,16 +1,16 @@
 #include "search/kelvaextsearch.h"
 
+#include "contract/recordformat.h"
 #include "documents/documentcolumns.h"
-#include "widgets/itemroles.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvadelegatewrapper.h"
 #include "documents/kelvalinedelegate.h"
-#include "widgets/searchtexts.h"
 #include "search/criteriacolumns.h"
 #include "search/filtermodel.h"
-#include "contract/recordformat.h"
 #include "ui_kelvaextsearch.h"
+#include "widgets/itemroles.h"
+#include "widgets/searchtexts.h"
 
 #include <QHeaderView>
 #include <QLocale>

@@ -1,17 +1,17 @@
 #include "search/kelvaextsearch.h"
 
-#include "widgets/itemroles.h"
+#include "contract/recordformat.h"
 #include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvadelegatewrapper.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvamultiselection.h"
-#include "widgets/searchtexts.h"
 #include "folders/kelvaviewdelegate.h"
 #include "search/criteriacolumns.h"
 #include "search/searchoperators.h"
-#include "contract/recordformat.h"
 #include "ui_kelvaextsearch.h"
+#include "widgets/itemroles.h"
+#include "widgets/searchtexts.h"
 
 #include <QAction>
 #include <QSignalBlocker>

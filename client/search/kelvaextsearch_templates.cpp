@@ -1,14 +1,14 @@
 #include "search/kelvaextsearch.h"
 
-#include "widgets/itemroles.h"
+#include "contract/classifyinterface.h"
+#include "contract/userrights.h"
 #include "documents/kelvacombodelegate.h"
-#include "widgets/searchtexts.h"
 #include "search/criteriacolumns.h"
 #include "search/filtermodel.h"
-#include "contract/classifyinterface.h"
-#include "widgets/plainbox.h"
-#include "contract/userrights.h"
 #include "ui_kelvaextsearch.h"
+#include "widgets/itemroles.h"
+#include "widgets/plainbox.h"
+#include "widgets/searchtexts.h"
 
 #include <QInputDialog>
 #include <QSignalBlocker>

@@ -1,10 +1,10 @@
 #include "search/kelvastatuslistwidget.h"
 
+#include "contract/recordformat.h"
 #include "documents/documentcolumns.h"
 #include "documents/documentmime.h"
 #include "widgets/itemroles.h"
 #include "widgets/recordpicture.h"
-#include "contract/recordformat.h"
 
 #include <QDropEvent>
 #include <QMimeData>

@@ -1,7 +1,7 @@
 #include "search/searchclause.h"
 
-#include "widgets/searchtexts.h"
 #include "search/searchoperators.h"
+#include "widgets/searchtexts.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "search/searchoperators.h"
 
-#include "widgets/searchtexts.h"
 #include "contract/recordformat.h"
+#include "widgets/searchtexts.h"
 
 #include <QCoreApplication>
 

@@ -1,7 +1,7 @@
 #include "server/kelvaarchiveworker.h"
 
-#include "server/exportfilename.h"
 #include "contract/kelvaarchiveclientinterface.h"
+#include "server/exportfilename.h"
 #include "server/openeddocuments.h"
 #include "widgets/plainbox.h"
 

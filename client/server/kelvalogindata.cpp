@@ -1,7 +1,7 @@
 #include "server/kelvalogindata.h"
 
-#include "server/kelvalogindialog.h"
 #include "contract/localpeer.h"
+#include "server/kelvalogindialog.h"
 
 #include <QBuffer>
 #include <QCoreApplication>

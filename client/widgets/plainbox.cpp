@@ -66,8 +66,8 @@ QMessageBox::StandardButton plainbox::question(QWidget *parent, const QString &t
     return ask(QMessageBox::Question, parent, title, text, buttons, preset);
 }
 
-bool plainbox::failureWithOffer(QWidget *parent, const QString &title, const QString &text, const QString &hint,
-                                const QString &offer)
+bool plainbox::failureWithOffer(QWidget *parent, const QString &title, const QString &text,
+                                const QString &hint, const QString &offer)
 {
     const SuspendedWaitCursor pointer;
     QMessageBox box(QMessageBox::Critical, title, beginningOf(text), QMessageBox::Ok, visibleParent(parent));

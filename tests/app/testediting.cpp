@@ -2,9 +2,9 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
-#include "widgets/itemroles.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvafolderview.h"
+#include "widgets/itemroles.h"
 
 #include <QCalendarWidget>
 #include <QLineEdit>

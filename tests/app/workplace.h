@@ -5,8 +5,8 @@
 #include "support/workbenchfixture.h"
 
 #include "app/kelvaclientmain.h"
-#include "documents/kelvainfoview.h"
 #include "contract/recordformat.h"
+#include "documents/kelvainfoview.h"
 
 #include <QApplication>
 #include <QDockWidget>

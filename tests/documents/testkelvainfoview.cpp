@@ -2,12 +2,12 @@
 #include "support/kelvatest.h"
 #include "support/outside.h"
 
+#include "contract/recordformat.h"
 #include "documents/documentcolumns.h"
-#include "widgets/itemroles.h"
 #include "documents/kelvainfoview.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/qinfoviewmodel.h"
-#include "contract/recordformat.h"
+#include "widgets/itemroles.h"
 
 #include <QDir>
 #include <QHeaderView>

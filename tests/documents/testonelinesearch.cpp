@@ -1,8 +1,8 @@
 #include "support/kelvatest.h"
 
+#include "contract/recordformat.h"
 #include "documents/documentquery.h"
 #include "documents/onelinesearch.h"
-#include "contract/recordformat.h"
 
 using Editor = OneLineSearch::Editor;
 Q_DECLARE_METATYPE(Editor)

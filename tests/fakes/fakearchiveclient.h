@@ -1,7 +1,7 @@
 #pragma once
 
-#include "fakes/fakearchive.h"
 #include "contract/kelvaarchiveclientinterface.h"
+#include "fakes/fakearchive.h"
 
 /// The content side of the fake archive. Operations that no test needs yet fail and say so.
 class FakeArchiveClient : public kelvaArchiveClientInterface

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "fakes/fakearchive.h"
 #include "contract/classifyinterface.h"
+#include "fakes/fakearchive.h"
 
 #include <QSet>
 

@@ -1,6 +1,7 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
+#include "contract/recordformat.h"
 #include "folders/folderlink.h"
 #include "folders/foldersearchtext.h"
 #include "folders/kelvadocitem.h"
@@ -8,7 +9,6 @@
 #include "folders/kelvafolderview.h"
 #include "folders/kelvanewfolder.h"
 #include "folders/kelvasearchdlg.h"
-#include "contract/recordformat.h"
 
 #include <QAbstractItemModelTester>
 #include <QClipboard>

@@ -1,9 +1,9 @@
 #include "support/kelvatest.h"
 
+#include "contract/recordformat.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvafolderview.h"
-#include "contract/recordformat.h"
 
 #include <QAbstractItemModelTester>
 #include <QAbstractProxyModel>

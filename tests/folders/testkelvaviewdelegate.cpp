@@ -3,12 +3,12 @@
 #include "support/onecelltable.h"
 #include "support/workbenchfixture.h"
 
+#include "contract/recordformat.h"
 #include "folders/kelvadocitem.h"
 #include "folders/kelvadoctree.h"
 #include "folders/kelvafolderview.h"
 #include "folders/kelvafolderviewdlg.h"
 #include "folders/kelvaviewdelegate.h"
-#include "contract/recordformat.h"
 
 #include <QAbstractProxyModel>
 #include <QLineEdit>

@@ -97,6 +97,10 @@ private slots:
         place.lockForEver();
         QVERIFY(!readWorkbenchData("kelva_own", data, &fault));
         QVERIFY2(fault.contains("does not let go"), qPrintable(fault));
+        // Who publishes does not depend on what somebody killed has left.
+        const WorkbenchFixture anew("kelva_own", block);
+        QVERIFY(anew.isReady());
+        QVERIFY(readWorkbenchData("kelva_own", data, &fault));
     }
 
     void damagedBlocksAreRefused()

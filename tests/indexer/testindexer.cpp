@@ -3,8 +3,8 @@
 
 #include "service/testarchive.h"
 
-#include "indexer/indexer.h"
 #include "contract/recordformat.h"
+#include "indexer/indexer.h"
 #include "service/content.h"
 #include "service/documentlist.h"
 #include "service/documents.h"

@@ -4,10 +4,10 @@
 #include "support/kelvatest.h"
 #include "support/outside.h"
 
-#include "folders/workbenchdata.h"
-#include "server/kelvalogindata.h"
 #include "contract/localpeer.h"
 #include "contract/recordformat.h"
+#include "folders/workbenchdata.h"
+#include "server/kelvalogindata.h"
 #include "service/folders.h"
 #include "service/records.h"
 

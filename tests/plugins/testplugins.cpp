@@ -1,10 +1,10 @@
 #include "support/kelvatest.h"
 #include "support/outside.h"
 
-#include "folders/workbenchdata.h"
 #include "contract/classifyinterface.h"
 #include "contract/kelvaarchiveclientinterface.h"
 #include "contract/recordformat.h"
+#include "folders/workbenchdata.h"
 #include "service/archive.h"
 #include "service/session.h"
 #include "service/users.h"

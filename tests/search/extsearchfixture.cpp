@@ -1,13 +1,13 @@
 #include "search/extsearchfixture.h"
 
-#include "widgets/itemroles.h"
+#include "contract/recordformat.h"
 #include "documents/kelvacalendardelegate.h"
 #include "documents/kelvacheckboxdelegate.h"
 #include "documents/kelvacombodelegate.h"
 #include "documents/kelvalinedelegate.h"
 #include "documents/kelvasimplecombodelegate.h"
 #include "folders/kelvaviewdelegate.h"
-#include "contract/recordformat.h"
+#include "widgets/itemroles.h"
 
 ExtSearchFixture::ExtSearchFixture(bool offline)
     : tree("Folders", true, QString(), QString(), nullptr),

@@ -2,9 +2,9 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
-#include "widgets/itemroles.h"
-#include "documents/kelvacombodelegate.h"
 #include "contract/recordformat.h"
+#include "documents/kelvacombodelegate.h"
+#include "widgets/itemroles.h"
 
 #include <QLocale>
 #include <QScopeGuard>

@@ -1,9 +1,9 @@
 #include "support/kelvatest.h"
 
+#include "contract/recordformat.h"
 #include "documents/documentmime.h"
 #include "folders/kelvadoctree.h"
 #include "search/kelvastatuslistwidget.h"
-#include "contract/recordformat.h"
 
 #include <QDataStream>
 #include <QDragMoveEvent>

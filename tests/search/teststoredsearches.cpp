@@ -3,10 +3,10 @@
 #include "support/dialogscript.h"
 #include "support/kelvatest.h"
 
-#include "widgets/itemroles.h"
 #include "search/filtermodel.h"
 #include "search/quserlistview.h"
 #include "search/searchtemplate.h"
+#include "widgets/itemroles.h"
 
 #include <QCheckBox>
 #include <QLineEdit>

@@ -3,8 +3,8 @@
 #include "support/kelvatest.h"
 #include "support/outside.h"
 
-#include "server/kelvalogindata.h"
 #include "contract/recordformat.h"
+#include "server/kelvalogindata.h"
 
 #include <QComboBox>
 #include <QDataStream>

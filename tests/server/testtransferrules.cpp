@@ -1,9 +1,9 @@
 #include "support/kelvatest.h"
 #include "support/outside.h"
 
+#include "contract/privatefile.h"
 #include "server/exportfilename.h"
 #include "server/openeddocuments.h"
-#include "contract/privatefile.h"
 #include "server/transferprogress.h"
 
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "support/onecelltable.h"
 
-#include "widgets/itemroles.h"
 #include "documents/kelvadelegate.h"
+#include "widgets/itemroles.h"
 
 OneCellTable::OneCellTable(KelvaDelegate *delegate) : m_model(1, 1)
 {

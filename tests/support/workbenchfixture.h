@@ -1,7 +1,7 @@
 #pragma once
 
-#include "folders/workbenchdata.h"
 #include "contract/sharedblock.h"
+#include "folders/workbenchdata.h"
 
 /// Lays a data block down in shared memory, as the Connection Manager does, for as long as it lives.
 class WorkbenchFixture
