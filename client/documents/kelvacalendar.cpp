@@ -46,7 +46,8 @@ KelvaCalendar::KelvaCalendar(QWidget *parent, bool minToday, bool withNull, cons
     connect(m_ui->m_typed, SIGNAL(textChanged(QString)), this, SLOT(checkTyped()));
     QTimer::singleShot(focusDelayMs, this, [this] {
         activateWindow(); // a click that opened the dialog may have activated the window behind it again
-        m_ui->m_calendar->setFocus();
+        if (!m_ui->m_typed->isVisible())
+            m_ui->m_calendar->setFocus();
     });
 }
 
