@@ -18,7 +18,7 @@ void lookOfResubmission(const QString &dateText, const QDate &today, DocumentRow
 {
     using Clock = DocumentRowLook::Clock;
     look.resubmission = true;
-    look.toolTip = translated("Resubmit on: %1").arg(dateText);
+    look.toolTip = translated("Resubmit on: %1").arg(QString(dateText).remove('<')); // no markup in a tip
     // A date that does not parse is zero days away and so counts as due.
     const qint64 days = today.daysTo(QDate::fromString(dateText, dateFormat));
     if (days < 2) {
